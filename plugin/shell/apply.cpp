@@ -1,0 +1,151 @@
+// The apply run and playback.
+#include "shell/apply.h"
+
+#include "kit/mass_edit.h"
+#include "kit/string_resources.h"
+#include "shell/note_options.h"
+#include "shell/settings.h"
+#include "transform/inversion.h"
+#include "transform/transpose_region.h"
+
+SUItemsRecord SUItems;
+
+namespace {
+
+// The staff list that playback reads: its number and the tag of its records.
+constexpr std::uint16_t kPlaybackStaffList = 0xFFF9;
+constexpr std::uint32_t kPlaybackStaffTag = 0x534F4975;
+
+bool isNothingChosen() {
+    return SUItems.retrograde == 0 && SUItems.inversionKind == kNoInversion &&
+           SUItems.optionKind == kNoOption && SUItems.transpose.kind == kNoTransposition &&
+           SUItems.removeTies == 0;
+}
+
+// One apply run: the transformations done so far and whether it goes on.
+class ApplyRun {
+  public:
+    explicit ApplyRun(const EREGION& selection) : selection_(selection), progress_(kit::startMassEdit()) {}
+
+    // The order is the user's contract: later steps work on what the earlier ones made.
+    void run() {
+        if (transpose() && invert()) applyOptions();
+    }
+
+    // Closes the mass edit; true when the music is to be redrawn.
+    bool finish() {
+        kit::endMassEdit(progress_);
+        return done_ != 0;
+    }
+
+  private:
+    // Each step returns false when the user cancelled and the later steps are to be skipped.
+    bool transpose() {
+        const STStruct& settings = SUItems.transpose;
+        const auto steps = static_cast<short>(settings.octaves * 7 + settings.steps);
+        switch (settings.kind) {
+            case kDiatonicTransposition:
+                return count(TransposeDiatonic(&selection_, steps, settings.alteration, &progress_));
+            case kChromaticTransposition:
+            case kSemitoneTransposition:
+                return count(TransposeChromatic(&selection_, steps, settings.alteration, &progress_));
+            default:
+                return true;
+        }
+    }
+
+    bool invert() {
+        const short axis = SUItems.mirrorAxisStep;
+        switch (SUItems.inversionKind) {
+            case kDiatonicInversion:
+                return count(InvDiatonic(&selection_, axis, &progress_));
+            case kChromaticInversion:
+                return count(InvChromatic(&selection_, axis, SUItems.mirrorAxisAlteration,
+                                          SUItems.mirrorCheck, &progress_));
+            case kChordsUpward:
+                return count(InvChordUp(&selection_, kSingleNotesInSteps, 0, 0, &progress_));
+            case kChordsDownward:
+                return count(InvChordDown(&selection_, kSingleNotesInSteps, 0, 0, &progress_));
+            default:
+                return true;
+        }
+    }
+
+    void applyOptions() {
+        if (SUItems.optionKind == kNoOption && SUItems.removeTies == 0) return;
+        count(DoSUOptions(&selection_, SUItems.optionKind, SUItems.removeTies, &progress_));
+    }
+
+    // Counts a transformation that changed something; false, with nothing left to redraw, after a cancel.
+    bool count(short result) {
+        if (!result) return true;
+        done_ = progress_.cancelled ? 0 : done_ + 1;
+        return !progress_.cancelled;
+    }
+
+    EREGION selection_;
+    CProgress progress_;
+    int done_ = 0;
+};
+
+// The host's selection, and the region to redraw when there is none.
+struct Selection {
+    bool exists = false;
+    EREGION region{};
+    EREGION fallback{};
+
+    Selection() {
+        std::uint64_t slot = 0;
+        exists = SX_GetCurERegions(&slot, &region, &fallback) != 0;
+    }
+};
+
+}  // namespace
+
+short NoSelectionDialog(SXWindow window) {
+    return SX_AlertMessage_UTF16(window, kAlertWarning, kNoSelectionText, nullptr);
+}
+
+short NoActionDialog(SXWindow window) {
+    return SX_AlertMessage_UTF16(window, kAlertWarning, kNothingChosenText, nullptr);
+}
+
+void applyTransformations(SXWindow dialog) {
+    if (isNothingChosen()) {
+        NoActionDialog(dialog);
+        return;
+    }
+    const Selection selection;
+    if (!selection.exists) {
+        NoSelectionDialog(dialog);
+        return;
+    }
+    ApplyRun run(selection.region);
+    run.run();
+    if (!run.finish()) return;
+    const Selection now;
+    SX_RedrawMusic(now.exists ? &now.region : &now.fallback);
+}
+
+void playSelection(SXWindow dialog) {
+    const Selection selection;
+    if (!selection.exists) {
+        NoSelectionDialog(dialog);
+        return;
+    }
+    const EMUSICPOINT& start = selection.region.start;
+    const int slots = selection.region.end.slot - start.slot + 1;
+    for (int i = 0; i < slots; ++i) {
+        EDATAKEY key{kPlaybackStaffList, static_cast<std::uint16_t>(i)};
+        EDTPlaybackStaff record{};
+        record.staff = SX_SlotToInst(static_cast<short>(start.slot + i), start.staffList);
+        std::uint32_t size = sizeof record;
+        SX_CreateEData(kPlaybackStaffTag, &key, &record, &size);
+    }
+    SX_Playback(start.measure, selection.region.end.measure, 0, kPlaybackStaffList);
+    // The host closes up the incident numbers behind each deletion, so the first one empties the list.
+    for (int i = 0; i < slots; ++i) {
+        EDATAKEY key{kPlaybackStaffList, 0};
+        SX_DeleteEData(kPlaybackStaffTag, &key);
+    }
+}

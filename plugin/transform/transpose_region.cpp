@@ -1,0 +1,39 @@
+// The two transpositions of a region.
+#include "transform/transpose_region.h"
+
+#include <optional>
+
+#include "kit/region_walk.h"
+#include "transform/pitch.h"
+
+short TransposeDiatonic(EREGION* region, short steps, short alteration, CProgress* progress) {
+    bool changed = false;
+    const auto moveEntry = [&](EXENTRY& entry) {
+        for (short i = 0; i < entry.noteCount; ++i) {
+            ENOTE& note = entry.notes[i];
+            note.displacement = static_cast<std::int16_t>(note.displacement + steps);
+            note.alteration = static_cast<std::int16_t>(note.alteration + alteration);
+        }
+        entry.updateFlags |= ENTRY_CHANGED;
+        changed = true;
+    };
+    const auto walk =
+        kit::walkByMeasure(*region, *progress, [&](short, short) { return std::optional(moveEntry); });
+    return changed || walk.cancelled;
+}
+
+short TransposeChromatic(EREGION* region, short steps, short alteration, CProgress* progress) {
+    const pitch::Interval interval(steps, alteration);
+    kit::walkByMeasure(*region, *progress, [&](short measure, short slot) {
+        const short staff = SX_SlotToInst(slot, region->start.staffList);
+        const std::uint16_t mode = pitch::modeOfKey(SX_GetKeySig(measure, staff, 0, 0));
+        return std::optional([&interval, mode](EXENTRY& entry) {
+            for (short i = 0; i < entry.noteCount; ++i) {
+                interval.move(entry.notes[i], mode);
+                entry.notes[i].noteFlags |= NOTE_FLAG24;
+            }
+            entry.updateFlags |= ENTRY_CHANGED;
+        });
+    });
+    return 1;
+}

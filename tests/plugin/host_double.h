@@ -1,0 +1,32 @@
+// The host functions behind every alert and dialog handler, served by the test program itself.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "contract/records.h"
+
+struct Alert {
+    SXWindow parent;
+    std::uint16_t style;
+    std::uint32_t stringId;
+    std::string text;
+    std::uint32_t version;
+
+    bool operator==(const Alert&) const = default;
+};
+
+inline std::vector<Alert> alerts;
+inline short machOAnswer = 1;
+
+#define HOST_DOUBLE extern "C" __attribute__((visibility("default"), used)) inline
+
+HOST_DOUBLE short SX_AlertMessage(SXWindow parent, std::uint16_t style, std::uint32_t stringId,
+                                  const char* text, std::uint32_t version) {
+    alerts.push_back({parent, style, stringId, text, version});
+    return 0;
+}
+
+HOST_DOUBLE short SX_IsMachO(std::uint32_t /*version*/) {
+    return machOAnswer;
+}

@@ -1,0 +1,168 @@
+// The plug-in's texts and dialogs: complete in every language, and as the platform reads them.
+#include <CoreFoundation/CoreFoundation.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <string>
+
+#include "bundle_at.h"
+#include "child_process.h"
+#include "strings_file.h"
+
+namespace {
+
+using Keys = std::set<std::string>;
+
+Keys keysOf(const Texts& texts) {
+    Keys keys;
+    for (const auto& [key, text] : texts) keys.insert(key);
+    return keys;
+}
+
+PlatformOwned<CFStringRef> fromUtf8(const std::string& text) {
+    return PlatformOwned<CFStringRef>(
+        CFStringCreateWithCString(kCFAllocatorDefault, text.c_str(), kCFStringEncodingUTF8));
+}
+
+CFIndex unitsIn(const std::string& text) {
+    return CFStringGetLength(fromUtf8(text).get());
+}
+
+std::string toUtf8(CFStringRef text) {
+    std::string bytes(2048, '\0');
+    EXPECT_TRUE(
+        CFStringGetCString(text, bytes.data(), static_cast<CFIndex>(bytes.size()), kCFStringEncodingUTF8));
+    return bytes.c_str();
+}
+
+nlohmann::json readDialogs() {
+    std::ifstream file(ROVESCIO_RESOURCES "/Dialogs.json");
+    return nlohmann::json::parse(file).at("dialogs");
+}
+
+// The items of a dialog in order of their numbers, as "4popup5 9check".
+std::string outline(const nlohmann::json& dialog) {
+    std::map<int, std::string> items;
+    for (const auto& item : dialog.at("items")) {
+        std::string& text = items[item.at("item").get<int>()];
+        EXPECT_TRUE(text.empty()) << "an item number twice in " << dialog.at("number");
+        text = item.at("kind").get<std::string>();
+        if (item.contains("entries")) text += std::to_string(item.at("entries").get<int>());
+    }
+    std::string line;
+    for (const auto& [number, text] : items) {
+        if (!line.empty()) line += ' ';
+        line += std::to_string(number) + text;
+    }
+    return line;
+}
+
+TEST(Resources, DialogsHaveTheItemsThatTheProceduresUse) {
+    const std::map<int, std::string> expected = {
+        {20130,
+         "1button 2button 3button 4popup5 5button 6popup4 7button 8popup6 9check 10button 11check 12button"},
+        {20140, "1button 2button 3popup21 4button 5number 6check"},
+        {20150, "1button 2button 3popup4 4popup12 5popup9 6popup27 7popup2 8popup2 9number"},
+        {20180, "1button 2button 4number 5text 6number"},
+        {20190, "1button 2button 3check 4check"},
+        {20230, "1button 2text 3text 7button"},
+    };
+    std::map<int, std::string> outlines;
+    for (const auto& dialog : readDialogs()) outlines[dialog.at("number").get<int>()] = outline(dialog);
+    EXPECT_EQ(outlines, expected);
+}
+
+TEST(Resources, EveryLanguageNamesEveryDialogItemAndEntry) {
+    Keys expected;
+    for (const auto& dialog : readDialogs()) {
+        const std::string title = std::to_string(dialog.at("number").get<int>());
+        expected.insert(title);
+        for (const auto& item : dialog.at("items")) {
+            const std::string name = title + "." + std::to_string(item.at("item").get<int>());
+            expected.insert(name);
+            for (int entry = 1; entry <= item.value("entries", 0); ++entry) {
+                expected.insert(name + "." + std::to_string(entry));
+            }
+        }
+    }
+    for (const auto& language : kLanguages) {
+        EXPECT_EQ(keysOf(readStringsFile(language, "Dialogs")), expected) << language;
+    }
+}
+
+TEST(Resources, EntriesOfOneMenuDiffer) {
+    for (const auto& language : kLanguages) {
+        std::set<std::string> seen;
+        for (const auto& [key, text] : readStringsFile(language, "Dialogs")) {
+            const bool isEntry = std::count(key.begin(), key.end(), '.') == 2;
+            const std::string menu = key.substr(0, key.rfind('.'));
+            EXPECT_TRUE(!isEntry || seen.insert(menu + text).second) << language << " " << key << " " << text;
+        }
+    }
+}
+
+TEST(Resources, EveryLanguageHasEveryTextAndItFits) {
+    const Keys expected = {"20128,1", "20129,1",  "20129,2",  "20134,1",  "20134,2",  "20134,3",
+                           "20134,9", "20134,10", "20134,11", "20134,12", "20134,13", "20139,1"};
+    for (const auto& language : kLanguages) {
+        const Texts texts = readStringsFile(language, "Localizable");
+        ASSERT_EQ(keysOf(texts), expected) << language;
+        for (const char* key : {"20128,1", "20129,1", "20129,2"})
+            EXPECT_LE(unitsIn(texts.at(key)), 127) << key;
+        for (const char* key : {"20134,2", "20134,3", "20134,9", "20134,10", "20134,11"}) {
+            EXPECT_LE(unitsIn(texts.at(key)), 63) << language << " " << key;
+        }
+    }
+}
+
+TEST(Resources, MeasureRangeTakesTwoNumbersAndFits) {
+    for (const auto& language : kLanguages) {
+        const auto format = fromUtf8(readStringsFile(language, "Localizable").at("20139,1"));
+        const PlatformOwned<CFStringRef> text(
+            CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, format.get(), 32766, 32767));
+        const std::string line = toUtf8(text.get());
+        EXPECT_LT(line.find("32766"), line.find("32767")) << line;
+        EXPECT_NE(line.find("32767"), std::string::npos) << line;
+        EXPECT_EQ(line.find('%'), std::string::npos) << line;
+        EXPECT_LE(CFStringGetLength(text.get()), 63) << line;
+    }
+}
+
+TEST(Resources, ThePlatformReadsEveryTextFromTheBuiltBundle) {
+    for (const auto& language : kLanguages) {
+        for (const std::string table : {"Localizable", "Dialogs"}) {
+            std::string expected;
+            const Texts texts = readStringsFile(language, table);
+            for (const auto& [key, text] : texts) expected += text + "\n";
+            EXPECT_EQ(expected, runInChild(language + ".UTF-8", [&] {
+                          const auto bundle = bundleAt(ROVESCIO_BUNDLE);
+                          std::string lines;
+                          for (const auto& [key, text] : texts) {
+                              const PlatformOwned<CFStringRef> found(CFBundleCopyLocalizedString(
+                                  bundle.get(), fromUtf8(key).get(), nullptr, fromUtf8(table).get()));
+                              lines += toUtf8(found.get()) + "\n";
+                          }
+                          return lines;
+                      }));
+        }
+    }
+}
+
+TEST(Resources, TheBundleTellsWhatItIs) {
+    const auto bundle = bundleAt(ROVESCIO_BUNDLE);
+    const std::pair<const char*, std::string> entries[] = {{"CFBundleIdentifier", "org.rovescio.Rovescio"},
+                                                           {"CFBundleExecutable", "Rovescio"},
+                                                           {"CFBundlePackageType", "BNDL"},
+                                                           {"CFBundleDevelopmentRegion", "en"},
+                                                           {"CFBundleVersion", ROVESCIO_VERSION},
+                                                           {"CFBundleShortVersionString", ROVESCIO_VERSION}};
+    for (const auto& [key, expected] : entries) {
+        CFTypeRef value = CFBundleGetValueForInfoDictionaryKey(bundle.get(), fromUtf8(key).get());
+        ASSERT_NE(value, nullptr) << key;
+        EXPECT_EQ(toUtf8(static_cast<CFStringRef>(value)), expected) << key;
+    }
+}
+
+}  // namespace
