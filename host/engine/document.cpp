@@ -1,0 +1,107 @@
+// Storage of the document.
+#include "engine/document.h"
+
+#include <cassert>
+#include <limits>
+#include <utility>
+
+namespace rovescio::engine {
+
+short Document::addStaff(Staff staff) {
+    staves_.push_back(std::move(staff));
+    return staffCount();
+}
+
+short Document::addMeasure(Measure measure) {
+    if (measures_.size() >= std::numeric_limits<short>::max()) return 0;
+    measures_.push_back(std::move(measure));
+    return measureCount();
+}
+
+void Document::layOut() {
+    const std::size_t cells = staves_.size() * measures_.size();
+    staffMeasures_.resize(cells);
+    frames_.resize(cells * kMaxLayers);
+}
+
+std::size_t Document::cell(short staff, short measure) const {
+    assert(has(staff, measure));
+    return static_cast<std::size_t>(staff - 1) * measures_.size() + static_cast<std::size_t>(measure - 1);
+}
+
+std::size_t Document::frameIndex(const FrameAddress& address) const {
+    assert(address.layer >= 0 && address.layer < kMaxLayers);
+    return cell(address.staff, address.measure) * kMaxLayers + static_cast<std::size_t>(address.layer);
+}
+
+bool Document::has(short staff, short measure) const {
+    return staff >= 1 && staff <= staffCount() && measure >= 1 && measure <= measureCount();
+}
+
+StaffMeasure& Document::staffMeasure(short staff, short measure) {
+    return staffMeasures_[cell(staff, measure)];
+}
+
+const StaffMeasure& Document::staffMeasure(short staff, short measure) const {
+    return staffMeasures_[cell(staff, measure)];
+}
+
+const Staff& Document::staff(short staff) const {
+    return staves_[static_cast<std::size_t>(staff - 1)];
+}
+
+const Measure& Document::measure(short measure) const {
+    return measures_[static_cast<std::size_t>(measure - 1)];
+}
+
+void Document::addKeyChange(KeyChange change) {
+    keyChanges_.push_back(std::move(change));
+}
+
+const KeySignature& Document::keyAt(short staff, short measure, std::int32_t position) const {
+    const KeySignature* key = &staffMeasure(staff, measure).key;
+    std::int32_t latest = -1;
+    for (const KeyChange& change : keyChanges_) {
+        if (change.staff == staff && change.measure == measure && change.position <= position &&
+            change.position >= latest) {
+            key = &change.key;
+            latest = change.position;
+        }
+    }
+    return *key;
+}
+
+void Document::setEntries(const FrameAddress& address, std::span<const EXENTRY> entries) {
+    frames_[frameIndex(address)].entries = PackedEntries(entries);
+}
+
+const PackedEntries& Document::entries(const FrameAddress& address) const {
+    return frames_[frameIndex(address)].entries;
+}
+
+void Document::exchangeEntries(const FrameAddress& address, PackedEntries& entries) {
+    Frame& frame = frames_[frameIndex(address)];
+    frame.entries.swap(entries);
+    frame.changed = true;
+}
+
+PackedEntries& Document::changedEntries(const FrameAddress& address) {
+    Frame& frame = frames_[frameIndex(address)];
+    assert(frame.changed);
+    return frame.entries;
+}
+
+std::vector<FrameAddress> Document::changedFrames() const {
+    std::vector<FrameAddress> changed;
+    std::size_t index = 0;
+    for (short staff = 1; staff <= staffCount(); ++staff) {
+        for (short measure = 1; measure <= measureCount(); ++measure) {
+            for (short layer = 0; layer < kMaxLayers; ++layer, ++index) {
+                if (frames_[index].changed) changed.push_back({staff, measure, layer});
+            }
+        }
+    }
+    return changed;
+}
+
+}  // namespace rovescio::engine

@@ -1,0 +1,31 @@
+// Packing of the host's own entry bytes.
+#include "engine/entry_state.h"
+
+#include <cstring>
+
+namespace rovescio::engine {
+
+// Ratios are stored less one, so that the zero bytes of a fresh record read as 1:1.
+EntryState entryStateIn(const std::uint8_t (&hostPrivate)[6]) {
+    EntryState state;
+    std::uint16_t actual = 0;
+    std::uint16_t normal = 0;
+    std::memcpy(&actual, hostPrivate, 2);
+    std::memcpy(&normal, hostPrivate + 2, 2);
+    state.actual = static_cast<std::uint16_t>(actual + 1);
+    state.normal = static_cast<std::uint16_t>(normal + 1);
+    state.grace = static_cast<Grace>(hostPrivate[4]);
+    state.unpitched = hostPrivate[5];
+    return state;
+}
+
+void setEntryStateIn(std::uint8_t (&hostPrivate)[6], const EntryState& state) {
+    const auto actual = static_cast<std::uint16_t>(state.actual - 1);
+    const auto normal = static_cast<std::uint16_t>(state.normal - 1);
+    std::memcpy(hostPrivate, &actual, 2);
+    std::memcpy(hostPrivate + 2, &normal, 2);
+    hostPrivate[4] = static_cast<std::uint8_t>(state.grace);
+    hostPrivate[5] = state.unpitched;
+}
+
+}  // namespace rovescio::engine

@@ -1,0 +1,215 @@
+// Loading, editing, saving and freeing of frames.
+#include "engine/loaded_frames.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "engine/mass_edit.h"
+#include "engine/strictness.h"
+
+namespace rovescio::engine {
+
+namespace {
+
+constexpr std::uint8_t kPoison = 0xDB;
+constexpr std::size_t kRetiredBuffers = 16;
+
+std::string place(const FrameAddress& address) {
+    return "staff " + std::to_string(address.staff) + ", measure " + std::to_string(address.measure) +
+           ", layer " + std::to_string(address.layer + 1);
+}
+
+bool notesBeyondCount(const EXENTRY& entry) {
+    static constexpr ENOTE kNone[kMaxNotes] = {};
+    const auto used = static_cast<std::size_t>(std::clamp<int>(entry.noteCount, 0, kMaxNotes));
+    return std::memcmp(entry.notes + used, kNone, (kMaxNotes - used) * sizeof(ENOTE)) != 0;
+}
+
+}  // namespace
+
+LoadedFrames::LoadedFrames(Document& document, MassEdits& massEdits)
+    : document_(document), massEdits_(massEdits) {}
+
+EXTGF2005a* LoadedFrames::load(const FrameAddress& address) {
+    if (!document_.has(address.staff, address.measure) || address.layer < 0 || address.layer >= kMaxLayers) {
+        return nullptr;
+    }
+    if (idle_.empty()) {
+        Frame& fresh = frames_.emplace_back();
+        byRecord_.emplace(&fresh.record, &fresh);
+        idle_.push_back(&fresh);
+    }
+    Frame& frame = *idle_.back();
+    idle_.pop_back();
+    if (retired_.size() >= kRetiredBuffers) {
+        checkUntouched(retired_.front());
+        frame.entries = std::move(retired_.front().entries);
+        retired_.pop_front();
+    }
+    document_.entries(address).expand(frame.entries);
+    frame.address = address;
+    frame.live = true;
+    frame.record = {};
+    frame.record.headerWord = document_.staffMeasure(address.staff, address.measure).changesInside ? 1 : 0;
+    show(frame);
+    ++loads_;
+    return &frame.record;
+}
+
+void LoadedFrames::show(Frame& frame) {
+    frame.record.entries = frame.entries.data();
+    frame.record.entryCount = static_cast<std::int16_t>(frame.entries.size());
+}
+
+LoadedFrames::Frame* LoadedFrames::find(EXTGF2005a* record, const char* call, Rule ifFreed) {
+    const auto known = byRecord_.find(record);
+    if (known == byRecord_.end()) {
+        ruleBroken(Rule::frameUnknown,
+                   std::string(call) + " was called with a frame that the host never gave");
+        return nullptr;
+    }
+    Frame& frame = *known->second;
+    if (!frame.live) {
+        ruleBroken(ifFreed,
+                   std::string(call) + " was called with the freed frame of " + place(frame.address));
+        return nullptr;
+    }
+    if (record->entries != frame.entries.data() ||
+        record->entryCount != static_cast<std::int16_t>(frame.entries.size())) {
+        ruleBroken(Rule::frameHeaderChanged,
+                   "the frame of " + place(frame.address) + " came back with other entries or another count");
+        return nullptr;
+    }
+    return &frame;
+}
+
+bool LoadedFrames::insert(EXTGF2005a* record, short index, short count) {
+    Frame* frame = find(record, "SX_InsertEXENTRY", Rule::frameUnknown);
+    if (!frame) return false;
+    const auto size = static_cast<int>(frame->entries.size());
+    if (index < 0 || index > size || count < 1 || size + count > std::numeric_limits<short>::max())
+        return false;
+    // Always into a new buffer: a plug-in that goes on with the old one is noticed at once.
+    std::vector<EXENTRY> grown;
+    grown.reserve(static_cast<std::size_t>(size + count));
+    grown.assign(frame->entries.begin(), frame->entries.begin() + index);
+    for (short i = 0; i < count; ++i) {
+        EXENTRY fresh{};
+        fresh.entryNumber = document_.nextEntryNumber();
+        fresh.entryFlags = ENTRY_VALID;
+        grown.push_back(fresh);
+    }
+    grown.insert(grown.end(), frame->entries.begin() + index, frame->entries.end());
+    retire(std::exchange(frame->entries, std::move(grown)), frame->address);
+    show(*frame);
+    return true;
+}
+
+bool LoadedFrames::remove(EXTGF2005a* record, short index, short count) {
+    Frame* frame = find(record, "SX_DeleteEXENTRY", Rule::frameUnknown);
+    if (!frame) return false;
+    const auto size = static_cast<int>(frame->entries.size());
+    if (index < 0 || count < 1 || index + count > size) return false;
+    const auto first = frame->entries.begin() + index;
+    frame->entries.erase(first, first + count);
+    show(*frame);
+    return true;
+}
+
+// What the document keeps of an entry: rests without the placeholder that cleaning gave them, chords sorted
+// upward, unpitched notes where they were, and the change mark turned into the host's own.
+void LoadedFrames::normalise(EXENTRY& entry, const PackedEntries& before) {
+    if (!(entry.entryFlags & ENTRY_NOTE)) {
+        std::fill_n(entry.notes, std::clamp<int>(entry.noteCount, 0, kMaxNotes), ENOTE{});
+        entry.noteCount = 0;
+    }
+    if (entryState(entry).unpitched) {
+        const auto old = std::find_if(before.begin(), before.end(), [&](const StoredEntry& stored) {
+            return stored.entryNumber == entry.entryNumber;
+        });
+        if (old != before.end()) {
+            for (short i = 0; i < std::min(entry.noteCount, old->noteCount); ++i) {
+                const ENOTE& note = old->notes()[static_cast<std::size_t>(i)];
+                entry.notes[i].displacement = note.displacement;
+                entry.notes[i].alteration = note.alteration;
+            }
+        }
+    }
+    const auto lower = [](const ENOTE& a, const ENOTE& b) {
+        return a.displacement != b.displacement ? a.displacement < b.displacement
+                                                : a.alteration < b.alteration;
+    };
+    if (entry.noteCount > 1) std::stable_sort(entry.notes, entry.notes + entry.noteCount, lower);
+    if (entry.updateFlags & ENTRY_CHANGED) {
+        entry.updateFlags = static_cast<std::uint8_t>(entry.updateFlags & ~ENTRY_CHANGED);
+        entry.reserved13 |= kDecideAccidentals;
+    }
+}
+
+bool LoadedFrames::save(EXTGF2005a* record) {
+    Frame* frame = find(record, "SX_SaveTGF", Rule::frameUnknown);
+    if (!frame) return false;
+    if (!massEdits_.isOpen()) {
+        ruleBroken(Rule::saveOutsideMassEdit,
+                   "the frame of " + place(frame->address) + " was saved outside a mass edit");
+        return false;
+    }
+    std::size_t bytes = 0;
+    for (const EXENTRY& entry : frame->entries) {
+        if (entry.noteCount < 0 || entry.noteCount > kMaxNotes || notesBeyondCount(entry)) {
+            ruleBroken(Rule::notesBeyondCount, "an entry of " + place(frame->address) + " was saved with " +
+                                                   std::to_string(entry.noteCount) +
+                                                   " notes and more behind");
+            return false;
+        }
+        bytes += PackedEntries::bytesFor(entry.noteCount);
+    }
+    const PackedEntries& before = document_.entries(frame->address);
+    PackedEntries saved = PackedEntries::withRoom(bytes);
+    for (EXENTRY entry : frame->entries) {
+        normalise(entry, before);
+        saved.append(entry);
+    }
+    massEdits_.replace(frame->address, std::move(saved));
+    return true;
+}
+
+void LoadedFrames::free(EXTGF2005a* record) {
+    Frame* frame = find(record, "SX_FreeTGF", Rule::frameFreedTwice);
+    if (!frame) return;
+    // The record goes on pointing at the retired buffer, so that a late write lands where it is noticed.
+    frame->live = false;
+    retire(std::move(frame->entries), frame->address);
+    frame->entries = {};
+    idle_.push_back(frame);
+}
+
+void LoadedFrames::retire(std::vector<EXENTRY> entries, const FrameAddress& address) {
+    if (entries.empty()) return;
+    std::memset(static_cast<void*>(entries.data()), kPoison, entries.size() * sizeof(EXENTRY));
+    retired_.push_back({std::move(entries), address});
+}
+
+void LoadedFrames::checkUntouched(const Retired& retired) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(retired.entries.data());
+    const std::size_t size = retired.entries.size() * sizeof(EXENTRY);
+    // Equal to itself shifted by one byte: all bytes are the same.
+    if (bytes[0] == kPoison && std::memcmp(bytes, bytes + 1, size - 1) == 0) return;
+    ruleBroken(Rule::frameWrittenAfterFree,
+               "the frame of " + place(retired.address) + " was written to after it was freed");
+}
+
+void LoadedFrames::checkBalanced() {
+    for (Frame& frame : frames_) {
+        if (!frame.live) continue;
+        ruleBroken(Rule::frameNotFreed, "the frame of " + place(frame.address) + " was loaded and not freed");
+        free(&frame.record);
+    }
+    for (const Retired& retired : retired_) checkUntouched(retired);
+    retired_.clear();
+}
+
+}  // namespace rovescio::engine

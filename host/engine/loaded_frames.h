@@ -1,0 +1,64 @@
+// The frames that a plug-in has loaded: their buffers, and the watch over what it does with them.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <unordered_map>
+#include <vector>
+
+#include "contract/records.h"
+#include "engine/document.h"
+#include "engine/strictness.h"
+
+namespace rovescio::engine {
+
+class MassEdits;
+
+// Frames are copies of the document's entries; saving copies them back through the open mass edit. Freed
+// buffers are filled with a pattern and kept for a while, so that a write after free is noticed.
+class LoadedFrames {
+  public:
+    LoadedFrames(Document& document, MassEdits& massEdits);
+
+    // Null when the document has no such measure, staff or layer. A frame without entries is loaded empty.
+    EXTGF2005a* load(const FrameAddress& address);
+    // Insert fresh entries (ENTRY_VALID, numbered) or remove some; false when index or count are out of
+    // range.
+    bool insert(EXTGF2005a* frame, short index, short count);
+    bool remove(EXTGF2005a* frame, short index, short count);
+    bool save(EXTGF2005a* frame);
+    void free(EXTGF2005a* frame);
+
+    // Frames loaded so far, freed or not.
+    [[nodiscard]] std::int64_t loads() const { return loads_; }
+    // Reports frames still loaded and writes after free.
+    void checkBalanced();
+
+  private:
+    struct Frame {
+        EXTGF2005a record{};
+        FrameAddress address;
+        std::vector<EXENTRY> entries;
+        bool live = false;
+    };
+    struct Retired {
+        std::vector<EXENTRY> entries;
+        FrameAddress address;
+    };
+    // The live frame of a record, or null after reporting what is wrong with it.
+    Frame* find(EXTGF2005a* record, const char* call, Rule ifFreed);
+    static void show(Frame& frame);
+    void retire(std::vector<EXENTRY> entries, const FrameAddress& address);
+    static void checkUntouched(const Retired& retired);
+    static void normalise(EXENTRY& entry, const PackedEntries& before);
+
+    Document& document_;
+    MassEdits& massEdits_;
+    std::deque<Frame> frames_;  // addresses stay valid while it grows
+    std::unordered_map<const EXTGF2005a*, Frame*> byRecord_;
+    std::vector<Frame*> idle_;
+    std::deque<Retired> retired_;
+    std::int64_t loads_ = 0;
+};
+
+}  // namespace rovescio::engine

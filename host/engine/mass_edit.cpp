@@ -1,0 +1,127 @@
+// Mass edits, undo, redo and rollback.
+#include "engine/mass_edit.h"
+
+#include <algorithm>
+#include <ranges>
+#include <string>
+#include <utility>
+
+#include "engine/accidentals.h"
+#include "engine/strictness.h"
+#include "engine/ties.h"
+
+namespace rovescio::engine {
+
+std::vector<FrameAddress> MassEdits::changedFrames(const Edit& edit) {
+    std::vector<FrameAddress> frames;
+    frames.reserve(edit.changes.size());
+    for (const Change& change : edit.changes) frames.push_back(change.address);
+    return frames;
+}
+
+SXMassEdit MassEdits::start() {
+    open_.push_back(std::make_unique<Edit>());
+    return open_.back().get();
+}
+
+bool MassEdits::isOpen(SXMassEdit handle) const {
+    return std::ranges::any_of(open_, [&](const auto& edit) { return edit.get() == handle; });
+}
+
+void MassEdits::end(SXMassEdit handle, bool cancelled) {
+    if (open_.empty() || open_.back().get() != handle) {
+        ruleBroken(Rule::massEditEndedTwice,
+                   "SX_EndMassEdit was called with an edit that is not the innermost open one");
+        return;
+    }
+    if (!cancelled) {
+        // The edit stays open while the host adds what follows from the changes, so that undo takes it back
+        // too.
+        breakWrongTies(document_, *this, changedFrames(*open_.back()));
+        decideAccidentals(document_, *this, changedFrames(*open_.back()));
+    }
+    const std::unique_ptr<Edit> edit = std::move(open_.back());
+    open_.pop_back();
+    if (cancelled) {
+        exchange(edit->changes);
+        return;
+    }
+    if (!open_.empty()) {
+        for (Change& change : edit->changes)
+            remember(*open_.back(), change.address, std::move(change.entries));
+        return;
+    }
+    if (edit->changes.empty()) return;
+    undo_.push_back(std::move(edit->changes));
+    redo_.clear();
+}
+
+std::size_t MassEdits::index(const FrameAddress& address) const {
+    const auto measures = static_cast<std::size_t>(document_.measureCount());
+    return ((static_cast<std::size_t>(address.staff) - 1) * measures +
+            static_cast<std::size_t>(address.measure) - 1) *
+               kMaxLayers +
+           static_cast<std::size_t>(address.layer);
+}
+
+bool MassEdits::isFirstChange(Edit& edit, const FrameAddress& address) const {
+    if (edit.placeOf.empty()) {
+        edit.placeOf.resize(static_cast<std::size_t>(document_.staffCount()) *
+                            static_cast<std::size_t>(document_.measureCount()) * kMaxLayers);
+    }
+    return edit.placeOf[index(address)] == 0;
+}
+
+void MassEdits::remember(Edit& edit, const FrameAddress& address, PackedEntries old) const {
+    if (!isFirstChange(edit, address)) return;
+    edit.changes.push_back({address, std::move(old)});
+    edit.placeOf[index(address)] = static_cast<std::uint32_t>(edit.changes.size());
+}
+
+void MassEdits::replace(const FrameAddress& address, PackedEntries entries) {
+    document_.exchangeEntries(address, entries);
+    remember(*open_.back(), address, std::move(entries));
+}
+
+PackedEntries& MassEdits::editable(const FrameAddress& address) {
+    if (isFirstChange(*open_.back(), address)) {
+        replace(address, document_.entries(address).copy());
+    }
+    return document_.changedEntries(address);
+}
+
+const PackedEntries& MassEdits::before(const FrameAddress& address) const {
+    const Edit& edit = *open_.back();
+    const std::uint32_t place = edit.placeOf.empty() ? 0 : edit.placeOf[index(address)];
+    if (place == 0) return document_.entries(address);
+    return edit.changes[place - 1].entries;
+}
+
+void MassEdits::exchange(Step& step) {
+    for (Change& change : step | std::views::reverse)
+        document_.exchangeEntries(change.address, change.entries);
+}
+
+bool MassEdits::undo() {
+    if (undo_.empty() || isOpen()) return false;
+    exchange(undo_.back());
+    redo_.push_back(std::move(undo_.back()));
+    undo_.pop_back();
+    return true;
+}
+
+bool MassEdits::redo() {
+    if (redo_.empty() || isOpen()) return false;
+    exchange(redo_.back());
+    undo_.push_back(std::move(redo_.back()));
+    redo_.pop_back();
+    return true;
+}
+
+void MassEdits::checkBalanced() {
+    if (open_.empty()) return;
+    ruleBroken(Rule::massEditNotEnded, std::to_string(open_.size()) + " mass edits were left open");
+    while (!open_.empty()) end(open_.back().get(), true);
+}
+
+}  // namespace rovescio::engine

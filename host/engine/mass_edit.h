@@ -1,0 +1,65 @@
+// Mass edits: everything that changes the document happens inside one, and each is one undo step.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "contract/records.h"
+#include "engine/document.h"
+
+namespace rovescio::engine {
+
+// Mass edits nest: what an inner one changed belongs to the outer one once it is ended. The first change of a
+// frame keeps its old content; ended as cancelled, everything is put back.
+class MassEdits {
+  public:
+    explicit MassEdits(Document& document) : document_(document) {}
+
+    SXMassEdit start();
+    // Ends the innermost edit. Another handle, or none open, breaks a rule.
+    void end(SXMassEdit handle, bool cancelled);
+    [[nodiscard]] bool isOpen() const { return !open_.empty(); }
+    // Whether the handle is that of an open edit.
+    [[nodiscard]] bool isOpen(SXMassEdit handle) const;
+
+    // Gives a frame new entries as part of the open edit.
+    void replace(const FrameAddress& address, PackedEntries entries);
+    // A frame's entries for changes in place, as part of the open edit.
+    PackedEntries& editable(const FrameAddress& address);
+    // What a frame held before the innermost open edit.
+    [[nodiscard]] const PackedEntries& before(const FrameAddress& address) const;
+
+    // Exact undo and redo of whole outermost edits; false when there is nothing to undo or redo.
+    bool undo();
+    bool redo();
+
+    // Reports edits still open and puts back what they changed.
+    void checkBalanced();
+
+  private:
+    struct Change {
+        FrameAddress address;
+        PackedEntries entries;  // what the document does not hold now
+    };
+    using Step = std::deque<Change>;
+    struct Edit {
+        Step changes;
+        // For each frame of the document its place in `changes`, counted from 1; 0 while it is unchanged.
+        std::vector<std::uint32_t> placeOf;
+    };
+    [[nodiscard]] std::size_t index(const FrameAddress& address) const;
+    static std::vector<FrameAddress> changedFrames(const Edit& edit);
+    // True when the edit has not changed the frame yet.
+    bool isFirstChange(Edit& edit, const FrameAddress& address) const;
+    void remember(Edit& edit, const FrameAddress& address, PackedEntries old) const;
+    void exchange(Step& step);
+
+    Document& document_;
+    std::vector<std::unique_ptr<Edit>> open_;
+    std::vector<Step> undo_;
+    std::vector<Step> redo_;
+};
+
+}  // namespace rovescio::engine

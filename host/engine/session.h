@@ -1,0 +1,50 @@
+// One run of the host: the document, the selection, the open mass edits and frames, and who sits in front.
+//
+// The host functions act on the current session. There is one at a time, and everything happens on one
+// thread.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "contract/records.h"
+#include "engine/document.h"
+#include "engine/gate.h"
+#include "engine/loaded_frames.h"
+#include "engine/mass_edit.h"
+#include "engine/record_store.h"
+#include "engine/user_interface.h"
+
+namespace rovescio::engine {
+
+class Session {
+  public:
+    Session(Document& document, UserInterface& userInterface);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    static Session& current();
+
+    Document& document;
+    UserInterface& userInterface;
+    MassEdits massEdits;
+    LoadedFrames frames;
+    RecordStore records;
+
+    // What is selected in the score; none until set.
+    std::optional<EREGION> selection;
+    std::array<bool, kMaxLayers> layerShown = {true, true, true, true};
+    // How many frames the transformations chosen will load, for the progress display.
+    std::int64_t expectedLoads = 0;
+    // Text of a string resource of the plug-in, UTF-8; empty when it has none.
+    std::function<std::string(std::uint32_t stringId)> pluginString;
+
+    // Reports what the plug-in left open; call after each invocation.
+    void checkBalanced();
+};
+
+}  // namespace rovescio::engine

@@ -1,0 +1,94 @@
+// A score in the engine with the plug-in's host functions bound to it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "engine/session.h"
+#include "engine/strictness.h"
+#include "kit/engine_bundle.h"
+#include "kit/mass_edit.h"
+#include "support/memory_user_interface.h"
+#include "support/score_text.h"
+
+namespace rovescio::test {
+
+// The engine's session over a score given as text; every broken rule fails the test.
+class EngineFixture {
+  public:
+    explicit EngineFixture(const std::vector<std::string>& lines) : document(scoreFromText(lines)) {
+        InitializeGlobals();
+        engine::setBrokenRuleHandler([](engine::Rule rule, const std::string& detail) {
+            ADD_FAILURE() << engine::ruleName(rule) << ": " << detail;
+        });
+        session.pluginString = [](std::uint32_t id) {
+            return std::to_string(id >> 16) + "," + std::to_string(id & 0xFFFF);
+        };
+    }
+    ~EngineFixture() {
+        session.checkBalanced();
+        engine::setBrokenRuleHandler({});
+        engine::traceCalls(nullptr);
+        engine::clearFaults();
+    }
+    EngineFixture(const EngineFixture&) = delete;
+    EngineFixture& operator=(const EngineFixture&) = delete;
+
+    // From one position to another, both included.
+    static EREGION region(short startSlot, short endSlot, short startMeasure, short endMeasure,
+                          std::int32_t startPosition = 0, std::int32_t endPosition = 0x7FFFFFFF) {
+        return {{0, startSlot, startMeasure, startPosition}, {0, endSlot, endMeasure, endPosition}};
+    }
+    EREGION everything() const { return region(1, document.staffCount(), 1, document.measureCount()); }
+
+    // Runs one transformation inside a mass edit; the edit is ended as the transformation left it.
+    template <class Transformation>
+    short run(Transformation&& transformation) {
+        CProgress progress = kit::startMassEdit();
+        const short result = transformation(&progress);
+        cancelled = progress.cancelled != 0;
+        kit::endMassEdit(progress);
+        return result;
+    }
+
+    engine::Document document;
+    MemoryUserInterface front;
+    engine::Session session{document, front};
+    bool cancelled = false;
+};
+
+// Keeps the trace of host calls while it lives.
+class CallTrace {
+  public:
+    CallTrace() { engine::traceCalls(&out_); }
+    ~CallTrace() { engine::traceCalls(nullptr); }
+    CallTrace(const CallTrace&) = delete;
+    CallTrace& operator=(const CallTrace&) = delete;
+
+    // The calls of some functions in order, as "load s1 m2 l0" and "poll" for frames and progress.
+    [[nodiscard]] std::string walk() const {
+        std::istringstream in(out_.str());
+        std::string line;
+        std::string result;
+        while (std::getline(in, line)) {
+            int slot = 0;
+            int measure = 0;
+            int layer = 0;
+            if (std::sscanf(line.c_str(), "SX_LoadTGF(staffList=0, slot=%d, measure=%d, layer=%d", &slot,
+                            &measure, &layer) == 3) {
+                result += "s" + std::to_string(slot) + "m" + std::to_string(measure) + "l" +
+                          std::to_string(layer) + " ";
+            } else if (line.starts_with("SX_MassEditProgress(")) {
+                result += "poll ";
+            }
+        }
+        return result;
+    }
+    [[nodiscard]] std::string text() const { return out_.str(); }
+
+  private:
+    std::ostringstream out_;
+};
+
+}  // namespace rovescio::test

@@ -1,0 +1,99 @@
+// The cleaning pass, and the counters around frame calls.
+#include "kit/frames.h"
+
+#include "engine_fixture.h"
+
+namespace {
+
+using rovescio::test::EngineFixture;
+
+EXENTRY entryWithIds(const std::vector<int>& ids) {
+    EXENTRY entry{};
+    entry.entryFlags = ENTRY_VALID | ENTRY_NOTE;
+    entry.noteCount = static_cast<short>(ids.size());
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        entry.notes[i].noteId = static_cast<std::uint16_t>(ids[i]);
+        entry.notes[i].noteFlags = 0x41FF0003;
+    }
+    return entry;
+}
+
+void clean(EXENTRY& entry) {
+    EXTGF2005a frame{};
+    frame.entries = &entry;
+    frame.entryCount = 1;
+    CleanTGF(&frame);
+}
+
+TEST(CleanTGF, MakesNoteIdsUnique) {
+    const struct {
+        std::vector<int> before;
+        std::vector<int> after;
+    } cases[] = {
+        {{1, 2, 3}, {1, 2, 3}},
+        {{2, 2, 0}, {3, 2, 4}},
+        {{0, 0}, {1, 2}},
+        {{5, 5, 5}, {6, 7, 5}},
+        {{0x8000, 0, 40}, {0x8000, 41, 40}},  // an id is signed when the largest one is sought
+        {{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, {2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 1}},
+    };
+    for (const auto& c : cases) {
+        EXENTRY entry = entryWithIds(c.before);
+        clean(entry);
+        for (std::size_t i = 0; i < c.after.size(); ++i) {
+            EXPECT_EQ(+entry.notes[i].noteId, c.after[i])
+                << "note " << i << " of " << testing::PrintToString(c.before);
+            const std::uint32_t bits = static_cast<std::uint32_t>(c.after[i] & 31) << 16;
+            EXPECT_EQ(+entry.notes[i].noteFlags, 0x41E00003 | bits);
+        }
+    }
+}
+
+TEST(CleanTGF, ClearsNoteSlotsThatAreNotUsed) {
+    EXENTRY entry = entryWithIds({1, 2, 3});
+    entry.noteCount = 2;
+    clean(entry);
+    EXPECT_EQ(+entry.notes[2].noteFlags, 0U);
+    EXPECT_EQ(+entry.notes[2].noteId, 0);
+    EXPECT_EQ(+entry.notes[1].noteId, 2);
+}
+
+TEST(CleanTGF, GivesRestsAPlaceholderUnlessForbidden) {
+    for (const bool allowed : {true, false}) {
+        CanAddNoteRecordToRests = allowed;
+        EXENTRY rest = entryWithIds({4});
+        rest.noteCount = 0;
+        rest.entryFlags = ENTRY_VALID;
+        clean(rest);
+        EXPECT_EQ(+rest.noteCount, allowed ? 1 : 0);
+        EXPECT_EQ(+rest.notes[0].noteFlags, allowed ? NOTE_PLACEHOLDER : 0U);
+        EXPECT_EQ(+rest.notes[0].noteId, 0);
+        EXPECT_EQ(+rest.entryFlags, ENTRY_VALID | (allowed ? ENTRY_RESTFLAG : 0U));
+    }
+    CanAddNoteRecordToRests = true;
+}
+
+TEST(Frames, AreCountedAndCleanedBeforeTheHostSeesThem) {
+    EngineFixture engine({"C 4/4 c4:h r:h"});
+    const std::int32_t before = LoadedTGFCounter;
+    EXPECT_EQ(SX_LoadTGF(0, 9, 1, 0, 0), nullptr);
+    EXPECT_EQ(LoadedTGFCounter, before + 1);
+    LoadedTGFCounter = before;
+    const CProgress progress = kit::startMassEdit();
+    EXPECT_EQ(MassEditDepth, 1);
+    EXTGF2005a* frame = SX_LoadTGF(0, 1, 1, 0, 0);
+    ASSERT_NE(frame, nullptr);
+    frame->entries[0].notes[5].displacement = 3;  // left over behind the notes in use
+    EXPECT_EQ(SX_InsertEXENTRY(frame, 1, 1), 1);
+    EXPECT_EQ(+frame->entries[0].notes[5].displacement, 0);
+    EXPECT_EQ(+frame->entries[2].noteCount, 1);
+    EXPECT_EQ(SX_DeleteEXENTRY(frame, 1, 1), 1);
+    EXPECT_EQ(SX_SaveTGF(frame), 1);
+    SX_FreeTGF(frame);
+    EXPECT_EQ(LoadedTGFCounter, before);
+    kit::endMassEdit(progress);
+    EXPECT_EQ(MassEditDepth, 0);
+    EXPECT_EQ(rovescio::test::textOf(engine.document), "c4:h r:h");
+}
+
+}  // namespace

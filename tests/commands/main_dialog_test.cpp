@@ -1,0 +1,155 @@
+// The main dialog: settings that stay, apply, playback, alerts.
+#include "shell/main_dialog.h"
+
+#include "engine_fixture.h"
+#include "shell/settings.h"
+
+namespace {
+
+using rovescio::test::CallTrace;
+using rovescio::test::EngineFixture;
+using rovescio::test::MemoryDialog;
+using rovescio::test::textOf;
+
+class MainDialogTest : public testing::Test {
+  protected:
+    MainDialogTest() { SUItems = {}; }
+    void work(const std::function<void(MemoryDialog&)>& hand) {
+        engine.front.hands[20130] = hand;
+        EXPECT_EQ(SUDialog(nullptr, nullptr, nullptr), 0);
+    }
+    // Up a major second, by the transposition dialog.
+    void chooseTransposition(MemoryDialog& dialog) {
+        engine.front.hands[20150] = [](MemoryDialog& sub) {
+            sub.choose(3, 3);
+            sub.choose(6, 5);
+            sub.press(1);
+        };
+        EXPECT_EQ(dialog.press(7), 1);
+    }
+    void selectAll() { engine.session.selection = engine.everything(); }
+
+    EngineFixture engine{{"C 4/4 c4:w | d4:w", "C 4/4 e4:w | f4:w"}};
+};
+
+TEST_F(MainDialogTest, ShowsItsSettings) {
+    work([&](MemoryDialog& dialog) {
+        EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{{4, 1}, {6, 1}, {8, 1}, {9, 0}, {11, 0}}));
+        EXPECT_EQ(dialog.kinds, (std::map<short, short>{{4, 0}, {6, 0}, {8, 0}, {9, 1}, {11, 1}}));
+        EXPECT_EQ(dialog.flags, 0x3000);
+        EXPECT_EQ(dialog.userData, nullptr);
+        for (const short item : std::initializer_list<short>{4, 6, 8, 9, 11, 13, 0})
+            EXPECT_EQ(dialog.press(item), 0) << item;
+        EXPECT_TRUE(dialog.open);
+        EXPECT_EQ(dialog.press(2), 1);
+        EXPECT_FALSE(dialog.open);
+    });
+}
+
+TEST_F(MainDialogTest, NothingChosenAsksNothingOfTheHost) {
+    selectAll();
+    work([&](MemoryDialog& dialog) {
+        const CallTrace trace;
+        EXPECT_EQ(dialog.press(1), 1);
+        EXPECT_EQ(trace.text().find("SX_GetCurERegions"), std::string::npos);
+        EXPECT_EQ(trace.text().find("SX_StartMassEdit"), std::string::npos);
+    });
+    EXPECT_EQ(engine.front.alerts, std::vector<std::string>{"20134,13"});
+}
+
+TEST_F(MainDialogTest, NoSelectionStartsNoMassEdit) {
+    work([&](MemoryDialog& dialog) {
+        chooseTransposition(dialog);
+        const CallTrace trace;
+        EXPECT_EQ(dialog.press(1), 1);
+        EXPECT_EQ(trace.text().find("SX_StartMassEdit"), std::string::npos);
+        EXPECT_EQ(dialog.press(3), 1);
+    });
+    EXPECT_EQ(engine.front.alerts, (std::vector<std::string>{"20134,2", "20134,2"}));
+    EXPECT_EQ(engine.front.redraws, 0);
+}
+
+TEST_F(MainDialogTest, ApplyTransposesAsOneMassEditAndStaysOpen) {
+    selectAll();
+    work([&](MemoryDialog& dialog) {
+        chooseTransposition(dialog);
+        EXPECT_EQ(dialog.values[6], 3);
+        EXPECT_EQ(dialog.press(1), 1);
+        EXPECT_TRUE(dialog.open);
+        EXPECT_EQ(textOf(engine.document, 1), "d4:w | e4:w");
+        EXPECT_EQ(dialog.press(1), 1);
+    });
+    EXPECT_EQ(textOf(engine.document, 2), "g#4!:w | a4:w");
+    EXPECT_EQ(engine.front.redraws, 2);
+    EXPECT_TRUE(engine.session.massEdits.undo());
+    EXPECT_EQ(textOf(engine.document, 2), "f#4!:w | g4:w");
+}
+
+TEST_F(MainDialogTest, EachKindRunsItsTransposition) {
+    const struct {
+        short kind;
+        const char* after;
+    } cases[] = {
+        {1, "c4:w | d4:w"}, {2, "g5:w | a5:w"}, {3, "g5:w | a5:w"}, {4, "g5:w | a5:w"}, {5, "c4:w | d4:w"}};
+    for (const auto& c : cases) {
+        engine.session.selection = EngineFixture::region(1, 1, 1, 2);
+        SUItems = {};
+        SUItems.transpose.octaves = 1;
+        SUItems.transpose.steps = 4;
+        work([&](MemoryDialog& dialog) {
+            dialog.values[6] = c.kind;
+            EXPECT_EQ(dialog.press(1), 1);
+        });
+        EXPECT_EQ(textOf(engine.document, 1), c.after) << "kind " << c.kind;
+        engine.session.massEdits.undo();
+    }
+}
+
+TEST_F(MainDialogTest, ACancelPutsTheMusicBackAndRedrawsNothing) {
+    selectAll();
+    engine.front.cancelAfter = 3;
+    work([&](MemoryDialog& dialog) {
+        chooseTransposition(dialog);
+        EXPECT_EQ(dialog.press(1), 1);
+    });
+    EXPECT_EQ(textOf(engine.document, 1), "c4:w | d4:w");
+    EXPECT_EQ(engine.front.redraws, 0);
+    EXPECT_EQ(MassEditDepth, 0);
+}
+
+TEST_F(MainDialogTest, SettingsStayFromOneInvocationToTheNext) {
+    work([&](MemoryDialog& dialog) {
+        chooseTransposition(dialog);
+        dialog.values[9] = 1;
+        dialog.values[4] = 5;
+        dialog.press(7);
+    });
+    work([&](MemoryDialog& dialog) {
+        EXPECT_EQ(dialog.values[6], 3);
+        EXPECT_EQ(dialog.values[9], 1);
+        EXPECT_EQ(dialog.values[4], 5);
+    });
+    EXPECT_EQ(SUItems.retrogradeOptions, 3U);
+}
+
+TEST_F(MainDialogTest, PlayHandsTheStavesOverInATemporaryList) {
+    const struct {
+        EREGION selection;
+        std::vector<short> staves;
+    } cases[] = {{EngineFixture::region(1, 2, 1, 2), {1, 2}}, {EngineFixture::region(2, 2, 2, 2), {2}}};
+    for (const auto& c : cases) {
+        engine.session.selection = c.selection;
+        work([&](MemoryDialog& dialog) {
+            const CallTrace trace;
+            EXPECT_EQ(dialog.press(3), 1);
+            EXPECT_NE(trace.text().find("reserved=0, staffList=65529"), std::string::npos) << trace.text();
+            EXPECT_EQ(trace.text().find("SX_StartMassEdit"), std::string::npos);
+        });
+        ASSERT_FALSE(engine.front.played.empty());
+        EXPECT_EQ(engine.front.played.back().staves, c.staves);
+        EXPECT_EQ(engine.front.played.back().startMeasure, c.selection.start.measure);
+        EXPECT_EQ(engine.session.records.count(0x534F4975), 0U);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,147 @@
+// The mirror-inversion dialog, and the steps of an apply run in their order.
+#include "transform/mirror_dialog.h"
+
+#include "engine_fixture.h"
+#include "shell/main_dialog.h"
+#include "shell/settings.h"
+
+namespace {
+
+using rovescio::test::EngineFixture;
+using rovescio::test::MemoryDialog;
+using rovescio::test::textOf;
+
+class MirrorDialogTest : public testing::Test {
+  protected:
+    MirrorDialogTest() { SUItems = {}; }
+
+    EngineFixture engine{{"C 4/4 <c4 e4 g4>:w"}};
+};
+
+TEST_F(MirrorDialogTest, ShowsAndTakesTheAxis) {
+    const struct {
+        MirrorAxis axis;
+        int entry, octave;
+        int axisAfterOk;
+    } cases[] = {
+        {{0, 0, 0, 4}, 2, 4, 0},
+        {{7, 1, 0, 4}, 3, 5, 7},
+        {{6, -1, 1, 3}, 19, 3, 6},
+        {{-1, 0, 0, 4}, 20, 3, -1},
+        {{-6, 1, 0, 4}, 6, 3, -6},
+        {{15, 0, 0, 5}, 5, 7, 15},
+        // Exact octaves below middle C show one octave too low and come back so.
+        {{-7, 0, 0, 4}, 2, 2, -14},
+    };
+    for (const auto& c : cases) {
+        engine.front.hands[20140] = [&](MemoryDialog& dialog) {
+            EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{
+                                         {3, c.entry}, {5, c.octave}, {6, c.axis.simplifySpelling}}));
+            EXPECT_EQ(dialog.kinds, (std::map<short, short>{{3, 0}, {5, 3}, {6, 1}}));
+            for (const short item : std::initializer_list<short>{3, 5, 6, 7})
+                EXPECT_EQ(dialog.press(item), 0);
+            EXPECT_EQ(dialog.press(1), 1);
+            EXPECT_FALSE(dialog.open);
+        };
+        MirrorAxis axis = c.axis;
+        // The octave number of middle C is the host's, so set it behind its back.
+        const SXDialogProc procedure = MirrorInversionDialogProc;
+        SX_Dialog(20140, procedure, nullptr, 0x3001, &axis);
+        EXPECT_EQ(axis.axis, c.axisAfterOk);
+        EXPECT_EQ(axis.axisAlteration, c.axis.axisAlteration);
+    }
+}
+
+TEST_F(MirrorDialogTest, CancelLeavesTheAxisAndOddEntriesTheNote) {
+    MirrorAxis axis{3, 1, 0, 4};
+    engine.front.hands[20140] = [&](MemoryDialog& dialog) {
+        dialog.values[3] = 1;
+        dialog.values[6] = 1;
+        EXPECT_EQ(dialog.press(2), 1);
+    };
+    editMirrorAxis(nullptr, axis);
+    EXPECT_EQ(axis.axis, 3);
+    EXPECT_EQ(axis.simplifySpelling, 0);
+    engine.front.hands[20140] = [&](MemoryDialog& dialog) {
+        dialog.values[3] = 22;
+        dialog.values[5] = 5;
+        dialog.press(1);
+    };
+    editMirrorAxis(nullptr, axis);
+    EXPECT_EQ(axis.axis, 10);
+    EXPECT_EQ(axis.axisAlteration, 1);
+}
+
+TEST_F(MirrorDialogTest, ListeningTakesNoteOns) {
+    MirrorAxis axis;
+    engine.front.hands[20140] = [&](MemoryDialog& dialog) {
+        const short entries[12] = {2, 3, 5, 6, 8, 11, 12, 14, 15, 17, 18, 20};
+        for (std::uint8_t note = 48; note < 72; ++note) {
+            engine.front.midi = {0x93, note, 64};
+            EXPECT_EQ(dialog.press(4), 1);
+            EXPECT_EQ(dialog.values[3], entries[note % 12]);
+            EXPECT_EQ(dialog.values[5], note / 12 - 1);
+        }
+        engine.front.midi = {0x83, 60, 64};
+        dialog.press(4);
+        EXPECT_EQ(dialog.values[5], 4 + 0);
+        EXPECT_EQ(dialog.values[3], entries[11]);
+        engine.front.midi = {};
+        EXPECT_EQ(dialog.press(4), 1);
+        dialog.press(2);
+    };
+    editMirrorAxis(nullptr, axis);
+}
+
+TEST_F(MirrorDialogTest, ApplyRunsInTheFixedOrderWithinOneEdit) {
+    engine.session.selection = engine.everything();
+    engine.front.hands[20140] = [](MemoryDialog& dialog) {
+        dialog.values[3] = 8;  // E
+        dialog.values[6] = 1;
+        dialog.press(1);
+    };
+    const struct {
+        short inversion, option;
+        const char* after;
+    } cases[] = {{2, 1, "<b3 d4 f4>:w"},
+                 {3, 1, "<b3 d#4! f#4!>:w"},
+                 {4, 1, "<f4 a4 d5>:w"},
+                 {5, 3, "<a3!+ d4!+ f4!+>:w"},
+                 {1, 6, "<d4 f4 a4>:w"}};
+    for (const auto& c : cases) {
+        SUItems = {};
+        SUItems.transpose.kind = 2;
+        SUItems.transpose.steps = 1;
+        engine.front.hands[20130] = [&](MemoryDialog& dialog) {
+            EXPECT_EQ(dialog.press(5), 1);
+            EXPECT_EQ(SUItems.mirrorAxisStep, 2);
+            EXPECT_EQ(SUItems.mirrorCheck, 1);
+            dialog.values[4] = c.inversion;
+            dialog.values[8] = c.option;
+            EXPECT_EQ(dialog.press(1), 1);
+        };
+        SUDialog(nullptr, nullptr, nullptr);
+        EXPECT_EQ(textOf(engine.document), c.after) << "inversion " << c.inversion;
+        EXPECT_TRUE(engine.session.massEdits.undo());
+        EXPECT_EQ(textOf(engine.document), "<c4 e4 g4>:w");
+    }
+}
+
+TEST_F(MirrorDialogTest, ACancelSkipsTheLaterSteps) {
+    engine.session.selection = engine.everything();
+    SUItems.transpose.kind = 2;
+    SUItems.transpose.steps = 1;
+    SUItems.inversionKind = 2;
+    SUItems.optionKind = 3;
+    for (const int cancelAfter : {0, 1, 2}) {
+        engine.front.polls = 0;
+        engine.front.cancelAfter = cancelAfter;
+        engine.front.hands[20130] = [](MemoryDialog& dialog) { dialog.press(1); };
+        SUDialog(nullptr, nullptr, nullptr);
+        EXPECT_EQ(engine.front.polls, cancelAfter + 1);
+        EXPECT_EQ(engine.front.redraws, 0);
+        EXPECT_EQ(textOf(engine.document), "<c4 e4 g4>:w");
+    }
+}
+
+}  // namespace

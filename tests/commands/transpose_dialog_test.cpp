@@ -1,0 +1,178 @@
+// The transposition dialog worked as by hand.
+#include "transform/transpose_dialog.h"
+
+#include "engine_fixture.h"
+
+namespace {
+
+using rovescio::test::EngineFixture;
+using rovescio::test::MemoryDialog;
+
+constexpr short kUp = 1;
+constexpr short kDown = 2;
+
+class TransposeDialogTest : public testing::Test {
+  protected:
+    // Opens the dialog, lets a hand work it and returns steps, alteration and octaves.
+    std::vector<int> work(const std::function<void(MemoryDialog&)>& hand) {
+        engine.front.hands[20150] = hand;
+        TransposeDialog(&parent, &settings);
+        return {settings.steps, settings.alteration, settings.octaves};
+    }
+    std::vector<int> accept(short kind, short popup, short entry, short direction = kUp, short octaves = 0) {
+        return work([=](MemoryDialog& dialog) {
+            dialog.choose(3, kind);
+            dialog.choose(popup, entry);
+            dialog.choose(7, direction);
+            dialog.set(9, octaves);
+            dialog.press(1);
+        });
+    }
+    void otherInterval(short steps, short alteration, short button) {
+        engine.front.hands[20180] = [=](MemoryDialog& dialog) {
+            dialog.set(4, steps);
+            if (!dialog.hidden.contains(6)) dialog.set(6, alteration);
+            dialog.press(button);
+        };
+    }
+
+    EngineFixture engine{{"C 4/4 c4:w"}};
+    STStruct settings;
+    int parent = 0;
+};
+
+TEST_F(TransposeDialogTest, ChromaticPopupGivesTheNamedIntervals) {
+    // Unison, augmented unison, diminished second, ... octave.
+    const int sizes[26][2] = {{0, 0}, {0, 1},  {1, -2}, {1, -1}, {1, 0},  {1, 1}, {2, -2}, {2, -1}, {2, 0},
+                              {2, 1}, {3, -1}, {3, 0},  {3, 1},  {4, -1}, {4, 0}, {4, 1},  {5, -2}, {5, -1},
+                              {5, 0}, {5, 1},  {6, -2}, {6, -1}, {6, 0},  {6, 1}, {7, -1}, {7, 0}};
+    for (short entry = 1; entry <= 26; ++entry) {
+        const auto [steps, alteration] = sizes[entry - 1];
+        EXPECT_EQ(accept(3, 6, entry), (std::vector<int>{steps, alteration, 0})) << "entry " << entry;
+        EXPECT_EQ(accept(3, 6, entry, kDown, 2), (std::vector<int>{-steps, -alteration, -2}))
+            << "entry " << entry;
+    }
+    EXPECT_EQ(accept(3, 6, 28), (std::vector<int>{0, 0, 0}));
+    EXPECT_EQ(accept(3, 6, 0), (std::vector<int>{0, 0, 0}));
+}
+
+TEST_F(TransposeDialogTest, DiatonicPopupGivesSteps) {
+    for (short entry = 1; entry <= 8; ++entry) {
+        EXPECT_EQ(accept(2, 5, entry, kUp, 1), (std::vector<int>{entry - 1, 0, 1}));
+    }
+    EXPECT_EQ(accept(2, 5, 0), (std::vector<int>{0, 0, 0}));
+    EXPECT_EQ(accept(2, 5, 10), (std::vector<int>{0, 0, 0}));
+}
+
+TEST_F(TransposeDialogTest, SemitonesAreSpelledWithSharpsOrFlats) {
+    const int sharps[12][2] = {{0, 0}, {0, 1}, {1, 0}, {1, 1}, {2, 0}, {3, 0},
+                               {3, 1}, {4, 0}, {4, 1}, {5, 0}, {5, 1}, {6, 0}};
+    const int flats[12][2] = {{0, 0},  {1, -1}, {1, 0},  {2, -1}, {2, 0},  {3, 0},
+                              {4, -1}, {4, 0},  {5, -1}, {5, 0},  {6, -1}, {6, 0}};
+    for (short entry = 1; entry <= 12; ++entry) {
+        settings = {};
+        EXPECT_EQ(accept(4, 4, entry), (std::vector<int>{sharps[entry - 1][0], sharps[entry - 1][1], 0}));
+        const auto result = work([](MemoryDialog& dialog) {
+            dialog.choose(8, 2);
+            dialog.press(1);
+        });
+        EXPECT_EQ(result, (std::vector<int>{flats[entry - 1][0], flats[entry - 1][1], 0}))
+            << entry - 1 << " semitones";
+        EXPECT_EQ(settings.semitoneItem, entry);
+        EXPECT_EQ(settings.spellingItem, 2);
+    }
+    for (const auto& [popup, entry] : {std::pair<short, short>{4, 13}, {8, 3}}) {
+        settings = {};
+        settings.semitoneItem = 5;
+        EXPECT_EQ(accept(4, popup, entry), (std::vector<int>{0, 0, 0}));
+    }
+}
+
+TEST_F(TransposeDialogTest, OtherIntervalsAreAskedFor) {
+    otherInterval(9, -3, 1);
+    EXPECT_EQ(accept(3, 6, 27), (std::vector<int>{9, -3, 0}));
+    EXPECT_EQ(accept(2, 5, 9, kDown), (std::vector<int>{-9, 0, 0}));
+    otherInterval(1, 1, 2);
+    EXPECT_EQ(accept(3, 6, 27), (std::vector<int>{9, -3, 0})) << "cancelled: as they were";
+    EXPECT_EQ(engine.front.opened, (std::vector<short>{20150, 20180, 20150, 20180, 20150, 20180}));
+}
+
+TEST_F(TransposeDialogTest, NoTranspositionClearsTheResults) {
+    accept(3, 6, 8, kDown, 1);
+    EXPECT_EQ(work([](MemoryDialog& dialog) {
+                  dialog.choose(3, 1);
+                  dialog.press(1);
+              }),
+              (std::vector<int>{0, 0, 0}));
+}
+
+TEST_F(TransposeDialogTest, ReopeningShowsTheSettingsAndTheOctavesWithoutSign) {
+    EXPECT_EQ(accept(3, 6, 8, kDown, 1), (std::vector<int>{-2, 1, -1}));
+    const STStruct accepted = settings;
+    MemoryDialog seen;
+    const auto cancelled = work([&](MemoryDialog& dialog) {
+        seen = dialog;
+        dialog.press(2);
+        EXPECT_FALSE(dialog.open);
+    });
+    EXPECT_EQ(seen.values,
+              (std::map<short, std::intptr_t>{{3, 3}, {4, 1}, {5, 1}, {6, 8}, {7, 2}, {8, 1}, {9, 1}}));
+    EXPECT_EQ(seen.kinds[9], kNumberValue);
+    EXPECT_EQ(seen.kinds[6], kPopupValue);
+    EXPECT_EQ(seen.flags, 0x3001);
+    EXPECT_EQ(seen.userData, &settings);
+    EXPECT_EQ(seen.parent, &parent);
+    EXPECT_EQ(cancelled, (std::vector<int>{-2, 1, -1}));
+    EXPECT_EQ(settings.octaves, accepted.octaves);
+}
+
+TEST_F(TransposeDialogTest, CancelKeepsWhatThePopupsWroteButNotTheResults) {
+    accept(3, 6, 8, kDown, 1);
+    work([](MemoryDialog& dialog) {
+        dialog.choose(7, kUp);
+        dialog.choose(6, 15);
+        dialog.set(9, 3);
+        dialog.press(2);
+    });
+    EXPECT_EQ(settings.chromaticItem, 15);
+    EXPECT_EQ(settings.chromaticSteps, 4);
+    EXPECT_EQ(settings.direction, kUp);
+    EXPECT_EQ(settings.steps, -2);
+    EXPECT_EQ(settings.alteration, 1);
+    EXPECT_EQ(settings.octaves, -1);
+}
+
+TEST_F(TransposeDialogTest, ShowsTheControlsOfTheKind) {
+    const std::pair<short, std::set<short>> cases[] = {
+        {1, {4, 5, 6, 7, 8}}, {2, {4, 6, 8}}, {3, {4, 5, 8}}, {4, {5, 6}}};
+    for (const auto& [kind, hidden] : cases) {
+        work([&](MemoryDialog& dialog) {
+            dialog.choose(3, kind);
+            EXPECT_EQ(dialog.hidden, hidden) << "kind " << kind;
+            dialog.choose(3, 9);
+            EXPECT_EQ(dialog.hidden, hidden) << "an unknown kind changes nothing";
+            dialog.choose(3, 1);
+            dialog.press(2);
+        });
+    }
+}
+
+TEST_F(TransposeDialogTest, OtherNotificationsAreHandledAndIgnored) {
+    work([&](MemoryDialog& dialog) {
+        for (short item = 3; item <= 8; ++item) {
+            dialog.values[item] = 2;
+            EXPECT_EQ(dialog.press(item), 1) << item;
+        }
+        EXPECT_EQ(dialog.press(9), 0);
+        EXPECT_EQ(dialog.press(10), 0);
+        EXPECT_EQ(dialog.procedure(&dialog, 274, 1, 0, dialog.userData), 0);
+        dialog.choose(7, 3);
+        dialog.press(2);
+    });
+    EXPECT_EQ(settings.kind, 1);
+    EXPECT_EQ(settings.semitoneItem, 1);
+    EXPECT_EQ(settings.diatonicItem, 1);
+    EXPECT_EQ(settings.direction, kUp);
+}
+
+}  // namespace

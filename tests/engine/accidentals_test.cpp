@@ -1,0 +1,75 @@
+// Which notes show an accidental after a change.
+#include "engine/accidentals.h"
+
+#include <gtest/gtest.h>
+
+#include "engine/mass_edit.h"
+#include "support/score_text.h"
+
+namespace rovescio::engine {
+namespace {
+
+// Marks every entry of layer 1 as changed and lets the engine decide.
+void decideAll(Document& document) {
+    MassEdits edits(document);
+    const SXMassEdit edit = edits.start();
+    for (short measure = 1; measure <= document.measureCount(); ++measure) {
+        for (StoredEntry& entry : edits.editable({1, measure, 0})) entry.reserved13 |= kDecideAccidentals;
+    }
+    edits.end(edit, false);
+}
+
+TEST(Accidentals, FollowTheRulesOfTheMeasure) {
+    const struct {
+        const char* before;
+        const char* after;
+    } cases[] = {
+        // The signature, and deviation from it.
+        {"C 4/4 c4:q f#4:q bb4:q c4:q", "c4:q f#4!:q bb4!:q c4:q"},
+        {"D 4/4 f#4:q f4:q c#5:q c5:q", "f#4:q f4!:q c#5:q c5!:q"},
+        // An accidental holds to the barline, on its own line or space alone.
+        {"C 4/4 f#4:q f#4:q f#5:q f4:q | f4:w", "f#4!:q f#4:q f#5!:q f4!:q | f4:w"},
+        {"f 4/4 ab4:q a4:q ab4:q e4:q", "ab4:q a4!:q ab4!:q e4!:q"},
+        // A tie carries it over the barline, for the tied note alone.
+        {"C 4/4 f#4~:w | f#4^:h f#4:h", "f#4~!:w | f#4^:h f#4!:h"},
+        // Inside a chord, and in grace notes.
+        {"C 4/4 <c4 c#5 f#5>:h /f#5:e f5:h", "<c4 c#5! f#5!>:h /f#5:e f5!:h"},
+        // What was decided by hand stays.
+        {"C 4/4 c4!+:q f#4+:q f#4:q f4:q", "c4!+:q f#4+:q f#4:q f4!:q"},
+        // Accidentals that are not needed any more go.
+        {"C 4/4 c4!:q d4!:q f#4:h", "c4:q d4:q f#4!:h"},
+    };
+    for (const auto& c : cases) {
+        Document document = test::scoreFromText({c.before});
+        decideAll(document);
+        EXPECT_EQ(test::textOf(document), c.after) << c.before;
+    }
+}
+
+TEST(Accidentals, RulesHoldAcrossLayersOfAStaff) {
+    Document document = test::scoreFromText({"C 4/4 f#4:h f4:h"});
+    test::addLayer(document, 1, 1, "r:q f#4:q f#4:q r:q");
+    decideAll(document);
+    EXPECT_EQ(test::textOf(document), "f#4!:h f4!:h");
+    EXPECT_EQ(test::textOf(document, 1, 1), "r:q f#4:q f#4!:q r:q");
+}
+
+TEST(Accidentals, UnchangedNotesOnlyGainWhatBecameNecessary) {
+    Document document = test::scoreFromText({"C 4/4 f#4!:q c4!:q f4:q f4!:q"});
+    MassEdits edits(document);
+    const SXMassEdit edit = edits.start();
+    edits.editable({1, 1, 0})[0].reserved13 |= kDecideAccidentals;
+    edits.end(edit, false);
+    EXPECT_EQ(test::textOf(document), "f#4!:q c4!:q f4!:q f4!:q");
+}
+
+TEST(Accidentals, KnowKeyChangesInsideTheMeasure) {
+    Document document = test::scoreFromText({"C 4/4 f#4:h f#4:h"});
+    document.staffMeasure(1, 1).changesInside = true;
+    document.addKeyChange({1, 1, 2048, KeySignature::standard(1, false)});
+    decideAll(document);
+    EXPECT_EQ(test::textOf(document), "f#4!:h f#4:h");
+}
+
+}  // namespace
+}  // namespace rovescio::engine

@@ -1,0 +1,79 @@
+// Key signatures: tonic places, altered letters, and spelling that survives storing in any key.
+#include "engine/key_signature.h"
+
+#include <gtest/gtest.h>
+
+#include "support/score_text.h"
+
+namespace rovescio::engine {
+namespace {
+
+struct KeyCase {
+    int fifths;
+    bool minor;
+    const char* tonic;    // the tonic counted from
+    const char* altered;  // letters the signature alters
+    const char* sign;
+};
+
+TEST(KeySignature, CountsFromItsTonicAndAltersItsLetters) {
+    const KeyCase cases[] = {
+        {0, false, "c4", "", ""},          {1, false, "g4", "f", "#"},
+        {2, false, "d4", "fc", "#"},       {3, false, "a4", "fcg", "#"},
+        {6, false, "f#4", "fcgdae", "#"},  {7, false, "c#4", "fcgdaeb", "#"},
+        {-1, false, "f3", "b", "b"},       {-2, false, "bb3", "be", "b"},
+        {-3, false, "eb3", "bea", "b"},    {-7, false, "cb4", "beadgcf", "b"},
+        {0, true, "a4", "", ""},           {1, true, "e4", "f", "#"},
+        {4, true, "c#4", "fcgd", "#"},     {-1, true, "d4", "b", "b"},
+        {-3, true, "c4", "bea", "b"},      {-5, true, "bb3", "beadg", "b"},
+        {-7, true, "ab4", "beadgcf", "b"},
+    };
+    for (const KeyCase& c : cases) {
+        const KeySignature key = KeySignature::standard(c.fifths, c.minor);
+        SCOPED_TRACE(std::to_string(c.fifths) + (c.minor ? " minor" : " major"));
+        ENOTE tonic{};
+        EXPECT_EQ(test::textOf(key.spell(tonic)), c.tonic);
+        EXPECT_EQ(key.word(), (c.minor ? 0x100 : 0) | (c.fifths & 0xFF));
+        const std::string letters = "cdefgab";
+        for (int letter = 0; letter < 7; ++letter) {
+            const bool altered =
+                std::string(c.altered).find(letters[static_cast<std::size_t>(letter)]) != std::string::npos;
+            EXPECT_EQ(key.letterAlter(letter), altered ? (c.sign[0] == '#' ? 1 : -1) : 0)
+                << letters[static_cast<std::size_t>(letter)];
+        }
+    }
+}
+
+TEST(KeySignature, KeepsEveryPitchThatItStores) {
+    for (int fifths = -9; fifths <= 9; ++fifths) {
+        for (const bool minor : {false, true}) {
+            const KeySignature key = KeySignature::standard(fifths, minor);
+            for (int step = -30; step <= 30; ++step) {
+                for (int alter = -3; alter <= 3; ++alter) {
+                    ENOTE note{};
+                    key.store({step, alter}, note);
+                    EXPECT_EQ(key.spell(note), (SpelledPitch{step, alter}));
+                }
+            }
+        }
+    }
+}
+
+TEST(KeySignature, OffTheStandardScalesCountsFromC) {
+    const KeySignature key = KeySignature::nonStandard({0, 0, -1, 1, 0, 0, 0});
+    EXPECT_GE(key.word(), kNonStandardKey);
+    ENOTE note{};
+    key.store(test::pitchFromText("f#5"), note);
+    EXPECT_EQ(+note.displacement, 10);
+    EXPECT_EQ(+note.alteration, 0);
+}
+
+TEST(SpelledPitch, SemitonesAreCountedFromMiddleC) {
+    const std::pair<const char*, int> cases[] = {{"c4", 0},  {"b3", -1},  {"b#3", 0}, {"cb4", -1},
+                                                 {"c5", 12}, {"f##4", 7}, {"a0", -39}};
+    for (const auto& [pitch, height] : cases)
+        EXPECT_EQ(semitones(test::pitchFromText(pitch)), height) << pitch;
+}
+
+}  // namespace
+}  // namespace rovescio::engine

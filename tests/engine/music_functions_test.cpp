@@ -1,0 +1,77 @@
+// Host functions on the selection, the score's structure and note names.
+#include <gtest/gtest.h>
+
+#include "engine/functions.h"
+#include "engine/session.h"
+#include "support/memory_user_interface.h"
+#include "support/score_text.h"
+
+namespace rovescio::engine {
+namespace {
+
+class MusicFunctionsTest : public testing::Test {
+  protected:
+    Document document =
+        test::scoreFromText({"D 4/4 c4:w | c4:w", "bb 3/4 c4:h. | c4:h.", "none 4/4 c4:w | c4:w"});
+    test::MemoryUserInterface front;
+    Session session{document, front};
+};
+
+TEST_F(MusicFunctionsTest, NoteNamesBecomeMidiNotes) {
+    const std::pair<const char*, short> cases[] = {{"C4", 60},   {"c4", 60},   {"A4", 69}, {"Bb3", 58},
+                                                   {"F##5", 79}, {"Cb4", 59},  {"C-1", 0}, {"G9", 127},
+                                                   {"G#9", -1},  {"Cb-1", -1}, {"H4", -1}, {"C", -1},
+                                                   {"", -1},     {"C4x", -1},  {"4", -1}};
+    for (const auto& [name, note] : cases) EXPECT_EQ(functions::SX_StringToMidiNote(name), note) << name;
+}
+
+TEST_F(MusicFunctionsTest, KeysAndDurationsAreThoseOfStaffAndMeasure) {
+    EXPECT_EQ(functions::SX_GetKeySig(1, 1, 0, 0), 2);
+    EXPECT_EQ(functions::SX_GetKeySig(2, 2, 0, 0), 0x1FB);
+    EXPECT_GE(functions::SX_GetKeySig(1, 3, 0, 0), kNonStandardKey);
+    EXPECT_EQ(functions::SX_GetKeySig(3, 1, 0, 0), 0);
+    EXPECT_EQ(functions::SX_GetMeasureDuration(2, 1), 3072);
+    EXPECT_EQ(functions::SX_GetMeasureDuration(0, 1), 4096);
+    EXPECT_EQ(functions::SX_GetMeasureDuration(4, 1), 0);
+}
+
+TEST_F(MusicFunctionsTest, SelectionIsWhatWasSetAndTheSecondRegionTheWholeScore) {
+    std::uint64_t slot = 77;
+    EREGION region{};
+    EREGION second{};
+    EXPECT_EQ(functions::SX_GetCurERegions(&slot, &region, &second), 0);
+    EXPECT_EQ(+second.end.slot, 3);
+    EXPECT_EQ(+second.end.measure, 2);
+    EREGION selection{};
+    selection.start.measure = 2;
+    session.selection = selection;
+    EXPECT_EQ(functions::SX_GetCurERegions(&slot, &region, &second), 1);
+    EXPECT_EQ(+region.start.measure, 2);
+}
+
+TEST_F(MusicFunctionsTest, LayersCanBeHidden) {
+    session.layerShown[2] = false;
+    for (short layer = -1; layer <= kMaxLayers; ++layer) {
+        EXPECT_EQ(functions::SX_GetShowLayer(layer), layer == 0 || layer == 1 || layer == 3) << layer;
+    }
+}
+
+TEST_F(MusicFunctionsTest, PlaybackReadsItsStaffList) {
+    for (std::uint16_t i = 0; i < 2; ++i) {
+        EDATAKEY key{0xFFF9, i};
+        EDTPlaybackStaff record{};
+        record.staff = static_cast<std::int16_t>(i + 2);
+        std::uint32_t size = sizeof record;
+        ASSERT_EQ(functions::SX_CreateEData(0x534F4975, &key, &record, &size), 1);
+    }
+    EXPECT_EQ(functions::SX_SlotToInst(2, 0xFFF9), 3);
+    EXPECT_EQ(functions::SX_InstToSlot(3, 0xFFF9), 2);
+    EXPECT_EQ(functions::SX_InstToSlot(1, 0xFFF9), 0);
+    functions::SX_Playback(1, 2, 0, 0xFFF9);
+    ASSERT_EQ(front.played.size(), 1U);
+    EXPECT_EQ(front.played[0].staves, (std::vector<short>{2, 3}));
+    EXPECT_EQ(front.played[0].endMeasure, 2);
+}
+
+}  // namespace
+}  // namespace rovescio::engine
