@@ -1,0 +1,27 @@
+// Keys, clefs and time signatures as the <attributes> of a score give them.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/entry_state.h"
+#include "engine/key_signature.h"
+#include "musicxml/clef.h"
+#include "musicxml/journal.h"
+#include "musicxml/xml_walk.h"
+
+namespace rovescio::musicxml {
+
+struct TimeSignature {
+    std::int32_t length = 0;  // of a measure, duration units; 0 when measures are free
+    std::int32_t beat = engine::kQuarter;
+};
+
+// Each reads the element that the walk is at.
+Clef readClef(XmlWalk& walk);
+// Fails, with the problem in the journal, when the fifths are no number or
+// beyond reason.
+bool readKey(XmlWalk& walk, engine::KeySignature& key, Journal& journal);
+// A signature that cannot be counted is noted and read as free.
+TimeSignature readTime(XmlWalk& walk, Journal& journal);
+
+}  // namespace rovescio::musicxml

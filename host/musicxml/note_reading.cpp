@@ -1,0 +1,248 @@
+// Walks the children of a note element once.
+#include "musicxml/note_reading.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+#include "engine/entry_state.h"
+#include "musicxml/tag_names.h"
+
+namespace rovescio::musicxml {
+
+namespace {
+
+constexpr int kMaxAlter = 99;
+constexpr int kLowestOctave = -9;
+constexpr int kHighestOctave = 19;
+constexpr int kMaxDots = 8;
+constexpr int kMaxRatio = 0xFFFF;
+
+std::string quoted(std::string_view text) {
+    return '"' + std::string(text.substr(0, 40)) + '"';
+}
+
+// Note value of a type's name in duration units; 0 when unknown.
+std::int32_t noteValue(std::string_view type) {
+    constexpr std::int32_t kQuarter = engine::kQuarter;
+    switch (tag(type)) {
+        case tag("1024th"):
+            return kQuarter / 256;
+        case tag("512th"):
+            return kQuarter / 128;
+        case tag("256th"):
+            return kQuarter / 64;
+        case tag("128th"):
+            return kQuarter / 32;
+        case tag("64th"):
+            return kQuarter / 16;
+        case tag("32nd"):
+            return kQuarter / 8;
+        case tag("16th"):
+            return kQuarter / 4;
+        case tag("eighth"):
+            return kQuarter / 2;
+        case tag("quarter"):
+            return kQuarter;
+        case tag("half"):
+            return kQuarter * 2;
+        case tag("whole"):
+            return kQuarter * 4;
+        case tag("breve"):
+            return kQuarter * 8;
+        case tag("long"):
+            return kQuarter * 16;
+        case tag("maxima"):
+            return kQuarter * 32;
+        default:
+            return 0;
+    }
+}
+
+// A pitch, or the place of an unpitched note, which without one stands on the
+// middle line of a treble clef.
+bool readPlace(XmlWalk& walk, NoteReading& note, Journal& journal) {
+    constexpr const char* kRemedy = "Correct the note's pitch in a notation program or text editor.";
+    const std::size_t offset = walk.offset();
+    std::string_view step = note.unpitched ? "B" : "";
+    std::string_view octaveText = note.unpitched ? "4" : "";
+    std::string_view alterText = "0";
+    for (const std::size_t level = walk.enter(); walk.next(level);) {
+        switch (walk.tagNumber()) {
+            case tag("step"):
+            case tag("display-step"):
+                step = walk.text();
+                break;
+            case tag("octave"):
+            case tag("display-octave"):
+                octaveText = walk.text();
+                break;
+            case tag("alter"):
+                alterText = walk.text();
+                break;
+            default:
+                break;
+        }
+    }
+    const int letter = letterOf(step);
+    if (letter < 0) {
+        journal.fail("the step " + quoted(step) + " is not one of the letters A to G", offset, kRemedy);
+        return false;
+    }
+    const std::optional<int> octave = parseInteger(octaveText);
+    if (!octave || *octave < kLowestOctave || *octave > kHighestOctave) {
+        journal.fail("the octave " + quoted(octaveText) + " is not an octave number", offset, kRemedy);
+        return false;
+    }
+    const std::optional<Decimal> alter = parseDecimal(alterText);
+    if (!alter || alter->value > kMaxAlter * alter->scale || alter->value < -kMaxAlter * alter->scale) {
+        journal.fail("the alteration " + quoted(alterText) + " is not a number of semitones", offset,
+                     kRemedy);
+        return false;
+    }
+    note.rest = false;
+    // A quarter-tone is the semitone below it; its fraction stays in the text.
+    note.pitch = {letter + 7 * (*octave - 4),
+                  engine::floorDiv(static_cast<int>(alter->value), static_cast<int>(alter->scale))};
+    return true;
+}
+
+void readTie(XmlWalk& walk, NoteReading& note) {
+    const std::string_view type = walk.attribute("type");
+    if (type == "start") note.noteFlags |= NOTE_TIE_START;
+    if (type == "stop") note.noteFlags |= NOTE_TIE_END;
+}
+
+void readNotations(XmlWalk& walk, NoteReading& note) {
+    for (const std::size_t level = walk.enter(); walk.next(level);) {
+        switch (walk.tagNumber()) {
+            case tag("tied"):
+                readTie(walk, note);
+                break;
+            case tag("slur"):
+            case tag("glissando"):
+            case tag("slide"): {
+                const std::string_view type = walk.attribute("type");
+                note.hasShapes |= type == "start" || type == "stop";
+                break;
+            }
+            default:
+                break;
+        }
+    }
+}
+
+void readAccidental(XmlWalk& walk, NoteReading& note) {
+    note.noteFlags |= NOTE_FLAG24;
+    for (const std::string_view mark : {"cautionary", "editorial", "parentheses", "bracket"}) {
+        if (walk.attribute(mark) == "yes") note.noteFlags |= NOTE_FLAG1;
+    }
+}
+
+void readRatio(XmlWalk& walk, NoteReading& note) {
+    int actual = 0;
+    int normal = 0;
+    for (const std::size_t level = walk.enter(); walk.next(level);) {
+        if (walk.tagNumber() == tag("actual-notes")) actual = parseInteger(walk.text()).value_or(0);
+        if (walk.tagNumber() == tag("normal-notes")) normal = parseInteger(walk.text()).value_or(0);
+    }
+    if (actual < 1 || normal < 1 || actual > kMaxRatio || normal > kMaxRatio) return;
+    note.actual = static_cast<std::uint16_t>(actual);
+    note.normal = static_cast<std::uint16_t>(normal);
+}
+
+bool readDuration(XmlWalk& walk, NoteReading& note, Journal& journal) {
+    const std::size_t offset = walk.offset();
+    const std::string_view text = walk.text();
+    const std::optional<Decimal> duration = parseDecimal(text);
+    if (!duration || duration->value < 0) {
+        journal.fail("the duration " + quoted(text) + " is not a positive number", offset,
+                     "Correct the note in a notation program or text editor.");
+        return false;
+    }
+    note.duration = *duration;
+    note.hasDuration = true;
+    return true;
+}
+
+bool readStaff(XmlWalk& walk, NoteReading& note, Journal& journal) {
+    const std::size_t offset = walk.offset();
+    const std::string_view text = walk.text();
+    const std::optional<int> staff = parseInteger(text);
+    if (!staff || *staff < 1) {
+        journal.fail("the staff " + quoted(text) + " is not a staff number", offset,
+                     "Number the staves of a part from 1.");
+        return false;
+    }
+    note.staff = *staff;
+    return true;
+}
+
+}  // namespace
+
+int letterOf(std::string_view step) {
+    if (step.size() != 1) return -1;
+    constexpr std::string_view kLetters = "CDEFGAB";
+    const std::size_t letter = kLetters.find(step[0]);
+    return letter == std::string_view::npos ? -1 : static_cast<int>(letter);
+}
+
+bool readNote(XmlWalk& walk, NoteReading& note, Journal& journal) {
+    note = {};
+    note.offset = walk.offset();
+    int dots = 0;
+    bool fine = true;
+    for (const std::size_t level = walk.enter(); fine && walk.next(level);) {
+        switch (walk.tagNumber()) {
+            case tag("grace"):
+                note.grace = true;
+                break;
+            case tag("chord"):
+                note.chord = true;
+                break;
+            case tag("unpitched"):
+            case tag("pitch"):
+                // A note that has both, against the format, is what it says first.
+                if (!note.rest) break;
+                note.unpitched = walk.tagNumber() == tag("unpitched");
+                fine = readPlace(walk, note, journal);
+                break;
+            case tag("duration"):
+                fine = readDuration(walk, note, journal);
+                break;
+            case tag("tie"):
+                readTie(walk, note);
+                break;
+            case tag("voice"):
+                note.voice = walk.text();
+                break;
+            case tag("type"):
+                note.nominal = noteValue(walk.text());
+                break;
+            case tag("dot"):
+                ++dots;
+                break;
+            case tag("accidental"):
+                readAccidental(walk, note);
+                break;
+            case tag("time-modification"):
+                readRatio(walk, note);
+                break;
+            case tag("staff"):
+                fine = readStaff(walk, note, journal);
+                break;
+            case tag("notations"):
+                readNotations(walk, note);
+                break;
+            default:
+                break;
+        }
+    }
+    // Each dot adds half of what the one before it added; a value that is no
+    // whole unit counts as unknown.
+    if (dots > kMaxDots || note.nominal % (1 << dots) != 0) note.nominal = 0;
+    note.nominal = 2 * note.nominal - (note.nominal >> std::min(dots, kMaxDots));
+    return fine;
+}
+
+}  // namespace rovescio::musicxml

@@ -1,0 +1,39 @@
+// One <note> element, read into plain values.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/key_signature.h"
+#include "musicxml/journal.h"
+#include "musicxml/numbers.h"
+#include "musicxml/xml_walk.h"
+
+namespace rovescio::musicxml {
+
+// What a note element says; positions and keys are not its business.
+struct NoteReading {
+    std::size_t offset = 0;  // of the element in the text
+    bool grace = false;
+    bool chord = false;      // sounds together with the note before it
+    bool rest = true;        // has neither a pitch nor a place on the staff
+    bool unpitched = false;  // has a place on the staff only
+    bool hasShapes = false;  // a slur, glissando or slide starts or ends here
+    bool hasDuration = false;
+    engine::SpelledPitch pitch;
+    Decimal duration;          // in divisions
+    std::int32_t nominal = 0;  // note value with dots, duration units; 0 when the note gives none
+    std::uint16_t actual = 1;  // tuplet ratio: actual notes in the time of normal
+    std::uint16_t normal = 1;
+    std::uint32_t noteFlags = 0;  // ties and accidental
+    std::string_view voice;       // empty when the note names none
+    int staff = 0;                // within the part, from 1; 0 when the note names none
+};
+
+// Reads the note that the walk is at; on failure the journal has the problem
+// and the result is false.
+bool readNote(XmlWalk& walk, NoteReading& note, Journal& journal);
+
+// Letter number (0 C to 6 B) of a step's text; -1 when it is none.
+int letterOf(std::string_view step);
+
+}  // namespace rovescio::musicxml

@@ -1,0 +1,120 @@
+// Reads the measures of one part, in order, into entries and what the staves
+// need to know.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/document.h"
+#include "musicxml/attributes_reader.h"
+#include "musicxml/measure_clock.h"
+#include "musicxml/measure_frames.h"
+#include "musicxml/note_reading.h"
+#include "musicxml/source_map.h"
+
+namespace rovescio::musicxml {
+
+// One staff of a part: what is in force now and what each measure had.
+struct StaffReading {
+    engine::KeySignature key;
+    engine::KeySignature measureKey;  // at the start of the measure being read
+    std::int32_t keyPosition = 0;     // where in that measure `key` began
+    Clef clef;
+    TimeSignature time;
+    std::vector<engine::StaffMeasure> measures;
+    bool pitchedClef = false;  // had a clef other than percussion
+    bool percussionClef = false;
+    bool pitchedNote = false;
+    bool unpitchedNote = false;
+
+    // Whether nothing on the staff has a pitch in a key.
+    [[nodiscard]] bool isUnpitched() const {
+        return (percussionClef && !pitchedClef) || (unpitchedNote && !pitchedNote);
+    }
+};
+
+class PartReader {
+  public:
+    // Staff-measures over the whole score; an orchestra of 60 staves reaches
+    // 17,000 measures.
+    static constexpr std::size_t kMaxCells = std::size_t{1} << 20;
+
+    PartReader(std::string name, Journal& journal, engine::Document& document, SourceMap& sources)
+        : name_(std::move(name)), journal_(journal), document_(document), sources_(sources), staves_(1) {}
+
+    // Reads the next measure from the element that the walk is at, which holds
+    // its contents; an implicit measure, such as a pick-up, is as long as they
+    // are. False when the journal has a problem.
+    bool readMeasure(XmlWalk& walk, bool implicit);
+    // The part has nothing for the next measure.
+    void skipMeasure();
+
+    [[nodiscard]] const std::string& name() const { return name_; }
+    [[nodiscard]] std::vector<StaffReading>& staves() { return staves_; }
+    [[nodiscard]] std::vector<GatheredFrame>& frames() { return frames_; }
+    [[nodiscard]] const std::vector<ClefMark>& clefs() const { return clefs_; }
+    [[nodiscard]] const std::vector<engine::KeyChange>& keyChanges() const { return keyChanges_; }
+    // Without their staves.
+    [[nodiscard]] const std::vector<HarmonyMark>& harmony() const { return harmony_; }
+    [[nodiscard]] short measureCount() const { return measureCount_; }
+
+  private:
+    // A key or clef at some point of the measure.
+    struct Change {
+        std::size_t staff = 0;
+        std::int32_t position = 0;
+        bool isKey = false;
+        engine::KeySignature key;
+    };
+
+    void beginMeasure();
+    void finishMeasure(bool implicit);
+    bool readAttributes(XmlWalk& walk);
+    bool readDivisions(XmlWalk& walk);
+    bool applyKey(XmlWalk& walk);
+    bool applyClef(XmlWalk& walk);
+    bool applyTime(XmlWalk& walk);
+    bool addNote(XmlWalk& walk);
+    bool timeNote(const NoteReading& note);
+    bool joinEntry(const NoteReading& note);
+    bool startEntry(const NoteReading& note, std::size_t staff, bool continuesChord);
+    void addPitch(GatheredEntry& entry, const NoteReading& note);
+    bool move(XmlWalk& walk, bool backwards);
+    bool needStaves(int count, std::size_t offset);
+    // The staves that an element's `number` means: from first to before last.
+    // Without a number these are all.
+    struct StaffRange {
+        std::size_t first = 0;
+        std::size_t last = 0;
+    };
+    bool numberedStaves(XmlWalk& walk, StaffRange& range);
+
+    std::string name_;
+    Journal& journal_;
+    engine::Document& document_;
+    SourceMap& sources_;
+    std::vector<StaffReading> staves_;
+    std::vector<GatheredFrame> frames_;
+    std::vector<ClefMark> clefs_;
+    std::vector<engine::KeyChange> keyChanges_;
+    std::vector<HarmonyMark> harmony_;
+    short measureCount_ = 0;
+
+    // Of the measure being read.
+    MeasureClock clock_;
+    MeasureFrames gathered_;
+    std::vector<Change> changes_;
+    std::vector<engine::KeySignature> keys_;
+
+    // Of the note or chord being read.
+    std::size_t chordBegin_ = 0;  // its first entry
+    std::int32_t chordElapsed_ = 0;
+    std::int32_t chordDuration_ = 0;
+    engine::EntryState chordState_;
+    std::string_view chordVoice_;
+    std::size_t chordStaff_ = 0;
+    bool inChord_ = false;  // a note has been read that a chord note can join
+};
+
+}  // namespace rovescio::musicxml

@@ -1,0 +1,59 @@
+// Containers, encodings, reader and writer put together.
+#include "musicxml/score_file.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <utility>
+
+#include "musicxml/archive.h"
+#include "musicxml/score_writer.h"
+
+namespace rovescio::musicxml {
+
+engine::Result<ScoreFile> ScoreFile::read(std::string bytes, std::string name, engine::Document& document,
+                                          const ReadOptions& options) {
+    // Offsets into the text have 32 bits.
+    const std::size_t maxBytes =
+        std::min<std::size_t>(options.maxBytes, std::numeric_limits<std::int32_t>::max());
+    ScoreFile file;
+    file.name_ = std::move(name);
+    if (bytes.size() > maxBytes) return tooLarge(maxBytes, file.name_);
+    if (looksLikeArchive(bytes)) {
+        file.archive_ = std::move(bytes);
+        engine::Result<ArchivedScore> score = unpackScore(file.archive_, maxBytes, file.name_);
+        if (!score) return score.problem();
+        file.rootFile_ = std::move(score->rootFile);
+        bytes = std::move(score->bytes);
+    }
+    engine::Result<DecodedText> decoded = decodeText(std::move(bytes), file.name_);
+    if (!decoded) return decoded.problem();
+    file.text_ = std::move(decoded->text);
+    file.encoding_ = std::move(decoded->encoding);
+    if (file.text_.size() > maxBytes) return tooLarge(maxBytes, file.name_);
+
+    engine::Result<ScoreReading> reading = readScore(file.text_, file.name_, document);
+    if (!reading) return reading.problem();
+    file.reading_ = std::move(*reading);
+    return file;
+}
+
+engine::Result<WrittenFile> ScoreFile::write(const engine::Document& document, Container container) const {
+    engine::Result<WrittenText> written = writeScore(text_, reading_.sources, document, name_);
+    if (!written) return written.problem();
+    WrittenFile result;
+    result.notices = std::move(written->notices);
+    if (container == Container::compressed && !archive_.empty() && written->text == text_) {
+        result.bytes = archive_;
+        return result;
+    }
+    engine::Result<std::string> bytes = encodeText(std::move(written->text), encoding_, name_);
+    if (bytes && container == Container::compressed) {
+        bytes = archive_.empty() ? packScore(*bytes, name_) : repackScore(archive_, rootFile_, *bytes, name_);
+    }
+    if (!bytes) return bytes.problem();
+    result.bytes = std::move(*bytes);
+    return result;
+}
+
+}  // namespace rovescio::musicxml

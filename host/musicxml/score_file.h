@@ -1,0 +1,61 @@
+// A score file, plain or compressed, between its bytes and the document.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "engine/document.h"
+#include "engine/problem.h"
+#include "musicxml/encoding.h"
+#include "musicxml/score_reader.h"
+
+namespace rovescio::musicxml {
+
+struct ReadOptions {
+    // Largest XML text, also after unpacking and in UTF-8.
+    std::size_t maxBytes = std::size_t{256} << 20;
+};
+
+enum class Container { plain, compressed };
+
+// What was written, and what the user should know about it.
+struct WrittenFile {
+    std::string bytes;
+    std::vector<std::string> notices;
+};
+
+// Keeps the file's text as it came. Writing changes only the places that belong
+// to changed notes, so everything else comes out byte for byte.
+class ScoreFile {
+  public:
+    // Reads the bytes of a file into an empty document; the name is for messages.
+    static engine::Result<ScoreFile> read(std::string bytes, std::string name, engine::Document& document,
+                                          const ReadOptions& options = {});
+
+    // The bytes of the whole file for the document as it is now, which must be
+    // the one that was read into. An archive keeps its other members; without any
+    // change it is the very archive that was read.
+    [[nodiscard]] engine::Result<WrittenFile> write(const engine::Document& document,
+                                                    Container container) const;
+
+    // How the file was stored.
+    [[nodiscard]] Container container() const {
+        return archive_.empty() ? Container::plain : Container::compressed;
+    }
+    // What the user should know about the reading, each once.
+    [[nodiscard]] const std::vector<std::string>& notices() const { return reading_.notices; }
+    [[nodiscard]] const ScoreSummary& summary() const { return reading_.summary; }
+
+  private:
+    ScoreFile() = default;
+
+    std::string name_;
+    std::string archive_;   // the compressed file's bytes; empty for a plain file
+    std::string rootFile_;  // the score's path in the archive
+    std::string text_;      // UTF-8
+    Encoding encoding_;
+    ScoreReading reading_;
+};
+
+}  // namespace rovescio::musicxml

@@ -1,0 +1,348 @@
+// The frame of a score: its parts and measures in either order, put together
+// into a document.
+#include "musicxml/score_reader.h"
+
+#include <algorithm>
+#include <limits>
+#include <string_view>
+#include <tuple>
+#include <unordered_map>
+
+#include "musicxml/part_reader.h"
+#include "musicxml/tag_names.h"
+#include "musicxml/xml_walk.h"
+
+namespace rovescio::musicxml {
+
+namespace {
+
+constexpr std::size_t kMaxNumber = std::numeric_limits<short>::max();
+
+class ScoreReader {
+  public:
+    ScoreReader(const std::string& text, engine::Document& document, Journal& journal)
+        : walk_(text), document_(document), journal_(journal) {}
+
+    bool read();
+    ScoreReading take();
+
+  private:
+    bool readRoot();
+    void readWork();
+    void readIdentification();
+    void listParts();
+    PartReader* openPart();
+    bool readPart();
+    bool readTimewiseMeasure();
+    bool noteLabel(std::size_t index);
+    void leaveMeasure();
+    bool explainFault();
+    bool assemble();
+    void assemblePart(PartReader& part, short firstStaff);
+    void moveToUnpitched(PartReader& part);
+
+    XmlWalk walk_;
+    engine::Document& document_;
+    Journal& journal_;
+    ScoreReading reading_;
+    std::string movementTitle_;
+    std::unordered_map<std::string_view, std::string> names_;  // of the part list, by part id
+    std::unordered_map<std::string_view, std::size_t> partIndex_;
+    std::vector<PartReader> parts_;
+    std::vector<std::string> labels_;  // of the measures
+};
+
+void ScoreReader::readWork() {
+    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
+        if (walk_.tagNumber() == tag("work-title")) reading_.summary.title = walk_.text();
+    }
+}
+
+void ScoreReader::readIdentification() {
+    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
+        if (walk_.tagNumber() != tag("creator") || walk_.attribute("type") != "composer") continue;
+        if (reading_.summary.composer.empty()) reading_.summary.composer = walk_.text();
+    }
+}
+
+void ScoreReader::listParts() {
+    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
+        if (walk_.tagNumber() != tag("score-part")) continue;
+        const std::string_view id = walk_.attribute("id");
+        std::string name;
+        for (const std::size_t inner = walk_.enter(); walk_.next(inner);) {
+            if (walk_.tagNumber() == tag("part-name")) name = walk_.text();
+        }
+        names_.emplace(id, name.empty() ? id : name);
+    }
+}
+
+// The reader of the part that the walk is at; null, with the problem told, for
+// an unknown one.
+PartReader* ScoreReader::openPart() {
+    const std::string_view id = walk_.attribute("id");
+    const auto known = partIndex_.find(id);
+    if (known != partIndex_.end()) return &parts_[known->second];
+    const auto name = names_.find(id);
+    if (name == names_.end()) {
+        journal_.fail("the part \"" + std::string(id.substr(0, 40)) + "\" is not in the part list",
+                      walk_.offset(), "Add a <score-part> with that id to the <part-list>.");
+        return nullptr;
+    }
+    partIndex_.emplace(id, parts_.size());
+    parts_.emplace_back(name->second, journal_, document_, reading_.sources);
+    return &parts_.back();
+}
+
+// Remembers the label of the measure; the first part that has the measure gives
+// it.
+bool ScoreReader::noteLabel(std::size_t index) {
+    const std::string_view label = walk_.attribute("number");
+    journal_.setMeasure(label);
+    if (index < labels_.size()) return true;
+    if (labels_.size() >= kMaxNumber) {
+        journal_.fail("the score has more than " + std::to_string(kMaxNumber) + " measures", walk_.offset(),
+                      "Split the score.");
+        return false;
+    }
+    labels_.emplace_back(label);
+    return true;
+}
+
+// What follows is about no measure, unless the text broke off in this one.
+void ScoreReader::leaveMeasure() {
+    if (walk_.fault() == XmlFault::none) journal_.setMeasure({});
+}
+
+bool ScoreReader::readPart() {
+    const std::size_t partsBefore = parts_.size();
+    PartReader* const part = openPart();
+    if (part == nullptr) return false;
+    if (parts_.size() == partsBefore) {
+        journal_.fail("the part \"" + part->name() + "\" appears twice", walk_.offset(),
+                      "Give every <part> an id of its own.");
+        return false;
+    }
+    std::size_t index = 0;
+    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
+        if (walk_.tagNumber() != tag("measure")) continue;
+        const bool implicit = walk_.attribute("implicit") == "yes";
+        if (!noteLabel(index++) || !part->readMeasure(walk_, implicit)) return false;
+    }
+    leaveMeasure();
+    return true;
+}
+
+bool ScoreReader::readTimewiseMeasure() {
+    const std::size_t index = labels_.size();
+    const bool implicit = walk_.attribute("implicit") == "yes";
+    if (!noteLabel(index)) return false;
+    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
+        if (walk_.tagNumber() != tag("part")) continue;
+        PartReader* const part = openPart();
+        if (part == nullptr) return false;
+        while (static_cast<std::size_t>(part->measureCount()) < index) part->skipMeasure();
+        if (static_cast<std::size_t>(part->measureCount()) > index) {
+            journal_.fail("the part \"" + part->name() + "\" appears twice in one measure", walk_.offset(),
+                          "Keep one <part> with that id in the measure.");
+            return false;
+        }
+        if (!part->readMeasure(walk_, implicit)) return false;
+    }
+    leaveMeasure();
+    return true;
+}
+
+// On a staff without pitches nothing is relative to a key.
+void ScoreReader::moveToUnpitched(PartReader& part) {
+    const engine::KeySignature none = engine::KeySignature::nonStandard();
+    for (GatheredFrame& frame : part.frames()) {
+        StaffReading& staff = part.staves()[static_cast<std::size_t>(frame.staff)];
+        if (!staff.isUnpitched()) continue;
+        const engine::KeySignature& key = staff.measures[static_cast<std::size_t>(frame.measure - 1)].key;
+        for (engine::StoredEntry& entry : frame.entries) {
+            for (ENOTE& note : entry.notes()) none.store(key.spell(note), note);
+        }
+    }
+    for (StaffReading& staff : part.staves()) {
+        if (!staff.isUnpitched()) continue;
+        for (engine::StaffMeasure& measure : staff.measures) measure.key = none;
+    }
+}
+
+void ScoreReader::assemblePart(PartReader& part, short firstStaff) {
+    moveToUnpitched(part);
+    const auto global = [&](int staffInPart) { return static_cast<short>(firstStaff + staffInPart); };
+    short number = firstStaff;
+    for (const StaffReading& staff : part.staves()) {
+        short measure = 0;
+        for (const engine::StaffMeasure& contents : staff.measures) {
+            document_.staffMeasure(number, ++measure) = contents;
+        }
+        ++number;
+    }
+    std::vector<EXENTRY> entries;
+    for (const GatheredFrame& frame : part.frames()) {
+        for (const engine::StoredEntry& entry : frame.entries) {
+            reading_.sources.entries[entry.entryNumber - 1].address.staff = global(frame.staff);
+        }
+        frame.entries.expand(entries);
+        document_.setEntries({global(frame.staff), frame.measure, frame.layer}, entries);
+    }
+    for (engine::KeyChange change : part.keyChanges()) {
+        if (part.staves()[static_cast<std::size_t>(change.staff - 1)].isUnpitched()) continue;
+        change.staff = global(change.staff - 1);
+        document_.addKeyChange(change);
+    }
+    for (ClefMark clef : part.clefs()) {
+        clef.staff = global(clef.staff - 1);
+        reading_.sources.clefs.push_back(clef);
+    }
+    for (HarmonyMark mark : part.harmony()) {
+        mark.firstStaff = firstStaff;
+        mark.lastStaff = global(static_cast<int>(part.staves().size()) - 1);
+        reading_.sources.harmony.push_back(mark);
+    }
+}
+
+bool ScoreReader::assemble() {
+    std::size_t staves = 0;
+    for (PartReader& part : parts_) {
+        while (static_cast<std::size_t>(part.measureCount()) < labels_.size()) part.skipMeasure();
+        staves += part.staves().size();
+    }
+    if (staves > kMaxNumber || staves * labels_.size() > PartReader::kMaxCells) {
+        journal_.fail("the score has too many staves and measures (" + std::to_string(staves) + " by " +
+                          std::to_string(labels_.size()) + ")",
+                      0, "Split the score.");
+        return false;
+    }
+    for (PartReader& part : parts_) {
+        for (const StaffReading& staff : part.staves()) {
+            document_.addStaff({part.name(), staff.isUnpitched()});
+        }
+    }
+    for (std::string& label : labels_) document_.addMeasure({std::move(label)});
+    document_.layOut();
+    short firstStaff = 1;
+    for (PartReader& part : parts_) {
+        assemblePart(part, firstStaff);
+        firstStaff = static_cast<short>(firstStaff + static_cast<short>(part.staves().size()));
+    }
+    std::stable_sort(reading_.sources.clefs.begin(), reading_.sources.clefs.end(),
+                     [](const ClefMark& left, const ClefMark& right) {
+                         return std::tuple(left.staff, left.measure, left.position) <
+                                std::tuple(right.staff, right.measure, right.position);
+                     });
+    return true;
+}
+
+// Reads everything inside the root element.
+bool ScoreReader::readRoot() {
+    const std::size_t root = walk_.offset();
+    const bool partwise = walk_.name() == "score-partwise";
+    if (!partwise && walk_.name() != "score-timewise") {
+        journal_.fail("this is XML but not a score: its root element is <" +
+                          std::string(walk_.name().substr(0, 40)) + ">",
+                      root, "Give a file whose root is <score-partwise> or <score-timewise>.");
+        return false;
+    }
+    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
+        bool fine = true;
+        switch (walk_.tagNumber()) {
+            case tag("work"):
+                readWork();
+                break;
+            case tag("movement-title"):
+                movementTitle_ = walk_.text();
+                break;
+            case tag("identification"):
+                readIdentification();
+                break;
+            case tag("part-list"):
+                listParts();
+                break;
+            case tag("part"):
+                fine = !partwise || readPart();
+                break;
+            case tag("measure"):
+                fine = partwise || readTimewiseMeasure();
+                break;
+            default:
+                break;
+        }
+        if (!fine) return false;
+    }
+    walk_.finish();
+    if (walk_.fault() != XmlFault::none) return false;
+    if (parts_.empty() || labels_.empty()) {
+        journal_.fail(parts_.empty() ? "the score has no part" : "the score has no measure", root,
+                      "Give a score with music in it.");
+        return false;
+    }
+    return assemble();
+}
+
+bool ScoreReader::read() {
+    const bool read = walk_.next(0) && readRoot();
+    // A fault of the XML goes before what it made of the music: an element that
+    // was cut off lacks its parts.
+    if (walk_.fault() != XmlFault::none) return explainFault();
+    if (!read && !journal_.failed()) {
+        journal_.fail("this is not an XML file", 0,
+                      "Give a MusicXML score, for example one exported by a "
+                      "notation program.");
+    }
+    return read;
+}
+
+bool ScoreReader::explainFault() {
+    constexpr const char* kRepair = "Export the score again, or repair that line in a text editor.";
+    const std::size_t offset = walk_.faultOffset();
+    journal_.clearProblem();
+    switch (walk_.fault()) {
+        case XmlFault::truncated:
+            journal_.fail("the file ends in the middle of the score", offset,
+                          "It was probably cut off while it was copied or saved: get it again.");
+            break;
+        case XmlFault::mismatch:
+            journal_.fail("the XML is not well-formed: another end tag stands where <" +
+                              std::string(walk_.faultName().substr(0, 40)) + "> should end",
+                          offset, kRepair);
+            break;
+        case XmlFault::tooDeep:
+            journal_.fail("elements are nested more than " + std::to_string(XmlWalk::kMaxDepth) + " deep",
+                          offset, "No score needs this: export it again.");
+            break;
+        case XmlFault::entities:
+            journal_.fail("the document type declares entities, which could expand without bound", offset,
+                          "Remove the declarations between [ and ] in the DOCTYPE line.");
+            break;
+        default:
+            journal_.fail("the XML is not well-formed: no tag can begin here", offset, kRepair);
+            break;
+    }
+    return false;
+}
+
+ScoreReading ScoreReader::take() {
+    if (reading_.summary.title.empty()) reading_.summary.title = std::move(movementTitle_);
+    reading_.notices = std::move(journal_.notices());
+    return std::move(reading_);
+}
+
+}  // namespace
+
+engine::Result<ScoreReading> readScore(const std::string& text, const std::string& file,
+                                       engine::Document& document) {
+    Journal journal(text, file);
+    if (trimmed(text).empty()) {
+        journal.fail("the file is empty", 0, "Give a MusicXML score.");
+        return journal.problem();
+    }
+    ScoreReader reader(text, document, journal);
+    if (!reader.read()) return journal.problem();
+    return reader.take();
+}
+
+}  // namespace rovescio::musicxml

@@ -1,0 +1,30 @@
+// Builds a document from the XML text of a score.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "engine/document.h"
+#include "engine/problem.h"
+#include "musicxml/source_map.h"
+
+namespace rovescio::musicxml {
+
+// What a score says about itself; empty where it says nothing.
+struct ScoreSummary {
+    std::string title;
+    std::string composer;
+};
+
+struct ScoreReading {
+    SourceMap sources;
+    ScoreSummary summary;
+    std::vector<std::string> notices;  // for the user, each once
+};
+
+// Reads UTF-8 text of less than 4 GiB, partwise or timewise, into an empty
+// document. The file name is for messages.
+engine::Result<ScoreReading> readScore(const std::string& text, const std::string& file,
+                                       engine::Document& document);
+
+}  // namespace rovescio::musicxml

@@ -1,0 +1,53 @@
+// Collecting and splicing of edits.
+#include "musicxml/text_edits.h"
+
+#include <algorithm>
+
+namespace rovescio::musicxml {
+
+// Where the whitespace before an element begins; the element itself when text
+// stands before it.
+std::size_t TextEdits::indentationBegin(const Element& element) const {
+    std::size_t begin = element.begin;
+    while (begin > 0 && std::string_view(" \t\r\n").find(text_[begin - 1]) != std::string_view::npos) --begin;
+    return begin > 0 && text_[begin - 1] == '>' ? begin : element.begin;
+}
+
+void TextEdits::replace(std::size_t begin, std::size_t end, std::string_view replacement) {
+    const auto poolBegin = static_cast<std::uint32_t>(pool_.size());
+    pool_ += replacement;
+    edits_.push_back({static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end), poolBegin,
+                      static_cast<std::uint32_t>(pool_.size())});
+}
+
+void TextEdits::remove(const Element& element) {
+    replace(indentationBegin(element), element.end, {});
+}
+
+void TextEdits::insertAfter(const Element& element, std::string_view inserted) {
+    const std::size_t indentation = indentationBegin(element);
+    std::string replacement(text_.substr(indentation, element.begin - indentation));
+    replacement += inserted;
+    replace(element.end, element.end, replacement);
+}
+
+std::string TextEdits::apply() {
+    // At one place an insertion comes before what is removed there.
+    const auto place = [](const Edit& edit) { return std::uint64_t{edit.begin} << 32 | edit.end; };
+    const auto before = [&](const Edit& left, const Edit& right) { return place(left) < place(right); };
+    if (!std::is_sorted(edits_.begin(), edits_.end(), before)) {
+        std::sort(edits_.begin(), edits_.end(), before);
+    }
+    std::string result;
+    result.reserve(text_.size() + pool_.size());
+    std::size_t copied = 0;
+    for (const Edit& edit : edits_) {
+        result += text_.substr(copied, edit.begin - copied);
+        result += std::string_view(pool_).substr(edit.poolBegin, edit.poolEnd - edit.poolBegin);
+        copied = edit.end;
+    }
+    result += text_.substr(copied);
+    return result;
+}
+
+}  // namespace rovescio::musicxml

@@ -1,0 +1,48 @@
+// Small changes to a long text, collected in any order and applied at once.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "musicxml/xml_walk.h"
+
+namespace rovescio::musicxml {
+
+class TextEdits {
+  public:
+    // The text must outlive the edits and be shorter than 4 GiB.
+    explicit TextEdits(std::string_view text) : text_(text) {}
+
+    [[nodiscard]] std::string_view text() const { return text_; }
+    [[nodiscard]] bool empty() const { return edits_.empty(); }
+
+    void replace(std::size_t begin, std::size_t end, std::string_view replacement);
+    void replaceContent(const Element& element, std::string_view replacement) {
+        replace(element.contentBegin, element.contentEnd, replacement);
+    }
+    // Removes an element with the whitespace before it.
+    void remove(const Element& element);
+    // Inserts an element's text behind another, on a line of its own where the
+    // other has one.
+    void insertAfter(const Element& element, std::string_view inserted);
+
+    // The changed text. Edits must not overlap.
+    [[nodiscard]] std::string apply();
+
+  private:
+    struct Edit {
+        std::uint32_t begin = 0;
+        std::uint32_t end = 0;
+        std::uint32_t poolBegin = 0;
+        std::uint32_t poolEnd = 0;
+    };
+    [[nodiscard]] std::size_t indentationBegin(const Element& element) const;
+
+    std::string_view text_;
+    std::string pool_;  // all replacements, one behind the other
+    std::vector<Edit> edits_;
+};
+
+}  // namespace rovescio::musicxml

@@ -1,0 +1,300 @@
+// What a change of the document's notes does to the text, and what it leaves alone.
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "musicxml/score_builder.h"
+#include "support/score_text.h"
+
+namespace rovescio::test {
+namespace {
+
+// The children of a measure's only note.
+std::string only(const std::string& children) {
+    return "<note>" + children + "</note>";
+}
+
+struct PitchCase {
+    const char* name;
+    std::string before;
+    const char* pitch;
+    std::string after;
+};
+
+TEST(NoteEdits, pitch) {
+    const std::string rest = "<duration>16</duration><type>whole</type>";
+    const PitchCase cases[] = {
+        {"step", only("<pitch><step>C</step><octave>4</octave></pitch>" + rest), "e4",
+         only("<pitch><step>E</step><octave>4</octave></pitch>" + rest)},
+        {"step and octave", only("<pitch><step>C</step><octave>4</octave></pitch>" + rest), "b3",
+         only("<pitch><step>B</step><octave>3</octave></pitch>" + rest)},
+        {"a new alteration stands on a line of its own",
+         only("\n\t<pitch>\n\t\t<step>C</step>\n\t\t<octave>4</octave>\n\t</pitch>" + rest), "c#4",
+         only("\n\t<pitch>\n\t\t<step>C</step>\n\t\t<alter>1</alter>\n\t\t<octave>4</octave>\n\t</pitch>" +
+              rest)},
+        {"an alteration that ends takes its line with it",
+         only("<pitch>\n  <step>C</step>\n  <alter>1</alter>\n  <octave>4</octave></pitch>" + rest), "d4",
+         only("<pitch>\n  <step>D</step>\n  <octave>4</octave></pitch>" + rest)},
+        {"another alteration", only("<pitch><step>C</step><alter>1</alter><octave>4</octave></pitch>" + rest),
+         "ebb4", only("<pitch><step>E</step><alter>-2</alter><octave>4</octave></pitch>" + rest)},
+        {"a quarter-tone keeps its fraction",
+         only("<pitch><step>C</step><alter>-0.5</alter><octave>4</octave></pitch>" + rest), "d#4",
+         only("<pitch><step>D</step><alter>1.5</alter><octave>4</octave></pitch>" + rest)},
+        {"values in unusual form",
+         only("<pitch ><step><!-- do --><![CDATA[C]]></step><octave > 4 </octave></pitch>" + rest), "d5",
+         only("<pitch ><step>D</step><octave >5</octave></pitch>" + rest)},
+        {"lyrics, articulations and comments stay",
+         only("<pitch><step>C</step><octave>4</octave></pitch>" + rest +
+              "<notations><articulations><accent/></articulations></notations><lyric><text>C</text></lyric>"
+              "<!-- <step>C</step> -->"),
+         "d4",
+         only("<pitch><step>D</step><octave>4</octave></pitch>" + rest +
+              "<notations><articulations><accent/></articulations></notations><lyric><text>C</text></lyric>"
+              "<!-- <step>C</step> -->")},
+    };
+    for (const PitchCase& edit : cases) {
+        SCOPED_TRACE(edit.name);
+        OpenScore score = open(scoreOf({edit.before}));
+        score.setPitch(edit.pitch);
+        EXPECT_EQ(score.written(), scoreOf({edit.after}));
+    }
+}
+
+TEST(NoteEdits, accidentals) {
+    const std::string sharp = "<accidental>sharp</accidental>";
+    const struct {
+        const char* name;
+        std::string before;
+        const char* pitch;
+        bool shown;
+        std::string after;
+    } cases[] = {
+        {"shown before the stem", note("c4:w", "<dot/><stem>none</stem>"), "c4", true,
+         note("c4:w", "<dot/><accidental>natural</accidental><stem>none</stem>")},
+        {"hidden", note("c#4:w", sharp), "c#4", false, note("c#4:w")},
+        {"another sign, attributes stay", note("c#4:w", "<accidental color=\"red\">sharp</accidental>"),
+         "dbb4", true, note("dbb4:w", "<accidental color=\"red\">flat-flat</accidental>")},
+        {"an unmoved note keeps its sign", note("c4:w", "<accidental>natural-sharp</accidental>"), "c4", true,
+         note("c4:w", "<accidental>natural-sharp</accidental>")},
+        {"double sharp", note("c#4:w", sharp), "f##4", true,
+         note("f##4:w", "<accidental>double-sharp</accidental>")},
+        {"beyond the signs", note("c#4:w", sharp), "c####4", true,
+         note("c####4:w", "<accidental>other</accidental>")},
+    };
+    for (const auto& edit : cases) {
+        SCOPED_TRACE(edit.name);
+        OpenScore score = open(scoreOf({edit.before}));
+        score.setPitch(edit.pitch);
+        score.setFlags(NOTE_FLAG24, edit.shown ? NOTE_FLAG24 : 0);
+        EXPECT_EQ(score.written(), scoreOf({edit.after}));
+    }
+}
+
+TEST(NoteEdits, ties) {
+    const std::string start = "<tied type=\"start\"/>";
+    const std::string stop = "<tied type=\"stop\"/>";
+    const struct {
+        const char* name;
+        std::string before;
+        std::uint32_t cleared;
+        std::string after;
+    } cases[] = {
+        {"the only notation goes whole", note("c4:w", "\n<notations>\n" + start + "\n</notations>"),
+         NOTE_TIE_START, note("c4:w")},
+        {"both ends", note("c4:w", "<notations>" + stop + start + "</notations>"), NOTE_TIES, note("c4:w")},
+        {"the other end stays", note("c4:w", "<notations>" + stop + "\n " + start + "</notations>"),
+         NOTE_TIE_START, note("c4:w", "<notations>" + stop + "</notations>")},
+        {"other notations stay", note("c4:w", "<notations>" + start + "<fermata/></notations>"),
+         NOTE_TIE_START, note("c4:w", "<notations><fermata/></notations>")},
+        {"the sounding tie too",
+         "<note><pitch><step>C</step><octave>4</octave></pitch><duration>16</duration>\n<tie type=\"stop\"/>"
+         "\n<tie type=\"start\"/><voice>1</voice><type>whole</type></note>",
+         NOTE_TIE_END,
+         "<note><pitch><step>C</step><octave>4</octave></pitch><duration>16</duration>"
+         "\n<tie type=\"start\"/><voice>1</voice><type>whole</type></note>"},
+    };
+    for (const auto& edit : cases) {
+        SCOPED_TRACE(edit.name);
+        OpenScore score = open(scoreOf({edit.before}));
+        score.setFlags(edit.cleared, 0);
+        EXPECT_EQ(score.written(), scoreOf({edit.after}));
+    }
+}
+
+// A note with a stem, and its beam when one is named.
+std::string stemmed(const std::string& text, const std::string& stem, const std::string& beam = "") {
+    return note(text,
+                "<stem>" + stem + "</stem>" + (beam.empty() ? "" : "<beam number=\"1\">" + beam + "</beam>"));
+}
+
+std::string clef(const std::string& sign, int line) {
+    return "<attributes><clef><sign>" + sign + "</sign><line>" + std::to_string(line) +
+           "</line></clef></attributes>";
+}
+
+// The directions of all stems in a text, in order.
+std::string stemsIn(const std::string& text) {
+    std::string stems;
+    for (std::size_t at = 0; (at = text.find("</stem>", at)) != std::string::npos; ++at) {
+        const std::size_t begin = text.rfind('>', at) + 1;
+        stems += (stems.empty() ? "" : " ") + text.substr(begin, at - begin);
+    }
+    return stems;
+}
+
+TEST(StemEdits, followTheRuleWhereTheyDidBefore) {
+    const std::string stemmedChord = "<stem>up</stem>";
+    const struct {
+        const char* name;
+        std::string measure;
+        std::size_t entry;
+        const char* pitch;
+        const char* stems;
+    } cases[] = {
+        {"across the middle line", stemmed("c5:w", "down"), 0, "a4", "up"},
+        {"against the rule before", stemmed("c5:w", "up"), 0, "a4", "up"},
+        {"to the middle line", stemmed("a4:w", "up"), 0, "b4", "up"},
+        {"no stem", stemmed("c5:w", "none"), 0, "a4", "none"},
+        {"the farthest note of a chord decides",
+         note("g4:w", stemmedChord) + chordNote("c5:w", stemmedChord) + chordNote("d5:w", stemmedChord), 0,
+         "a4", "down down down"},
+        {"a chord that lies evenly", note("g4:w", stemmedChord) + chordNote("c5:w", stemmedChord), 0, "a4",
+         "up up"},
+        {"a beamed group turns as one",
+         stemmed("e5:e", "down", "begin") + stemmed("b4:e", "down", "continue") +
+             stemmed("f5:e", "down", "end") + stemmed("c5:e", "down"),
+         1, "d4", "up up up down"},
+        {"a group that the barline cuts",
+         stemmed("e5:e", "down", "begin") + stemmed("f5:e", "down", "continue"), 1, "d4", "down down"},
+        {"bass clef", clef("F", 4) + stemmed("c3:w", "up"), 0, "f3", "down"},
+        {"the clef inside the measure", stemmed("c5:h", "down") + clef("F", 4) + stemmed("c3:h", "up"), 1,
+         "f3", "down down"},
+        {"tablature has other rules", clef("TAB", 5) + stemmed("c5:w", "down"), 0, "a4", "down"},
+        {"two voices", stemmed("c5:w", "up") + backup(4) + voice("2", "r:w"), 0, "a4", "up"},
+        {"two voices, by the rule", stemmed("c5:w", "down") + backup(4) + voice("2", "r:w"), 0, "a4", "down"},
+        {"a grace note",
+         "<note><grace/><pitch><step>A</step><octave>4</octave></pitch><stem>up</stem></note>", 0, "c5",
+         "up"},
+    };
+    for (const auto& stem : cases) {
+        SCOPED_TRACE(stem.name);
+        OpenScore score = open(scoreOf({stem.measure}));
+        score.setPitch(stem.pitch, stem.entry);
+        EXPECT_EQ(stemsIn(score.written()), stem.stems);
+    }
+}
+
+TEST(StemEdits, endsThatBecameWrongAreDropped) {
+    const std::string first =
+        note("e5:e", "<stem default-y=\"-55\" color=\"red\">down</stem><beam>begin</beam>");
+    const std::string second = note("d5:e", "<stem default-y=\"-50\">down</stem><beam>end</beam>");
+    OpenScore score = open(scoreOf({first + second}));
+    score.setPitch("f5");
+    EXPECT_EQ(score.written(),
+              scoreOf({note("f5:e", "<stem color=\"red\">down</stem><beam>begin</beam>") + second}));
+    score.setPitch("c4");
+    EXPECT_EQ(score.written(), scoreOf({note("c4:e", "<stem color=\"red\">up</stem><beam>begin</beam>") +
+                                        note("d5:e", "<stem>up</stem><beam>end</beam>")}));
+}
+
+TEST(ScoreWriting, whatDoesNotMoveWithTheNotesIsTold) {
+    const std::string harmony = "<harmony><root><root-step>C</root-step></root><kind>major</kind></harmony>";
+    const std::string fret = "<notations><technical><string>2</string><fret>1</fret></technical></notations>";
+    const OpenScore still = open(scoreOf({harmony + note("c4:h", fret) + note("d4:h")}));
+    EXPECT_TRUE(still.file.write(still.document, musicxml::Container::plain).value().notices.empty());
+    OpenScore moved = open(scoreOf({harmony + note("c4:h", fret) + note("d4:h")}));
+    moved.setPitch("e4");
+    moved.setPitch("f4", 1);
+    EXPECT_EQ(
+        moved.file.write(moved.document, musicxml::Container::plain).value().notices,
+        (std::vector<std::string>{
+            "test.musicxml:4: chord symbols and figured bass stay as they are where notes changed (measure "
+            "1)",
+            "test.musicxml:4: string and fret numbers stay as they are where notes changed (measure 1)"}));
+}
+
+// What cannot be written is refused as a whole.
+TEST(ScoreWriting, refusals) {
+    const std::string bytes = scoreOf({note("c4:h") + note("d4:h"), note("e4:w")});
+    const std::string rearranged =
+        "test.musicxml:4: entries were added, removed or changed in time, which cannot be written yet "
+        "(measure 1). "
+        "Choose a transformation that changes pitches only.";
+    using Entries = std::vector<EXENTRY>;
+    const struct {
+        const char* name;
+        void (*edit)(Entries&);
+        std::string message;
+    } cases[] = {
+        {"removed at the end", [](Entries& entries) { entries.pop_back(); }, rearranged},
+        {"removed at the start", [](Entries& entries) { entries.erase(entries.begin()); }, rearranged},
+        {"added", [](Entries& entries) { entries.emplace_back().entryNumber = 99; }, rearranged},
+        {"order", [](Entries& entries) { std::swap(entries[0], entries[1]); }, rearranged},
+        {"duration", [](Entries& entries) { entries[0].duration = 1024; }, rearranged},
+        {"note became a rest",
+         [](Entries& entries) {
+             entries[0].noteCount = 0;
+             entries[0].entryFlags &= ~ENTRY_NOTE;
+         },
+         rearranged},
+        {"note ids", [](Entries& entries) { entries[0].notes[0].noteId = 2; }, rearranged},
+        {"octave", [](Entries& entries) { entries[0].notes[0].displacement = -29; },
+         "test.musicxml:4: a note would leave the octaves 0 to 9, which is all that the file format has "
+         "(measure 1). "
+         "Choose a smaller interval or a nearer axis."},
+        {"tie", [](Entries& entries) { entries[0].notes[0].noteFlags |= NOTE_TIE_START; },
+         "test.musicxml:4: a note has gained a tie that the score lacks (measure 1). Choose another "
+         "transformation: "
+         "this one cannot be written yet."},
+    };
+    for (const auto& refusal : cases) {
+        SCOPED_TRACE(refusal.name);
+        OpenScore score = open(bytes);
+        Entries entries = score.document.entries({1, 1, 0}).expanded();
+        refusal.edit(entries);
+        engine::PackedEntries packed(entries);
+        score.document.exchangeEntries({1, 1, 0}, packed);
+        const auto written = score.file.write(score.document, musicxml::Container::plain);
+        ASSERT_FALSE(written.ok());
+        EXPECT_EQ(written.problem().text(), refusal.message);
+    }
+    OpenScore emptied = open(bytes);
+    engine::PackedEntries none;
+    emptied.document.exchangeEntries({1, 2, 0}, none);
+    EXPECT_FALSE(emptied.file.write(emptied.document, musicxml::Container::plain).ok());
+}
+
+// Whatever pitches and accidentals the document is given, the written score reads as the same.
+RC_GTEST_PROP(ScoreWriting, readsBackAsWritten, ()) {
+    const int fifths = *rc::gen::inRange(-7, 8);
+    const std::string key = "<attributes><divisions>4</divisions><key><fifths>" + std::to_string(fifths) +
+                            "</fifths></key><clef><sign>F</sign><line>4</line></clef></attributes>";
+    OpenScore score =
+        open(scoreOf({stemmed("c#3:e", "up", "begin") + stemmed("eb3:e", "up", "end") +
+                      note("g3:q", "<accidental>natural</accidental>") + chordNote("b3:q") + note("r:h")},
+                     key));
+    const engine::KeySignature& signature = score.document.staffMeasure(1, 1).key;
+    engine::PackedEntries entries = score.document.entries({1, 1, 0}).copy();
+    for (engine::StoredEntry& entry : entries) {
+        for (ENOTE& note : entry.notes()) {
+            signature.store({*rc::gen::inRange(-28, 35), *rc::gen::inRange(-4, 5)}, note);
+            note.noteFlags = *rc::gen::element(0U, NOTE_FLAG24);
+        }
+        // The host keeps the notes of a chord sorted.
+        std::ranges::sort(entry.notes(), [](const ENOTE& left, const ENOTE& right) {
+            return std::pair(left.displacement, left.alteration) <
+                   std::pair(right.displacement, right.alteration);
+        });
+    }
+    score.document.exchangeEntries({1, 1, 0}, entries);
+    const std::string written = score.written();
+    const OpenScore again = open(written);
+    RC_ASSERT(textOf(again.document) == textOf(score.document));
+    RC_ASSERT(again.written() == written);
+}
+
+}  // namespace
+}  // namespace rovescio::test

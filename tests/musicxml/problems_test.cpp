@@ -1,0 +1,169 @@
+// Files that cannot be read, and the one line that each is answered with.
+#include <gtest/gtest.h>
+
+#include "musicxml/score_builder.h"
+
+namespace rovescio::test {
+namespace {
+
+struct ProblemCase {
+    const char* name;
+    std::string bytes;
+    std::string message;
+};
+
+std::string withNote(const std::string& children) {
+    return scoreOf({"\n<note>" + children + "</note>"});
+}
+
+std::string withAttributes(const std::string& children) {
+    return scoreOf({"\n<attributes>" + children + "</attributes>"});
+}
+
+std::string nested(int depth) {
+    std::string text = "<score-partwise>\n";
+    for (int i = 0; i < depth; ++i) text += "<a>";
+    return text;
+}
+
+std::vector<ProblemCase> xmlProblems() {
+    const std::string sound = scoreOf({note("c4:w")});
+    const std::string brokeOff = "the file ends in the middle of the score";
+    const std::string getAgain = ". It was probably cut off while it was copied or saved: get it again.";
+    const std::string repair = "Export the score again, or repair that line in a text editor.";
+    return {
+        {"empty", "", "1: the file is empty. Give a MusicXML score."},
+        {"blank", " \n\n ", "1: the file is empty. Give a MusicXML score."},
+        {"not XML", "%PDF-1.7 pages\n",
+         "1: this is not an XML file. Give a MusicXML score, for example one exported by a notation "
+         "program."},
+        {"cut off in an element", sound.substr(0, sound.find("</measure>")),
+         "4: " + brokeOff + " (measure 1)" + getAgain},
+        {"cut off in a tag", sound.substr(0, sound.find("step>") + 2),
+         "4: " + brokeOff + " (measure 1)" + getAgain},
+        {"cut off in an attribute", "<score-partwise version=\"4.", "1: " + brokeOff + getAgain},
+        {"cut off in a comment", "<score-partwise>\n<!-- never", "2: " + brokeOff + getAgain},
+        {"wrong end tag", "<score-partwise>\n<part-list>\n</part></score-partwise>",
+         "3: the XML is not well-formed: another end tag stands where <part-list> should end. " + repair},
+        {"no tag", "<score-partwise>\n< part/></score-partwise>",
+         "2: the XML is not well-formed: no tag can begin here. " + repair},
+        {"second root", sound + "<score-partwise/>",
+         "7: the XML is not well-formed: no tag can begin here. " + repair},
+        {"nested too deep", nested(300),
+         "2: elements are nested more than 256 deep. No score needs this: export it again."},
+        {"entities", "<!DOCTYPE x [\n<!ENTITY a \"aaaa\">\n]>\n<score-partwise/>",
+         "2: the document type declares entities, which could expand without bound. Remove the declarations "
+         "between [ and ] in the DOCTYPE line."},
+        {"unknown encoding", "<?xml version=\"1.0\" encoding=\"EBCDIC-XY\"?><score-partwise/>",
+         "1: the encoding \"EBCDIC-XY\" is not known. Export the score again as UTF-8."},
+        {"broken UTF-16", std::string("\xFF\xFE<\0\n\0\0\xD8x\0", 10),
+         "2: the file is not in the encoding UTF-16LE that it names. Export the score again as UTF-8."},
+    };
+}
+
+std::vector<ProblemCase> scoreProblems() {
+    const std::string pitchRemedy =
+        " (measure 1). Correct the note's pitch in a notation program or text editor.";
+    const std::string noteRemedy = " (measure 1). Correct the note in a notation program or text editor.";
+    const std::string pitch = "<pitch><step>C</step><octave>4</octave></pitch>";
+    std::string voices;
+    for (int i = 1; i <= 9; ++i) voices += (i > 1 ? backup(4) : "\n") + voice(std::to_string(i), "c4:w");
+    return {
+        {"another format", "\n<opus version=\"4.0\"><title/></opus>",
+         "2: this is XML but not a score: its root element is <opus>. Give a file whose root is "
+         "<score-partwise> "
+         "or <score-timewise>."},
+        {"no part", "<score-partwise>\n<part-list/></score-partwise>",
+         "1: the score has no part. Give a score with music in it."},
+        {"no measure", scoreOf({}), "1: the score has no measure. Give a score with music in it."},
+        {"unlisted part", "<score-partwise><part-list/>\n<part id=\"P9\"/></score-partwise>",
+         "2: the part \"P9\" is not in the part list. Add a <score-part> with that id to the <part-list>."},
+        {"part twice",
+         "<score-partwise><part-list><score-part id=\"A\"/></part-list><part id=\"A\"/>\n<part id=\"A\"/>"
+         "</score-partwise>",
+         "2: the part \"A\" appears twice. Give every <part> an id of its own."},
+        {"no duration", withNote(pitch),
+         "5: a note has no duration (measure 1). Give it a <duration>; only grace notes have none."},
+        {"duration in words", withNote(pitch + "<duration>long</duration>"),
+         "5: the duration \"long\" is not a positive number" + noteRemedy},
+        {"negative duration", withNote(pitch + "<duration>-4</duration>"),
+         "5: the duration \"-4\" is not a positive number" + noteRemedy},
+        {"endless duration", withNote(pitch + "<duration>99999999999999999999</duration>"),
+         "5: the duration \"99999999999999999999\" is not a positive number" + noteRemedy},
+        {"duration of years", withNote(pitch + "<duration>999999999</duration>"),
+         "5: the duration of a note is beyond what can be counted (measure 1). Correct the note's <duration> "
+         "or the "
+         "<divisions> of the part."},
+        {"backup without duration", scoreOf({"\n<backup/>"}),
+         "5: the duration of a <backup> is missing or unusable: \"\" (measure 1). Give it a positive number "
+         "of "
+         "divisions."},
+        {"no divisions", withAttributes("<divisions>0</divisions>"),
+         "5: the divisions of a quarter note, \"0\", are not a usable positive number (measure 1). Set "
+         "<divisions> "
+         "to the number of durations that make a quarter note."},
+        {"step", withNote("<pitch><step>H</step><octave>4</octave></pitch>"),
+         "5: the step \"H\" is not one of the letters A to G" + pitchRemedy},
+        {"no step", withNote("<pitch><octave>4</octave></pitch>"),
+         "5: the step \"\" is not one of the letters A to G" + pitchRemedy},
+        {"octave", withNote("<pitch><step>C</step><octave>four</octave></pitch>"),
+         "5: the octave \"four\" is not an octave number" + pitchRemedy},
+        {"alter", withNote("<pitch><step>C</step><alter>1000</alter><octave>4</octave></pitch>"),
+         "5: the alteration \"1000\" is not a number of semitones" + pitchRemedy},
+        {"key", withAttributes("<key><fifths>sharp</fifths></key>"),
+         "5: the key signature \"sharp\" is not a number of sharps or flats (measure 1). Correct the key "
+         "signature; "
+         "flats are negative."},
+        {"staff", withNote(pitch + "<duration>4</duration><staff>0</staff>"),
+         "5: the staff \"0\" is not a staff number (measure 1). Number the staves of a part from 1."},
+        {"too many staves", withAttributes("<staves>99999</staves>"),
+         "5: the part \"Flute\" has too many staves and measures (measure 1). Split the score, or correct "
+         "the staff "
+         "numbers."},
+        {"too many voices", scoreOf({voices}),
+         "5: staff 1 of part \"Flute\" has more than 8 voices (measure 1). Move voices of this measure to "
+         "another "
+         "staff."},
+    };
+}
+
+TEST(ScoreProblems, brokenXml) {
+    for (const ProblemCase& problem : xmlProblems()) {
+        SCOPED_TRACE(problem.name);
+        EXPECT_EQ(problemOf(problem.bytes), "test.musicxml:" + problem.message);
+    }
+}
+
+TEST(ScoreProblems, brokenMusic) {
+    for (const ProblemCase& problem : scoreProblems()) {
+        SCOPED_TRACE(problem.name);
+        EXPECT_EQ(problemOf(problem.bytes), "test.musicxml:" + problem.message);
+    }
+}
+
+TEST(ScoreProblems, everyCutOfAScoreIsRefused) {
+    const std::string sound = scoreOf({note("f#4:h", "<accidental>sharp</accidental>") + note("r:h")});
+    const std::size_t whole = sound.find_last_of('>') + 1;
+    for (std::size_t size = 0; size < whole; ++size) {
+        EXPECT_NE(problemOf(sound.substr(0, size)), "") << "cut at " << size;
+    }
+    EXPECT_EQ(problemOf(sound.substr(0, whole)), "");
+}
+
+TEST(ScoreProblems, largerThanAllowed) {
+    const std::string sound = scoreOf({note("c4:w")});
+    EXPECT_EQ(problemOf(sound, {sound.size()}), "");
+    EXPECT_EQ(problemOf(sound, {sound.size() - 1}), "test.musicxml: the score is larger than " +
+                                                        std::to_string(sound.size() - 1) +
+                                                        " bytes. Split the score, or raise --max-size.");
+}
+
+TEST(ScoreProblems, moreMeasuresThanTheHostCounts) {
+    const std::vector<std::string> measures(32768, "");
+    EXPECT_EQ(
+        problemOf(scoreOf(measures)),
+        "test.musicxml:32771: the score has more than 32767 measures (measure 32768). Split the score.");
+}
+
+}  // namespace
+}  // namespace rovescio::test

@@ -1,0 +1,290 @@
+// What the document holds after a score was read.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "musicxml/score_builder.h"
+#include "support/score_text.h"
+
+namespace rovescio::test {
+namespace {
+
+// Contents of a measure, and the text of its frames.
+struct FrameText {
+    short staff;
+    short layer;
+    std::string text;
+};
+
+struct ReadingCase {
+    const char* name;
+    std::string measure;
+    std::vector<FrameText> frames;
+};
+
+const std::string kTriplet =
+    "<time-modification><actual-notes>3</actual-notes><normal-notes>2</normal-notes></time-modification>";
+
+// A note whose duration and type are given as they stand.
+std::string timed(const std::string& step, const std::string& duration, const std::string& more) {
+    return "<note><pitch><step>" + step + "</step><octave>4</octave></pitch><duration>" + duration +
+           "</duration>" + more + "</note>";
+}
+
+std::string onStaff(const std::string& notes, int staff) {
+    return voice(std::to_string(4 * staff - 3), notes, "<staff>" + std::to_string(staff) + "</staff>");
+}
+
+std::vector<ReadingCase> readingCases() {
+    std::string tall = note("c3:w");
+    for (const char* pitch : {"d3", "e3", "f3", "g3", "a3", "b3", "c4", "d4", "e4", "f4", "g4", "a4"}) {
+        tall += chordNote(std::string(pitch) + ":w");
+    }
+    return {
+        {"notes, rests and written accidentals",
+         note("c4:q") + note("f#4:q", "<accidental>sharp</accidental>") +
+             note("bb3:q", "<accidental parentheses=\"yes\">flat</accidental>") + note("r:q"),
+         {{1, 0, "c4:q f#4!:q bb3!+:q r:q"}}},
+        {"chords are sorted upward",
+         note("e5:h") + chordNote("c4:h") + chordNote("g4:h") + note("r:h"),
+         {{1, 0, "<c4 g4 e5>:h r:h"}}},
+        {"ties by either element",
+         note("c4:h", "<notations><tied type=\"start\"/></notations>") +
+             "<note><pitch><step>C</step><octave>4</octave></pitch><duration>8</duration><tie type=\"stop\"/>"
+             "<tie type=\"start\"/></note>",
+         {{1, 0, "c4~:h c4~^:h"}}},
+        {"dots and tuplets, nested ones multiplied",
+         timed("C", "6", "<type>quarter</type><dot/>") + timed("D", "1.333333", "<type>quarter</type>") +
+             timed("E", "2", "<type>eighth</type>") + "<attributes><divisions>9</divisions></attributes>" +
+             timed("F", "3", "<type>eighth</type>" + kTriplet) +
+             timed("G", "2",
+                   "<type>16th</type><time-modification><actual-notes>9</actual-notes>"
+                   "<normal-notes>8</normal-notes></time-modification>"),
+         {{1, 0, "c4:q. d4:341 e4:e f4:e*3:2 g4:s*9:8"}}},
+        {"the sounding duration where the type does not agree",
+         timed("C", "16", "<type>half</type>"),
+         {{1, 0, "c4:w"}}},
+        {"grace notes take no time, cue notes do",
+         "<note><grace slash=\"yes\"/><pitch><step>D</step><octave>5</octave></pitch></note>" + note("c5:h") +
+             "<note><cue/><pitch><step>E</step><octave>5</octave></pitch><duration>8</duration>"
+             "<type>half</type></note>",
+         {{1, 0, "/d5:e c5:h e5:h"}}},
+        {"voices in order of their numbers",
+         voice("10", "c4:w") + backup(4) + voice("2", "e4:w") + backup(4) + voice("x", "g4:w"),
+         {{1, 0, "e4:w"}, {1, 1, "c4:w"}, {1, 2, "g4:w"}, {1, 3, ""}}},
+        {"a voice in another staff is a voice of that staff",
+         "<attributes><staves>2</staves></attributes>" + onStaff("c5:h", 1) +
+             voice("1", "c4:h", "<staff>2</staff>") + backup(4) + onStaff("c3:w", 2),
+         {{1, 0, "c5:h"}, {2, 0, "c4:h"}, {2, 1, "c3:w"}}},
+        {"a chord across staves",
+         onStaff("c5:w", 1) + chordNote("c3:w", "<staff>2</staff>") + chordNote("e5:w"),
+         {{1, 0, "<c5 e5>:w"}, {2, 0, "c3:w"}}},
+        {"a chord too large for one entry", tall, {{1, 0, "<c3 d3 e3 f3 g3 a3 b3 c4 d4 e4 f4 g4>:w a4:w"}}},
+        {"a quarter-tone counts as the semitone below",
+         "<note><pitch><step>B</step><alter>-0.5</alter><octave>4</octave></pitch><duration>16</duration>"
+         "</note>",
+         {{1, 0, "bb4:w"}}},
+        {"values behind comments, references and marked sections",
+         "<note><pitch><step><!-- no --><![CDATA[G]]></step><octave>&#52;</octave></pitch>"
+         "<duration> 16\n</duration></note>",
+         {{1, 0, "g4:w"}}},
+    };
+}
+
+TEST(ScoreReading, entriesOfAMeasure) {
+    for (const ReadingCase& reading : readingCases()) {
+        SCOPED_TRACE(reading.name);
+        const OpenScore score = open(scoreOf({reading.measure}));
+        EXPECT_TRUE(score.file.notices().empty());
+        for (const FrameText& frame : reading.frames) {
+            EXPECT_EQ(textOf(score.document, frame.staff, frame.layer), frame.text);
+        }
+    }
+}
+
+TEST(ScoreReading, positionsStayExactAcrossTupletsAndDivisions) {
+    std::string measure;
+    for (int i = 0; i < 6; ++i) measure += timed("C", "0.666666", "");  // not quite a sixth
+    measure += "<attributes><divisions>3</divisions></attributes>";
+    for (int i = 0; i < 3; ++i) measure += timed("D", "1", "<type>eighth</type>" + kTriplet);
+    measure += "<forward><duration>3</duration></forward>" + timed("E", "3", "");
+    const OpenScore score = open(scoreOf({measure}));
+    std::vector<std::int32_t> positions;
+    for (const engine::StoredEntry& entry : score.document.entries({1, 1, 0}))
+        positions.push_back(entry.elapsed);
+    EXPECT_EQ(positions, (std::vector<std::int32_t>{0, 170, 341, 511, 682, 853, 1023, 1365, 1706, 3071}));
+}
+
+TEST(ScoreReading, fifthToEighthVoiceAreSecondVoicesOfTheirLayers) {
+    std::string measure;
+    for (int number = 1; number <= 8; ++number) {
+        if (number > 1) measure += backup(4);
+        measure += voice(std::to_string(number), "c" + std::to_string(number) + ":h r:h");
+    }
+    const OpenScore score = open(scoreOf({measure}));
+    EXPECT_EQ(textOf(score.document, 1, 0), "c1:h c5:h r:h r:h");
+    EXPECT_EQ(textOf(score.document, 1, 3), "c4:h c8:h r:h r:h");
+    std::vector<std::uint32_t> marks;
+    for (const engine::StoredEntry& entry : score.document.entries({1, 1, 2})) {
+        marks.push_back(entry.entryFlags & (ENTRY_STARTS_VOICE2 | ENTRY_VOICE2));
+    }
+    EXPECT_EQ(marks, (std::vector<std::uint32_t>{ENTRY_STARTS_VOICE2, ENTRY_VOICE2, ENTRY_VOICE2, 0}));
+}
+
+TEST(ScoreReading, keysBecomeWordsByTheirThird) {
+    const struct {
+        const char* key;
+        std::uint16_t word;
+    } cases[] = {
+        {"<fifths>2</fifths>", 0x0002},
+        {"<fifths>-3</fifths><mode>minor</mode>", 0x01FD},
+        {"<fifths>-1</fifths><mode>dorian</mode>", 0x01FF},
+        {"<fifths>1</fifths><mode>lydian</mode>", 0x0001},
+        {"<fifths>0</fifths><mode>mixolydian</mode>", 0x0000},
+        {"<fifths>3</fifths><mode>locrian</mode>", 0x0103},
+        {"<key-step>F</key-step><key-alter>1</key-alter><key-step>B</key-step><key-alter>-1</key-alter>",
+         0x4000},
+    };
+    for (const auto& key : cases) {
+        SCOPED_TRACE(key.key);
+        const OpenScore score = open(scoreOf({"<attributes><key>" + std::string(key.key) +
+                                              "</key></attributes>" + note("f#4:h") + note("bb4:h")}));
+        EXPECT_EQ(score.document.staffMeasure(1, 1).key.word(), key.word);
+        EXPECT_EQ(textOf(score.document), "f#4:h bb4:h");
+    }
+}
+
+TEST(ScoreReading, keyChangesCountFromTheNextMeasure) {
+    const std::string twoSharps = "<attributes><key><fifths>2</fifths></key></attributes>";
+    const OpenScore score = open(scoreOf({
+        note("c4:h") + twoSharps + note("f#4:h"),                                                // inside
+        note("f#4:w") + "<attributes><key number=\"1\"><fifths>-1</fifths></key></attributes>",  // at the end
+        note("bb4:w"),
+    }));
+    EXPECT_EQ(textOf(score.document), "c4:h f#4:h | f#4:w | bb4:w");
+    const auto word = [&](short measure) { return score.document.staffMeasure(1, measure).key.word(); };
+    EXPECT_EQ(word(1), 0);
+    EXPECT_EQ(word(2), 2);
+    EXPECT_EQ(word(3), 0xFF);
+    EXPECT_EQ(score.document.keyAt(1, 1, 2047).word(), 0);
+    EXPECT_EQ(score.document.keyAt(1, 1, 2048).word(), 2);
+    EXPECT_TRUE(score.document.staffMeasure(1, 1).changesInside);
+    EXPECT_FALSE(score.document.staffMeasure(1, 2).changesInside);
+}
+
+TEST(ScoreReading, onlyAClefThatIsAnotherOneChangesInside) {
+    const auto clef = [](const std::string& sign, int line) {
+        return "<attributes><clef><sign>" + sign + "</sign><line>" + std::to_string(line) +
+               "</line></clef></attributes>";
+    };
+    const OpenScore score =
+        open(scoreOf({note("c4:h") + clef("G", 2) + note("c4:h"), note("c4:h") + clef("F", 4) + note("c4:h"),
+                      clef("C", 3) + note("c4:w")}));
+    EXPECT_FALSE(score.document.staffMeasure(1, 1).changesInside);
+    EXPECT_TRUE(score.document.staffMeasure(1, 2).changesInside);
+    EXPECT_FALSE(score.document.staffMeasure(1, 3).changesInside);
+}
+
+TEST(ScoreReading, measuresAreAsLongAsTheirTime) {
+    const auto time = [](const std::string& contents) {
+        return "<attributes><divisions>4</divisions><time>" + contents + "</time></attributes>";
+    };
+    const struct {
+        const char* name;
+        std::string attributes;
+        bool implicit;
+        std::int32_t duration;
+        std::int32_t beat;
+    } cases[] = {
+        {"short contents", time("<beats>4</beats><beat-type>4</beat-type>"), false, 4096, 1024},
+        {"pick-up", time("<beats>4</beats><beat-type>4</beat-type>"), true, 1024, 1024},
+        {"sum of beats", time("<beats>3+2</beats><beat-type>8</beat-type>"), false, 2560, 512},
+        {"several signatures",
+         time("<beats>2</beats><beat-type>4</beat-type><beats>3</beats><beat-type>8</beat-type>"), false,
+         3584, 1024},
+        {"free", time("<senza-misura/>"), false, 1024, 1024},
+        {"none", "<attributes><divisions>4</divisions></attributes>", false, 1024, 1024},
+    };
+    for (const auto& measure : cases) {
+        SCOPED_TRACE(measure.name);
+        std::string xml = scoreOf({note("c4:q"), ""}, measure.attributes);
+        if (measure.implicit) xml.insert(xml.find(" number="), " implicit=\"yes\"");
+        const OpenScore score = open(xml);
+        EXPECT_EQ(score.document.staffMeasure(1, 1).duration, measure.duration);
+        EXPECT_EQ(score.document.staffMeasure(1, 1).beat, measure.beat);
+    }
+}
+
+TEST(ScoreReading, percussionIsOffTheScales) {
+    const std::string drum =
+        "<note><unpitched><display-step>E</display-step><display-octave>4</display-octave></unpitched>"
+        "<duration>16</duration></note>";
+    const OpenScore score = open(
+        scoreOf({drum}, "<attributes><divisions>4</divisions><key><fifths>2</fifths></key></attributes>"));
+    EXPECT_TRUE(score.document.staff(1).unpitched);
+    EXPECT_EQ(score.document.staffMeasure(1, 1).key.word(), 0x4000);
+    EXPECT_EQ(textOf(score.document), "e4:w");
+    EXPECT_EQ(engine::entryState(score.document.entries({1, 1, 0})[0]).unpitched, 1);
+
+    const OpenScore clef = open(
+        scoreOf({note("g4:w")},
+                "<attributes><divisions>4</divisions><clef><sign>percussion</sign></clef></attributes>"));
+    EXPECT_TRUE(clef.document.staff(1).unpitched);
+}
+
+TEST(ScoreReading, linesOfTheNoteMarkItsEntry) {
+    const OpenScore score =
+        open(scoreOf({note("c4:q", "<notations><slur type=\"start\"/></notations>") + note("d4:q") +
+                      note("e4:q") + chordNote("g4:q", "<notations><slide type=\"stop\"/></notations>") +
+                      note("f4:q", "<notations><fermata/></notations>")}));
+    std::vector<int> marks;
+    for (const engine::StoredEntry& entry : score.document.entries({1, 1, 0}))
+        marks.push_back(entry.updateFlags);
+    EXPECT_EQ(marks, (std::vector<int>{ENTRY_HAS_SHAPES, 0, ENTRY_HAS_SHAPES, 0}));
+}
+
+// Two parts; the second is shorter, has two staves and is written for a transposing instrument.
+const std::string kParts =
+    "<part-list><score-part id=\"A\"><part-name>Oboe</part-name></score-part>"
+    "<score-part id=\"B\"><part-name></part-name></score-part></part-list>";
+const std::string kTimewise =
+    "<score-timewise><work><work-title>Echo &amp; Answer</work-title></work>"
+    "<identification><creator type=\"lyricist\">N. N.</creator><creator type=\"composer\">A. Author</creator>"
+    "</identification>" +
+    kParts + "<measure number=\"X1\"><part id=\"A\">" + kCommonAttributes + note("c4:w") +
+    "</part><part id=\"B\">" +
+    "<attributes><divisions>4</divisions><key><fifths>2</fifths></key><staves>2</staves>"
+    "<transpose><chromatic>-2</chromatic></transpose></attributes>" +
+    note("d4:w") + backup(4) + onStaff("d3:w", 2) +
+    "</part></measure><measure number=\"X2\"><part id=\"A\">" + note("e4:w") +
+    "</part></measure></score-timewise>";
+
+TEST(ScoreReading, partsAndStavesInScoreOrder) {
+    const OpenScore score = open(kTimewise);
+    ASSERT_EQ(score.document.staffCount(), 3);
+    ASSERT_EQ(score.document.measureCount(), 2);
+    EXPECT_EQ(score.document.staff(1).name, "Oboe");
+    EXPECT_EQ(score.document.staff(3).name, "B");
+    EXPECT_EQ(score.document.measure(2).label, "X2");
+    EXPECT_EQ(textOf(score.document, 1), "c4:w | e4:w");
+    EXPECT_EQ(textOf(score.document, 2), "d4:w |");
+    EXPECT_EQ(textOf(score.document, 3), "d3:w |");
+    EXPECT_EQ(score.document.staffMeasure(3, 2).key.word(), 2);
+    EXPECT_EQ(score.file.summary().title, "Echo & Answer");
+    EXPECT_EQ(score.file.summary().composer, "A. Author");
+}
+
+TEST(ScoreReading, strangeThingsAreToldOnce) {
+    const OpenScore score = open(scoreOf(
+        {note("c4:q") + backup(2) + "<odd/>" + note("c4:q") + backup(2) + "\n<odd/>" + chordNote("e4:q")}));
+    EXPECT_EQ(
+        score.file.notices(),
+        (std::vector<std::string>{
+            "test.musicxml:4: a <backup> leads before the start of the measure; it is taken to lead to the "
+            "start (measure 1)",
+            "test.musicxml:4: the element <odd> is not known here; it is kept as it is (measure 1)",
+            "test.musicxml:5: a chord note follows no note; it is taken to stand alone (measure 1)"}));
+}
+
+}  // namespace
+}  // namespace rovescio::test

@@ -1,0 +1,114 @@
+// Scores that nothing changed come out byte for byte.
+#include <gtest/gtest.h>
+
+#include <utility>
+
+#include "musicxml/score_builder.h"
+
+namespace rovescio::test {
+namespace {
+
+struct RoundTripCase {
+    const char* name;
+    std::string bytes;
+};
+
+// UTF-16 of ASCII text.
+std::string wide(const std::string& text, bool bigEndian) {
+    std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
+    for (const char c : text) {
+        if (bigEndian) bytes += '\0';
+        bytes += c;
+        if (!bigEndian) bytes += '\0';
+    }
+    return bytes;
+}
+
+std::string replaceAll(std::string text, const std::string& from, const std::string& to) {
+    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+const std::string kPlain = scoreOf({note("c4:h") + note("d4:h"), note("e4:w")});
+
+std::vector<RoundTripCase> roundTripCases() {
+    const std::string odd =
+        "<?xml version='1.0' encoding='UTF-8' standalone=\"no\"?>\n"
+        "<!DOCTYPE score-partwise PUBLIC \"-//Recordare//DTD MusicXML 4.0 Partwise//EN\"\n"
+        "  \"http://www.musicxml.org/dtds/partwise.dtd\" [ <!ATTLIST note id CDATA #IMPLIED> ]>\n"
+        "<!-- a comment with <note> and > in it --><?page break?>\n" +
+        scoreOf({"<direction placement=\"above\"><direction-type><words>L\xC3\xA9g\xC3\xA8rement &amp; "
+                 "\xE2\x99\xAD "
+                 "&#x266D;</words></direction-type></direction>\n\t  " +
+                 note("c4:w", "<lyric><text><![CDATA[</note>]]></text></lyric><play id = 'a>b' />") +
+                 "<?eof > ?><barline><bar-style>light-heavy</bar-style></barline><custom:thing/>"});
+    return {
+        {"plain", kPlain},
+        {"markup of every kind", odd},
+        {"carriage returns", replaceAll(kPlain, "\n", "\r\n")},
+        {"byte order mark", "\xEF\xBB\xBF" + kPlain},
+        {"UTF-16, little end first", wide("<?xml version=\"1.0\" encoding=\"UTF-16\"?>" + kPlain, false)},
+        {"UTF-16, big end first", wide(kPlain, true)},
+        {"UTF-16 without a mark", wide(kPlain, false).substr(2)},
+        {"Latin-1",
+         "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + replaceAll(kPlain, "Flute", "Fl\xF6te")},
+        {"Windows-1252", "<?xml version=\"1.0\" encoding='windows-1252'?>" + replaceAll(kPlain, "Flute",
+                                                                                        "\x93"
+                                                                                        "A\x94")},
+        {"bytes that are not the UTF-8 they claim", replaceAll(kPlain, "Flute", "Fl\xF6te")},
+        {"text behind the root element", kPlain + "\n<!-- end --><?done?>\n\n"},
+    };
+}
+
+TEST(RoundTrip, bytesStayTheSame) {
+    for (const RoundTripCase& trip : roundTripCases()) {
+        SCOPED_TRACE(trip.name);
+        EXPECT_EQ(open(trip.bytes).written(), trip.bytes);
+    }
+}
+
+TEST(RoundTrip, framesExchangedForThemselvesChangeNothing) {
+    const std::string notes =
+        note("c4:q", "<accidental cautionary=\"yes\">natural</accidental><stem default-y=\"3\">down</stem>") +
+        note("f#5:q", "<accidental>sharp</accidental><stem>up</stem>") +
+        "<note><pitch><step>B</step><alter>0</alter><octave>4</octave></pitch><duration>8</duration>"
+        "<tie type=\"start\"/><notations><tied type=\"start\"/><tied type=\"let-ring\"/></notations></note>";
+    const std::string bytes = scoreOf({notes, note("c4:w")});
+    OpenScore score = open(bytes);
+    for (short measure = 1; measure <= 2; ++measure) {
+        engine::PackedEntries entries = score.document.entries({1, measure, 0}).copy();
+        score.document.exchangeEntries({1, measure, 0}, entries);
+    }
+    EXPECT_EQ(score.written(), bytes);
+}
+
+TEST(RoundTrip, placeholdersOfRestsAreNoNotes) {
+    const std::string bytes = scoreOf({note("r:w")});
+    OpenScore score = open(bytes);
+    std::vector<EXENTRY> entries = score.document.entries({1, 1, 0}).expanded();
+    entries[0].noteCount = 1;
+    entries[0].notes[0].noteFlags = NOTE_PLACEHOLDER;
+    engine::PackedEntries packed(entries);
+    score.document.exchangeEntries({1, 1, 0}, packed);
+    EXPECT_EQ(score.written(), bytes);
+}
+
+// An edit in each encoding must land at the right place and in the right bytes.
+TEST(RoundTrip, editsAreEncodedLikeTheFile) {
+    const std::string latin =
+        "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + replaceAll(kPlain, "Flute", "Fl\xF6te");
+    const std::pair<std::string, std::string> cases[] = {
+        {wide(kPlain, true), wide(replaceAll(kPlain, "<step>C</step>", "<step>G</step>"), true)},
+        {latin, replaceAll(latin, "<step>C</step>", "<step>G</step>")},
+    };
+    for (const auto& [before, after] : cases) {
+        OpenScore score = open(before);
+        score.setPitch("g4");
+        EXPECT_EQ(score.written(), after);
+    }
+}
+
+}  // namespace
+}  // namespace rovescio::test

@@ -1,0 +1,129 @@
+// Building and opening of small scores.
+#include "musicxml/score_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <sstream>
+#include <stdexcept>
+
+#include "support/score_text.h"
+
+namespace rovescio::test {
+
+using engine::Document;
+using musicxml::ScoreFile;
+
+namespace {
+
+struct Value {
+    char name;
+    int divisions;
+    const char* type;
+};
+constexpr Value kValues[] = {
+    {'w', 16, "whole"}, {'h', 8, "half"}, {'q', 4, "quarter"}, {'e', 2, "eighth"}, {'s', 1, "16th"}};
+
+std::string noteXml(const std::string& before, const std::string& text, const std::string& more) {
+    const std::size_t colon = text.find(':');
+    std::string place = "<rest/>";
+    if (text[0] != 'r') {
+        const engine::SpelledPitch pitch = pitchFromText(text.substr(0, colon));
+        place = "<pitch><step>";
+        place += "CDEFGAB"[engine::floorMod(pitch.step, 7)];
+        place += "</step>";
+        if (pitch.alter != 0) place.append("<alter>").append(std::to_string(pitch.alter)).append("</alter>");
+        place.append("<octave>")
+            .append(std::to_string(4 + engine::floorDiv(pitch.step, 7)))
+            .append("</octave></pitch>");
+    }
+    for (const Value& value : kValues) {
+        if (value.name != text.at(colon + 1)) continue;
+        return "<note>" + before + place + "<duration>" + std::to_string(value.divisions) +
+               "</duration><type>" + value.type + "</type>" + more + "</note>";
+    }
+    throw std::invalid_argument("no note value in " + text);
+}
+
+void change(Document& document, const engine::FrameAddress& address, std::size_t entry, int noteId,
+            const std::function<void(ENOTE&)>& edit) {
+    std::vector<EXENTRY> entries = document.entries(address).expanded();
+    EXENTRY& changed = entries.at(entry);
+    for (ENOTE* found = changed.notes; found != changed.notes + changed.noteCount; ++found) {
+        if (found->noteId == noteId) edit(*found);
+    }
+    engine::PackedEntries packed(entries);
+    document.exchangeEntries(address, packed);
+}
+
+}  // namespace
+
+std::string scoreOf(const std::vector<std::string>& measures, const std::string& attributes) {
+    std::string text =
+        "<score-partwise version=\"4.0\">\n<part-list><score-part id=\"P1\"><part-name>Flute</part-name>"
+        "</score-part></part-list>\n<part id=\"P1\">\n";
+    int number = 0;
+    for (const std::string& measure : measures) {
+        text += "<measure number=\"" + std::to_string(++number) + "\">";
+        if (number == 1) text += attributes;
+        text += measure + "</measure>\n";
+    }
+    return text + "</part>\n</score-partwise>\n";
+}
+
+std::string note(const std::string& text, const std::string& more) {
+    return noteXml("", text, more);
+}
+
+std::string chordNote(const std::string& text, const std::string& more) {
+    return noteXml("<chord/>", text, more);
+}
+
+std::string voice(const std::string& number, const std::string& notes, const std::string& more) {
+    std::istringstream in(notes);
+    std::string text;
+    for (std::string token; in >> token;) {
+        std::string xml = note(token, more);
+        // A voice is told between the duration and the type.
+        xml.insert(xml.find("<type>"), "<voice>" + number + "</voice>");
+        text += xml;
+    }
+    return text;
+}
+
+std::string backup(int quarters) {
+    return "<backup><duration>" + std::to_string(4 * quarters) + "</duration></backup>";
+}
+
+void OpenScore::setPitch(const std::string& pitch, std::size_t entry, int noteId, short layer, short staff) {
+    const engine::KeySignature& key = document.staffMeasure(staff, 1).key;
+    change(document, {staff, 1, layer}, entry, noteId,
+           [&](ENOTE& changed) { key.store(pitchFromText(pitch), changed); });
+}
+
+void OpenScore::setFlags(std::uint32_t cleared, std::uint32_t set, std::size_t entry, int noteId) {
+    change(document, {1, 1, 0}, entry, noteId,
+           [&](ENOTE& changed) { changed.noteFlags = (changed.noteFlags & ~cleared) | set; });
+}
+
+std::string OpenScore::written() const {
+    const auto written = file.write(document, musicxml::Container::plain);
+    if (written) return written.value().bytes;
+    ADD_FAILURE() << written.problem().text();
+    return {};
+}
+
+OpenScore open(const std::string& bytes) {
+    Document document;
+    auto file = ScoreFile::read(bytes, "test.musicxml", document);
+    if (!file) throw std::invalid_argument(file.problem().text());
+    return {std::move(document), std::move(*file)};
+}
+
+std::string problemOf(const std::string& bytes, const musicxml::ReadOptions& options) {
+    Document document;
+    const auto file = ScoreFile::read(bytes, "test.musicxml", document, options);
+    return file ? "" : file.problem().text();
+}
+
+}  // namespace rovescio::test

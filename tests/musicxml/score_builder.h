@@ -1,0 +1,50 @@
+// Small MusicXML scores for tests, from as little text as possible.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "engine/document.h"
+#include "musicxml/score_file.h"
+
+namespace rovescio::test {
+
+// Four divisions to the quarter, C major, 4/4, treble clef.
+inline const std::string kCommonAttributes =
+    "<attributes><divisions>4</divisions><key><fifths>0</fifths></key>"
+    "<time><beats>4</beats><beat-type>4</beat-type></time>"
+    "<clef><sign>G</sign><line>2</line></clef></attributes>";
+
+// A partwise score of one part; the first measure begins with the attributes.
+std::string scoreOf(const std::vector<std::string>& measures,
+                    const std::string& attributes = kCommonAttributes);
+
+// A note such as "f#4:q" (value w h q e s) or rest "r:h", with more children behind its type.
+std::string note(const std::string& text, const std::string& more = "");
+// The same as a further note of the chord before it.
+std::string chordNote(const std::string& text, const std::string& more = "");
+// Notes as above, divided by spaces, in one voice.
+std::string voice(const std::string& number, const std::string& notes, const std::string& more = "");
+// A step back by a number of quarters.
+std::string backup(int quarters);
+
+// A score file that is read, with its document.
+struct OpenScore {
+    engine::Document document;
+    musicxml::ScoreFile file;
+
+    // Puts another pitch into a note of the first measure and tells the document.
+    void setPitch(const std::string& pitch, std::size_t entry = 0, int noteId = 1, short layer = 0,
+                  short staff = 1);
+    // Clears and sets flags of a note of the first measure.
+    void setFlags(std::uint32_t cleared, std::uint32_t set, std::size_t entry = 0, int noteId = 1);
+    // The plain file as it is written now; fails the test when it cannot be.
+    [[nodiscard]] std::string written() const;
+};
+
+// Reads bytes that must be a sound score.
+OpenScore open(const std::string& bytes);
+// What is said about bytes that are none; empty when they are read.
+std::string problemOf(const std::string& bytes, const musicxml::ReadOptions& options = {});
+
+}  // namespace rovescio::test
