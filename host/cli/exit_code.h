@@ -1,0 +1,17 @@
+// What the program's exit status tells; users' scripts rely on it.
+#pragma once
+
+namespace rovescio::cli {
+
+enum class ExitCode : int {
+    ok = 0,
+    refused = 1,       // the transformation could not be applied to this music
+    usage = 2,         // the command line is wrong
+    badInput = 3,      // a score cannot be read
+    badOutput = 4,     // the result cannot be written
+    installation = 5,  // a bundle, an entry point or a host function is missing
+    ruleBroken = 70,   // the plug-in broke a rule of the host
+    cancelled = 130,   // interrupted by the user
+};
+
+}  // namespace rovescio::cli

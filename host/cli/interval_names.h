@@ -1,0 +1,25 @@
+// Intervals as people write them on the command line.
+#pragma once
+
+#include <string>
+
+#include "dialogs/transposition_script.h"
+#include "engine/problem.h"
+
+namespace rovescio::cli {
+
+// Reads an interval name: "up minor third", "down P5", "m-3", "an octave and a major third". The problem of
+// an unknown name tells what is understood and the nearest name that is.
+engine::Result<dialogs::Transposition> parseInterval(const std::string& name);
+
+// Semitones, negative for down; spelled as minor or diminished intervals (flats) or as augmented ones
+// (sharps).
+dialogs::Transposition bySemitones(int semitones, dialogs::Transposition::Spelling spelling);
+
+// Diatonic steps within the key, negative for down.
+dialogs::Transposition bySteps(int steps);
+
+// Octaves alone, negative for down.
+dialogs::Transposition byOctaves(int octaves);
+
+}  // namespace rovescio::cli

@@ -1,0 +1,293 @@
+// Definition and checks of the command line.
+#include "cli/options.h"
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <iostream>
+#include <string_view>
+
+#include "cli/interval_names.h"
+#include "cli/messages.h"
+#include "cli/score_bytes.h"
+
+namespace rovescio::cli {
+
+namespace {
+
+using engine::Problem;
+using engine::Result;
+
+constexpr int kMostSemitones = 120;
+constexpr int kMostSteps = 70;
+constexpr int kMostOctaves = 10;
+constexpr std::size_t kDefaultMebibytes = 256;
+constexpr std::size_t kMebibyte = std::size_t{1} << 20;
+constexpr std::size_t kMostMebibytes = 4095;
+
+constexpr const char* kFooter = R"(Examples:
+  rovescio song.musicxml --transpose "up minor third" -o song-up.musicxml
+  rovescio song.mxl --transpose m-3 --measures 3-10 --staves 1-2 -o new.mxl
+  rovescio song.musicxml --semitones 5 --measures 3:2-10:1.5 -o new.musicxml
+  rovescio - --steps 2 -o - < song.musicxml > new.musicxml
+  rovescio scores/*.mxl --transpose "down P5" --out-dir transposed
+
+Exit codes:
+  0 done   1 could not be applied to this music   2 wrong command line
+  3 score cannot be read   4 result cannot be written   5 installation damaged
+  70 the plug-in broke a rule   130 cancelled)";
+
+// Help in which each option shows its value's name and nothing of the checks behind it.
+class HelpFormatter : public CLI::Formatter {
+  public:
+    std::string make_option_opts(const CLI::Option* option) const override {
+        const std::string type = option->get_type_name();
+        return type.empty() ? "" : " " + type;
+    }
+};
+
+// A check that stays out of the help.
+template <class Number>
+CLI::Validator range(Number lowest, Number highest) {
+    return CLI::Range(lowest, highest).description("");
+}
+
+// The options as they are written, before they are understood.
+struct RawOptions {
+    std::string transpose;
+    std::optional<int> semitones;
+    std::optional<int> steps;
+    std::optional<int> octaves;
+    std::string spelling;
+    std::string measures;
+    std::string staves;
+    std::string layers;
+    std::size_t mebibytes = kDefaultMebibytes;
+    std::vector<std::string> faults;
+};
+
+void define(CLI::App& app, Options& options, RawOptions& raw) {
+    const char* interval = "What to do";
+    app.add_option("SCORE", options.scores, "MusicXML files (.musicxml, .xml, .mxl); - is standard input")
+        ->type_name("")
+        ->required();
+    auto* byName = app.add_option("-t,--transpose", raw.transpose,
+                                  "Transpose by an interval: \"up minor third\", \"down P5\", m-3")
+                       ->type_name("INTERVAL")
+                       ->group(interval);
+    auto* bySemitone =
+        app.add_option("--semitones", raw.semitones, "Transpose by semitones; below zero is down")
+            ->type_name("N")
+            ->check(range(-kMostSemitones, kMostSemitones))
+            ->group(interval);
+    auto* byStep =
+        app.add_option("--steps", raw.steps, "Transpose by steps within the key; below zero is down")
+            ->type_name("N")
+            ->check(range(-kMostSteps, kMostSteps))
+            ->group(interval);
+    byName->excludes(bySemitone)->excludes(byStep);
+    bySemitone->excludes(byStep);
+    app.add_option("--octaves", raw.octaves, "Octaves further in the same direction, or octaves alone")
+        ->type_name("N")
+        ->check(range(-kMostOctaves, kMostOctaves))
+        ->group(interval);
+    app.add_option("--spelling", raw.spelling,
+                   "With --semitones: by minor intervals (flats) or augmented (sharps)")
+        ->type_name("sharps|flats")
+        ->check(CLI::IsMember({"sharps", "flats"}).description(""))
+        ->needs(bySemitone)
+        ->group(interval);
+    app.add_flag("--info", options.info, "Show staves, measures, keys and layers, and change nothing")
+        ->group(interval);
+
+    const char* where = "Where (default: everywhere)";
+    app.add_option("-m,--measures", raw.measures,
+                   "By printed number: 7, 3-10, 3-; with beats 3:2-10:1.5; #5 is the fifth")
+        ->type_name("RANGE")
+        ->group(where);
+    app.add_option("-s,--staves", raw.staves, "From the top: 1-2 or 1,3-4")->type_name("LIST")->group(where);
+    app.add_option("-l,--layers", raw.layers, "Layers of each staff, 1 to 4")
+        ->type_name("LIST")
+        ->group(where);
+
+    const char* files = "Files";
+    auto* output =
+        app.add_option("-o,--output", options.output, "The result; .mxl is compressed, - is standard output")
+            ->type_name("FILE")
+            ->group(files);
+    app.add_option("--out-dir", options.outputFolder, "Folder for the results of several scores")
+        ->type_name("FOLDER")
+        ->excludes(output)
+        ->group(files);
+    app.add_option("-j,--jobs", options.jobs, "Scores worked off side by side (default: one per processor)")
+        ->type_name("N")
+        ->check(range(1U, 1024U))
+        ->group(files);
+    app.add_option(
+           "--max-size", raw.mebibytes,
+           "Largest score accepted, in MiB unpacked (default: " + std::to_string(kDefaultMebibytes) + ")")
+        ->type_name("MIB")
+        ->check(range(std::size_t{1}, kMostMebibytes))
+        ->group(files);
+
+    const char* more = "More";
+    app.add_option("--plugin", options.plugin, "Another plug-in bundle")->type_name("BUNDLE")->group(more);
+    app.add_flag("--trace", options.trace, "Print every call of the host's functions")->group(more);
+    app.add_option("--fail", raw.faults, "Let the N-th call of a host function fail; for developers")
+        ->type_name("FUNCTION:N")
+        ->expected(1)
+        ->take_all()
+        ->group(more);
+    app.add_flag("-q,--quiet", options.quiet, "No progress and no summary")->group(more);
+    app.set_version_flag("--version", "rovescio " ROVESCIO_VERSION, "Print the version")->group(more);
+    app.set_help_flag("-h,--help", "Print this help")->group(more);
+}
+
+Result<PlannedFault> parseFault(const std::string& text) {
+    const std::size_t colon = text.find(':');
+    const engine::HostFunction function = engine::hostFunctionByName(text.substr(0, colon));
+    std::uint64_t call = 0;
+    if (colon != std::string::npos) {
+        const char* end = text.data() + text.size();
+        const auto parsed = std::from_chars(text.data() + colon + 1, end, call);
+        if (parsed.ec != std::errc() || parsed.ptr != end) call = 0;
+    }
+    if (function == engine::HostFunction::count || call == 0) {
+        return problemWith("--fail \"" + text + "\" is no host function and call number",
+                           "Write the function's name and a count from 1, such as SX_LoadTGF:3");
+    }
+    return PlannedFault(function, call);
+}
+
+Result<std::optional<dialogs::Transposition>> understandTransposition(const RawOptions& raw) {
+    using dialogs::Transposition;
+    std::optional<Transposition> result;
+    if (!raw.transpose.empty()) {
+        Result<Transposition> named = parseInterval(raw.transpose);
+        if (!named) return named.problem();
+        result = *named;
+    } else if (raw.semitones) {
+        result = bySemitones(*raw.semitones, raw.spelling == "sharps" ? Transposition::Spelling::sharps
+                                                                      : Transposition::Spelling::flats);
+    } else if (raw.steps) {
+        result = bySteps(*raw.steps);
+    } else if (raw.octaves) {
+        return std::optional(byOctaves(*raw.octaves));
+    }
+    if (result) result->octaves += raw.octaves.value_or(0);
+    return result;
+}
+
+// Turns the texts into what they mean.
+Result<engine::Done> understand(const RawOptions& raw, Options& options) {
+    const auto transposition = understandTransposition(raw);
+    if (!transposition) return transposition.problem();
+    options.transposition = transposition.value();
+    if (!raw.measures.empty()) {
+        const Result<MeasureRange> measures = parseMeasures(raw.measures);
+        if (!measures) return measures.problem();
+        options.selection.measures = measures.value();
+    }
+    if (!raw.staves.empty()) {
+        const Result<NumberRuns> staves = parseNumberRuns(raw.staves, "staves");
+        if (!staves) return staves.problem();
+        options.selection.staves = staves.value();
+    }
+    if (!raw.layers.empty()) {
+        const Result<NumberRuns> layers = parseNumberRuns(raw.layers, "layers");
+        if (!layers) return layers.problem();
+        if (layers.value().back().second > engine::kMaxLayers) {
+            return problemWith("--layers \"" + raw.layers + "\": a staff has layers 1 to 4",
+                               "Name some of these");
+        }
+        options.selection.layers = layers.value();
+    }
+    for (const std::string& text : raw.faults) {
+        const Result<PlannedFault> fault = parseFault(text);
+        if (!fault) return fault.problem();
+        options.faults.push_back(fault.value());
+    }
+    options.maximumBytes = raw.mebibytes * kMebibyte;
+    return engine::Done{};
+}
+
+// Finds combinations that make no sense.
+Result<engine::Done> checkTogether(const Options& options) {
+    const bool several = options.scores.size() > 1;
+    if (options.info) {
+        if (options.transposition || !options.output.empty() || !options.outputFolder.empty()) {
+            return problemWith("--info shows scores and changes nothing", "Leave the other options out");
+        }
+        return engine::Done{};
+    }
+    if (!options.transposition) {
+        return problemWith("there is nothing to do",
+                           "Say it with --transpose, --semitones, --steps or --octaves, or look with --info");
+    }
+    if (several && options.outputFolder.empty()) {
+        return problemWith("several scores need a folder for their results", "Name one with --out-dir");
+    }
+    if (options.output.empty() && options.outputFolder.empty()) {
+        return problemWith("the result needs a name", "Give it with -o, or - for standard output");
+    }
+    if (!options.outputFolder.empty()) {
+        for (const std::string& score : options.scores) {
+            if (score == kStandardStream) {
+                return problemWith("a score from standard input has no name in a folder", "Use -o for it");
+            }
+        }
+    }
+    return engine::Done{};
+}
+
+// The arguments that every process of a batch gets as well.
+std::vector<std::string> argumentsToPassOn(const Options& options, const RawOptions& raw) {
+    std::vector<std::string> passed;
+    const auto pass = [&](const std::string& name, const std::string& value) {
+        if (!value.empty()) passed.push_back(name + "=" + value);
+    };
+    const auto text = [](const std::optional<int>& number) { return number ? std::to_string(*number) : ""; };
+    pass("--transpose", raw.transpose);
+    pass("--semitones", text(raw.semitones));
+    pass("--steps", text(raw.steps));
+    pass("--octaves", text(raw.octaves));
+    pass("--spelling", raw.spelling);
+    pass("--measures", raw.measures);
+    pass("--staves", raw.staves);
+    pass("--layers", raw.layers);
+    pass("--max-size", std::to_string(raw.mebibytes));
+    pass("--plugin", options.plugin);
+    for (const std::string& fault : raw.faults) pass("--fail", fault);
+    if (options.trace) passed.emplace_back("--trace");
+    return passed;
+}
+
+}  // namespace
+
+std::variant<Options, ExitCode> parseOptions(int argc, const char* const* argv) {
+    CLI::App app("Transposes selected music of MusicXML scores.", "rovescio");
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.get_formatter()->column_width(28);
+    app.footer(kFooter);
+    Options options;
+    RawOptions raw;
+    define(app, options, raw);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& asked) {
+        app.exit(asked);
+        return ExitCode::ok;
+    } catch (const CLI::ParseError& error) {
+        say(std::string(error.what()) + ". See rovescio --help");
+        return ExitCode::usage;
+    }
+    Result<engine::Done> understood = understand(raw, options);
+    if (understood) understood = checkTogether(options);
+    if (!understood) {
+        say(understood.problem());
+        return ExitCode::usage;
+    }
+    options.passedOn = argumentsToPassOn(options, raw);
+    return options;
+}
+
+}  // namespace rovescio::cli

@@ -1,0 +1,215 @@
+// Reading and safe writing of whole files.
+#include "cli/score_bytes.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "cli/cancel.h"
+
+namespace rovescio::cli {
+
+namespace {
+
+using engine::Done;
+using engine::Problem;
+using engine::Result;
+
+// A file descriptor that is closed with its owner.
+class Descriptor {
+  public:
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor() {
+        if (number_ >= 0) ::close(number_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    [[nodiscard]] int number() const { return number_; }
+    // Some file systems report a full disk only here.
+    bool close() { return ::close(std::exchange(number_, -1)) == 0; }
+
+  private:
+    int number_;
+};
+
+std::string shownName(const std::string& path, const char* streamName) {
+    return path == kStandardStream ? streamName : path;
+}
+
+Problem readProblem(const std::string& path, int error) {
+    Problem problem{.message = std::string("cannot be read: ") + std::strerror(error),
+                    .file = shownName(path, "standard input"),
+                    .measure = {},
+                    .remedy = {}};
+    if (error == ENOENT) problem.remedy = "Check the spelling of the path";
+    if (error == EACCES) problem.remedy = "Make the file readable for you";
+    if (error == EISDIR) problem.remedy = "Name a score file, not a folder";
+    return problem;
+}
+
+Problem tooLarge(const std::string& path, std::size_t maximum) {
+    constexpr std::size_t kMebibyte = std::size_t{1} << 20;
+    return {.message = "is larger than the limit of " + std::to_string(maximum / kMebibyte) + " MiB",
+            .file = shownName(path, "standard input"),
+            .measure = {},
+            .remedy = "Raise the limit with --max-size if this really is a score"};
+}
+
+Problem writeProblem(const std::string& path, int error) {
+    Problem problem{.message = std::string("cannot be written: ") + std::strerror(error),
+                    .file = shownName(path, "standard output"),
+                    .measure = {},
+                    .remedy = {}};
+    switch (error) {
+        case ENOSPC:
+        case EDQUOT:
+            problem.remedy = "Make room there, or choose another folder";
+            break;
+        case EFBIG:
+            problem.remedy = "Raise the limit on file sizes (ulimit -f)";
+            break;
+        case ENOENT:
+        case ENOTDIR:
+            problem.remedy = "Create the folder first";
+            break;
+        case EACCES:
+        case EPERM:
+        case EROFS:
+            problem.remedy = "Choose a folder in which you may write";
+            break;
+        case EPIPE:
+            problem.remedy = "The program that reads it has ended; look there first";
+            break;
+        default:
+            break;
+    }
+    return problem;
+}
+
+// The error number of the first failed write; 0 when all went well.
+int writeAll(int descriptor, const std::string& bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t written = ::write(descriptor, bytes.data() + done, bytes.size() - done);
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return errno;
+        done += static_cast<std::size_t>(written);
+    }
+    return 0;
+}
+
+std::string folderOf(const std::string& path) {
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
+
+// What a path leads to when it is a symbolic link, so that the link stays one.
+std::string finalPath(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path resolved = std::filesystem::canonical(path, error);
+    return error ? path : resolved.string();
+}
+
+// The permission bits that a new file gets here.
+mode_t usualMode() {
+    const mode_t mask = umask(0);
+    umask(mask);
+    return static_cast<mode_t>(0666 & ~mask);
+}
+
+int writeStream(int descriptor, const std::string& bytes, bool closeAfter) {
+    Descriptor stream(closeAfter ? descriptor : -1);
+    const int error = writeAll(descriptor, bytes);
+    if (error != 0 || !closeAfter) return error;
+    return stream.close() ? 0 : errno;
+}
+
+// Puts a complete file in the place of another, or of none.
+int replaceFile(const std::string& path, const std::string& bytes, mode_t mode) {
+    std::string temporary = folderOf(path) + "/.rovescio-XXXXXX";
+    Descriptor file(mkstemp(temporary.data()));
+    if (file.number() < 0) return errno;
+    const RemovedOnCancel removed(temporary);
+    int error = writeAll(file.number(), bytes);
+    if (error == 0 && fchmod(file.number(), mode) != 0) error = errno;
+    if (error == 0 && fsync(file.number()) != 0) error = errno;
+    if (!file.close() && error == 0) error = errno;
+    if (error == 0 && rename(temporary.c_str(), path.c_str()) != 0) error = errno;
+    if (error != 0) unlink(temporary.c_str());
+    return error;
+}
+
+}  // namespace
+
+Result<std::string> readScoreBytes(const std::string& path, std::size_t maximum) {
+    const bool standard = path == kStandardStream;
+    Descriptor file(standard ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (file.number() < 0) return readProblem(path, errno);
+    struct stat status {};
+    if (fstat(file.number(), &status) != 0) return readProblem(path, errno);
+    if (S_ISDIR(status.st_mode)) return readProblem(path, EISDIR);
+    std::string bytes;
+    if (S_ISREG(status.st_mode)) {
+        if (static_cast<std::uintmax_t>(status.st_size) > maximum) return tooLarge(path, maximum);
+        bytes.reserve(static_cast<std::size_t>(status.st_size) + 1);
+    }
+    constexpr std::size_t kPiece = std::size_t{1} << 18;
+    while (true) {
+        const std::size_t before = bytes.size();
+        bytes.resize(before + kPiece);
+        const ssize_t count = read(file.number(), bytes.data() + before, kPiece);
+        bytes.resize(before + static_cast<std::size_t>(count > 0 ? count : 0));
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return readProblem(path, errno);
+        if (count == 0) return bytes;
+        if (bytes.size() > maximum) return tooLarge(path, maximum);
+    }
+}
+
+Result<Done> checkTarget(const std::string& path) {
+    if (path == kStandardStream) return Done{};
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0) {
+        if (S_ISDIR(status.st_mode)) {
+            Problem problem = writeProblem(path, EISDIR);
+            problem.remedy = "Name a file, or use --out-dir for a folder";
+            return problem;
+        }
+        if (!S_ISREG(status.st_mode)) return Done{};
+    }
+    const std::string folder = folderOf(finalPath(path));
+    if (stat(folder.c_str(), &status) != 0) return writeProblem(path, errno);
+    if (!S_ISDIR(status.st_mode)) return writeProblem(path, ENOTDIR);
+    if (access(folder.c_str(), W_OK | X_OK) != 0) return writeProblem(path, errno);
+    return Done{};
+}
+
+Result<Done> writeScoreBytes(const std::string& path, const std::string& bytes) {
+    int error = 0;
+    struct stat status {};
+    const bool standard = path == kStandardStream;
+    const bool exists = !standard && stat(path.c_str(), &status) == 0;
+    if (standard) {
+        error = writeStream(STDOUT_FILENO, bytes, false);
+    } else if (exists && !S_ISREG(status.st_mode)) {
+        // Devices and pipes are written to, not replaced.
+        const int descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+        error = descriptor < 0 ? errno : writeStream(descriptor, bytes, true);
+    } else {
+        const mode_t mode = exists ? static_cast<mode_t>(status.st_mode & 07777) : usualMode();
+        error = replaceFile(finalPath(path), bytes, mode);
+    }
+    if (error != 0) return writeProblem(path, error);
+    return Done{};
+}
+
+}  // namespace rovescio::cli

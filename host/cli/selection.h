@@ -1,0 +1,34 @@
+// The user's selection looked up in a score.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "cli/selection_request.h"
+#include "contract/records.h"
+#include "engine/document.h"
+#include "engine/problem.h"
+
+namespace rovescio::cli {
+
+struct Selection {
+    std::vector<EREGION> regions;  // one for each run of neighbouring staves
+    std::array<bool, engine::kMaxLayers> layers = {true, true, true, true};
+    std::string description;  // "measures 3-10, staves 1-2"
+};
+
+// Finds measures and staves. Problems: no such measure or staff (told with those that exist), a printed
+// number that several measures have, a range that runs backwards, no note inside.
+engine::Result<Selection> select(const engine::Document& document, const SelectionRequest& request);
+
+// Visits the frames of the selection's shown layers, with the region that each belongs to.
+void forEachFrame(const Selection& selection,
+                  const std::function<void(const EREGION&, const engine::FrameAddress&)>& visit);
+
+// Whether what begins at a position of a frame's measure lies inside a region.
+bool contains(const EREGION& region, const engine::FrameAddress& address, std::int32_t elapsed);
+
+}  // namespace rovescio::cli

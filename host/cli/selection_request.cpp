@@ -1,0 +1,110 @@
+// Reading of ranges and lists.
+#include "cli/selection_request.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+#include <utility>
+
+#include "cli/messages.h"
+
+namespace rovescio::cli {
+
+namespace {
+
+using engine::Problem;
+using engine::Result;
+
+Problem badMeasures(const std::string& text, const std::string& why) {
+    return problemWith("--measures \"" + text + "\": " + why,
+                       "Write 7, 3-10, 3-, -10, with beats 3:2-10:1.5, or by count from the start #5-#8");
+}
+
+Result<MeasurePoint> parsePoint(std::string_view part, const std::string& whole) {
+    MeasurePoint point;
+    const std::size_t colon = part.find(':');
+    std::string_view number = part.substr(0, colon);
+    if (number.starts_with('#')) {
+        point.counted = true;
+        number.remove_prefix(1);
+        if (number.find_first_not_of("0123456789") != std::string_view::npos) {
+            return badMeasures(whole, "after # comes a count");
+        }
+    }
+    if (number.empty()) return badMeasures(whole, "a measure number is missing");
+    point.number = number;
+    if (colon != std::string_view::npos) {
+        const std::string_view beatText = part.substr(colon + 1);
+        double beat = 0;
+        const auto [end, error] = std::from_chars(beatText.data(), beatText.data() + beatText.size(), beat);
+        // Written so that what is no number at all fails as well.
+        if (error != std::errc() || end != beatText.data() + beatText.size() ||
+            !(beat >= 1 && beat < 10000)) {
+            return badMeasures(whole, "\"" + std::string(beatText) + "\" is no beat; beats count from 1");
+        }
+        point.beat = beat;
+    }
+    return point;
+}
+
+// Reads a positive number; 0 when the text is none.
+int positive(std::string_view text) {
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size() ? std::max(number, 0) : 0;
+}
+
+}  // namespace
+
+Result<MeasureRange> parseMeasures(const std::string& text) {
+    MeasureRange range;
+    const std::size_t dash = text.find('-');
+    if (dash == std::string::npos) {
+        Result<MeasurePoint> only = parsePoint(text, text);
+        if (!only) return only.problem();
+        if (only->beat) return badMeasures(text, "one beat alone is no range");
+        range.first = range.last = *only;
+        return range;
+    }
+    const std::string_view whole = text;
+    const std::string_view first = whole.substr(0, dash);
+    const std::string_view last = whole.substr(dash + 1);
+    if (first.empty() && last.empty()) return badMeasures(text, "both ends are missing");
+    for (const auto& [part, point] : {std::pair(first, &range.first), std::pair(last, &range.last)}) {
+        if (part.empty()) continue;
+        Result<MeasurePoint> parsed = parsePoint(part, text);
+        if (!parsed) return parsed.problem();
+        *point = *parsed;
+    }
+    return range;
+}
+
+Result<NumberRuns> parseNumberRuns(const std::string& text, const std::string& what) {
+    const Problem bad = problemWith("--" + what + " \"" + text + "\" is no list of " + what,
+                                    "Write numbers and ranges, such as 1-2 or 1,3-4");
+    NumberRuns runs;
+    for (std::string_view rest = text; !rest.empty() || runs.empty();) {
+        const std::size_t comma = rest.find(',');
+        const std::string_view part = rest.substr(0, comma);
+        const std::size_t dash = part.find('-');
+        const int first = positive(part.substr(0, dash));
+        const int last = dash == std::string_view::npos ? first : positive(part.substr(dash + 1));
+        if (first == 0 || last < first) return bad;
+        runs.emplace_back(first, last);
+        if (comma == std::string_view::npos) break;
+        rest.remove_prefix(comma + 1);
+        if (rest.empty()) return bad;
+    }
+    std::sort(runs.begin(), runs.end());
+    NumberRuns joined;
+    for (const auto& run : runs) {
+        if (!joined.empty() && run.first <= joined.back().second + 1) {
+            joined.back().second = std::max(joined.back().second, run.second);
+        } else {
+            joined.push_back(run);
+        }
+    }
+    return joined;
+}
+
+}  // namespace rovescio::cli

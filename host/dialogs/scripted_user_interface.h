@@ -1,0 +1,79 @@
+// The person in front of the engine, played by a script: works dialogs through the plug-in's own procedures.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "dialogs/dialog_resources.h"
+#include "dialogs/open_dialog.h"
+#include "dialogs/script.h"
+#include "engine/problem.h"
+#include "engine/user_interface.h"
+
+namespace rovescio::dialogs {
+
+class ScriptedUserInterface : public engine::UserInterface {
+  public:
+    // Shows progress; false cancels, as the user's key would.
+    using ProgressDisplay = std::function<bool(const engine::Progress&)>;
+
+    ScriptedUserInterface(const DialogResources& resources, Scripts scripts, ProgressDisplay progressDisplay);
+
+    // Answers yes to the alerts to come that ask; without this they are answered no.
+    void answerYes(bool yes) { answerYes_ = yes; }
+
+    // The first thing that the script asked for and a hand could not do; the dialogs were closed there.
+    [[nodiscard]] const std::optional<engine::Problem>& problem() const { return problem_; }
+    // Texts of the alerts shown, in order.
+    [[nodiscard]] const std::vector<std::string>& alerts() const { return alerts_; }
+    [[nodiscard]] bool cancelled() const { return cancelled_; }
+    // How often the plug-in had changed music to draw anew.
+    [[nodiscard]] int redraws() const { return redraws_; }
+
+    std::intptr_t runDialog(short resourceId, SXDialogProc procedure, SXWindow parent, short flags,
+                            void* userData) override;
+    void endDialog(SXWindow dialog) override;
+    std::intptr_t value(SXWindow dialog, short item, short kind) override;
+    void setValue(SXWindow dialog, short item, short kind, std::intptr_t value) override;
+    void setText(SXWindow dialog, short item, const std::string& text) override;
+    void enable(SXWindow dialog, short item, bool enabled) override;
+    void show(SXWindow dialog, short item, bool shown) override;
+    short alert(SXWindow parent, std::uint16_t style, const std::string& text) override;
+    bool progress(const engine::Progress& progress) override;
+    void redraw() override { ++redraws_; }
+    // Nobody plays: there is no MIDI input.
+    bool listenToMidi(std::uint8_t[3]) override { return false; }
+    void play(short startMeasure, short endMeasure, const std::vector<short>& staves) override;
+
+  private:
+    // The script goes on while nothing went wrong and nobody cancelled.
+    [[nodiscard]] bool goesOn() const { return !problem_ && !cancelled_; }
+    [[nodiscard]] Script takeScript(short dialogNumber);
+    void perform(OpenDialog& dialog, const Step& step);
+    void set(OpenDialog& dialog, const Set& step);
+    void press(OpenDialog& dialog, const Press& step);
+    // The control that a hand wants to use; null, with the problem kept, when it cannot.
+    Control* reach(OpenDialog& dialog, short item);
+    void refuse(const std::string& what);
+
+    // The plug-in's side: the open dialog or control that a handle means. Null after a broken rule.
+    OpenDialog* openDialog(SXWindow window, const char* call);
+    Control* controlOf(SXWindow window, short item, const char* call);
+    Control* valueControl(SXWindow window, short item, short kind, const char* call);
+
+    const DialogResources& resources_;
+    Scripts scripts_;
+    ProgressDisplay progressDisplay_;
+    std::vector<std::unique_ptr<OpenDialog>> open_;  // the innermost last
+    std::optional<engine::Problem> problem_;
+    std::vector<std::string> alerts_;
+    bool answerYes_ = false;
+    bool cancelled_ = false;
+    int redraws_ = 0;
+};
+
+}  // namespace rovescio::dialogs

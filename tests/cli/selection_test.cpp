@@ -1,0 +1,110 @@
+// Selections looked up in a score.
+#include "cli/selection.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "cli/small_document.h"
+
+namespace {
+
+using rovescio::cli::contains;
+using rovescio::cli::NumberRuns;
+using rovescio::cli::parseMeasures;
+using rovescio::cli::Selection;
+using rovescio::cli::SelectionRequest;
+using rovescio::engine::Document;
+using rovescio::engine::Result;
+using rovescio::test::smallDocument;
+
+Result<Selection> selectIn(const Document& document, const std::string& measures, NumberRuns staves = {},
+                           NumberRuns layers = {}) {
+    SelectionRequest request{.measures = {}, .staves = std::move(staves), .layers = std::move(layers)};
+    if (!measures.empty()) request.measures = parseMeasures(measures).value();
+    return select(document, request);
+}
+
+// The beats selected, measure by measure: "1: 1 2 3 | 2: 1" and so on, for the first staff selected.
+std::string beatsIn(const Document& document, const Selection& selection) {
+    std::string text;
+    const short staff = selection.regions.front().start.slot;
+    for (short measure = 1; measure <= document.measureCount(); ++measure) {
+        for (const rovescio::engine::StoredEntry& entry : document.entries({staff, measure, 0})) {
+            if (!contains(selection.regions.front(), {staff, measure, 0}, entry.elapsed)) continue;
+            text += (text.empty() ? "" : " ") + document.measure(measure).label + ":" +
+                    std::to_string(entry.elapsed / rovescio::engine::kQuarter + 1);
+        }
+    }
+    return text;
+}
+
+TEST(Selections, TakeInTheBeatsMeant) {
+    const Document document = smallDocument(1, {"0", "1", "2"});
+    const struct {
+        const char* measures;
+        const char* beats;
+    } cases[] = {
+        {"", "0:1 0:2 0:3 1:1 1:2 1:3 2:1 2:2 2:3"},
+        {"1", "1:1 1:2 1:3"},
+        {"-0", "0:1 0:2 0:3"},
+        {"#2-", "1:1 1:2 1:3 2:1 2:2 2:3"},
+        {"1:2-2:1", "1:2 1:3 2:1"},
+        {"1:2.5-1:3", "1:3"},
+        {"0:3-0:3", "0:3"},
+    };
+    for (const auto& [measures, beats] : cases) {
+        const Result<Selection> selection = selectIn(document, measures);
+        ASSERT_TRUE(selection) << measures << ": " << selection.problem().text();
+        EXPECT_EQ(beatsIn(document, selection.value()), beats) << measures;
+    }
+}
+
+TEST(Selections, TakeBeatsWrittenWithFewDecimalsForTripletPlaces) {
+    Document document = smallDocument(1, {"1"});
+    rovescio::test::setNotes(document, {1, 1, 0}, {0, 341, 682});
+    for (const char* measures : {"1:1.33-1:1.33", "1:1.333-1:1.34"}) {
+        const Result<Selection> selection = selectIn(document, measures);
+        ASSERT_TRUE(selection) << measures;
+        EXPECT_TRUE(contains(selection.value().regions[0], {1, 1, 0}, 341));
+        EXPECT_FALSE(contains(selection.value().regions[0], {1, 1, 0}, 682));
+    }
+}
+
+TEST(Selections, HaveARegionForEachRunOfStavesAndShowTheLayersAsked) {
+    const Document document = smallDocument(4, {"1", "2"});
+    const Result<Selection> selection = selectIn(document, "2", {{1, 1}, {3, 4}}, {{1, 2}});
+    ASSERT_TRUE(selection);
+    ASSERT_EQ(selection.value().regions.size(), 2U);
+    EXPECT_EQ(selection.value().regions[1].start.slot, 3);
+    EXPECT_EQ(selection.value().regions[1].end.slot, 4);
+    EXPECT_EQ(selection.value().layers, (std::array<bool, 4>{true, true, false, false}));
+    EXPECT_EQ(selection.value().description, "measure 2, staves 1,3-4, layers 1-2");
+}
+
+TEST(Selections, AreRefusedWithWhatExists) {
+    const Document document = smallDocument(2, {"1", "2", "2", "3"});
+    const struct {
+        const char* measures;
+        NumberRuns staves;
+        NumberRuns layers;
+        const char* text;
+    } cases[] = {
+        {"9", {}, {}, "there is no measure 9. The score has measures 1 to 3 (#1 to #4)"},
+        {"#5", {}, {}, "there is no measure #5"},
+        {"1-2", {}, {}, "several measures have the number 2, among them #2 and #3"},
+        {"3-1", {}, {}, "runs backwards"},
+        {"3:3-3:1", {}, {}, "runs backwards"},
+        {"3:4-", {}, {}, "measure 3 has only 3 beats"},
+        {"", {{2, 3}}, {}, "there is no staff 3. The score has staves 1 to 2"},
+        {"1", {}, {{3, 3}}, "there is no note in the selection (measure 1, layer 3)"},
+    };
+    for (const auto& [measures, staves, layers, text] : cases) {
+        const Result<Selection> selection = selectIn(document, measures, staves, layers);
+        ASSERT_FALSE(selection) << measures;
+        EXPECT_NE(selection.problem().text().find(text), std::string::npos) << selection.problem().text();
+    }
+    EXPECT_FALSE(selectIn(Document(), ""));
+}
+
+}  // namespace

@@ -1,0 +1,157 @@
+// Whole runs of the program that succeed: what is transposed, and where the result goes.
+#include <sys/stat.h>
+
+#include <sstream>
+
+#include "cli/workplace.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using rovescio::test::ProgramRun;
+
+class Transposing : public rovescio::test::Workplace {
+  protected:
+    // Measures 1 and 3 of the first voice of the round: F G A F, A Bb C.
+    [[nodiscard]] std::string firstMeasures(const std::string& xml) const {
+        const std::string all = pitches(xml);
+        return all.substr(0, all.find(" | ", all.find(" | ", all.find(" | ") + 1) + 1));
+    }
+};
+
+TEST_F(Transposing, EveryWayToNameAnInterval) {
+    const struct {
+        const char* options;
+        const char* notes;
+    } cases[] = {
+        {"--transpose 'up minor third'", "| Ab4 Bb4 C5 Ab4 | Ab4 Bb4 C5 Ab4 | C5 Db5 Eb5"},
+        {"--transpose m-3", "| D4 E4 F#4 D4 | D4 E4 F#4 D4 | F#4 G4 A4"},
+        {"--transpose 'doubly augmented unison'",
+         "| F##4 G##4 A##4 F##4 | F##4 G##4 A##4 F##4 | A##4 B#4 C##5"},
+        {"--transpose 'down octave and a major second'", "| Eb3 F3 G3 Eb3 | Eb3 F3 G3 Eb3 | G3 Ab3 Bb3"},
+        {"--semitones 3", "| Ab4 Bb4 C5 Ab4 | Ab4 Bb4 C5 Ab4 | C5 Db5 Eb5"},
+        {"--semitones 1 --spelling sharps", "| F#4 G#4 A#4 F#4 | F#4 G#4 A#4 F#4 | A#4 B4 C#5"},
+        {"--semitones -14", "| Eb3 F3 G3 Eb3 | Eb3 F3 G3 Eb3 | G3 Ab3 Bb3"},
+        {"--steps 2", "| A4 Bb4 C5 A4 | A4 Bb4 C5 A4 | C5 D5 E5"},
+        {"--steps -9", "| D3 E3 F3 D3 | D3 E3 F3 D3 | F3 G3 A3"},
+        {"--steps -1 --octaves 1", "| E3 F3 G3 E3 | E3 F3 G3 E3 | G3 A3 Bb3"},
+        {"--octaves -1", "| F3 G3 A3 F3 | F3 G3 A3 F3 | A3 Bb3 C4"},
+    };
+    for (const auto& [options, notes] : cases) {
+        const ProgramRun run =
+            this->run(std::string("rovescio frere-jacques.musicxml ") + options + " -o new.xml");
+        EXPECT_EQ(run.code, 0) << options << "\n" << run.err;
+        EXPECT_EQ(firstMeasures(read("new.xml")), notes) << options;
+    }
+}
+
+TEST_F(Transposing, OnlyWhatIsSelected) {
+    const struct {
+        const char* options;
+        const char* summary;
+        int changed;  // pitches other than before
+    } cases[] = {
+        {"--measures 1-2 --staves 1", "transposed 10 notes in measures 1-2, staff 1", 10},
+        {"--measures 1:3-2:1 --staves 1", "transposed 5 notes in measures 1:3-2:1, staff 1", 5},
+        {"--measures 0", "transposed 1 note in measure 0", 1},
+        {"--measures '#9-'", "transposed 6 notes in measures #9-8", 6},
+        {"--staves 2 --measures 8", "transposed 4 notes in measure 8, staff 2", 4},
+    };
+    const std::string before = pitches(read("greensleeves.musicxml"));
+    for (const auto& [options, summary, changed] : cases) {
+        const ProgramRun run =
+            this->run(std::string("rovescio greensleeves.musicxml --transpose M2 -o new.xml ") + options);
+        EXPECT_EQ(run.code, 0) << run.err;
+        EXPECT_EQ(run.err, "rovescio: " + std::string(summary) + " -> new.xml\n");
+        std::istringstream oldNotes(before);
+        std::istringstream newNotes(pitches(read("new.xml")));
+        int different = 0;
+        for (std::string oldNote, newNote; oldNotes >> oldNote && newNotes >> newNote;)
+            different += oldNote != newNote;
+        EXPECT_EQ(different, changed) << options;
+    }
+}
+
+TEST_F(Transposing, StavesThatAreNotNeighboursInOneRun) {
+    // Three parts of one measure each; the middle one is left alone.
+    std::string xml = rovescio::test::longScore(1);
+    const std::string part =
+        xml.substr(xml.find("<part id"), xml.find("</score-partwise>") - xml.find("<part id"));
+    const std::string entry = "<score-part id=\"P1\"><part-name>Flute</part-name></score-part>";
+    const auto another = [](std::string text, const char* id) {
+        return text.replace(text.find("P1"), 2, id);
+    };
+    xml.insert(xml.find("</score-partwise>"), another(part, "P2") + another(part, "P3"));
+    xml.insert(xml.find(entry), another(entry, "P2") + another(entry, "P3"));
+    // The part list's order decides which staff is which.
+    write("three.musicxml", xml);
+    const ProgramRun run = this->run("rovescio three.musicxml --transpose P-8 --staves 1,3 -o - --quiet");
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(run.err, "");
+    const std::string notes = pitches(run.out);
+    EXPECT_EQ(std::count(notes.begin(), notes.end(), '4'), 8);
+    EXPECT_EQ(std::count(notes.begin(), notes.end(), '5'), 4);
+}
+
+TEST_F(Transposing, AsAFilterBetweenStandardStreams) {
+    const ProgramRun run =
+        this->run("cat greensleeves.musicxml | rovescio - --steps 1 -o - | rovescio - --steps -1 -o -");
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(pitches(run.out), pitches(read("greensleeves.musicxml")));
+    EXPECT_EQ(run.err.find("rovescio: transposed 70 notes in all measures -> standard output"), 0U)
+        << run.err;
+}
+
+TEST_F(Transposing, IntoTheContainerThatTheNameTells) {
+    EXPECT_EQ(
+        run("rovescio greensleeves.musicxml -t M2 -o new.mxl && rovescio new.mxl -t M-2 -o back.musicxml")
+            .code,
+        0);
+    EXPECT_EQ(read("new.mxl").substr(0, 2), "PK");
+    EXPECT_EQ(pitches(read("back.musicxml")), pitches(read("greensleeves.musicxml")));
+}
+
+TEST_F(Transposing, OntoTheInputWhenThatIsNamedAsOutput) {
+    const std::string before = pitches(read("greensleeves.musicxml"));
+    fs::permissions(path("greensleeves.musicxml"), fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("greensleeves.musicxml", path("link.musicxml"));
+    const auto namesBefore = names();
+    EXPECT_EQ(run("rovescio greensleeves.musicxml -t M2 -o link.musicxml").code, 0);
+    EXPECT_NE(pitches(read("greensleeves.musicxml")), before);
+    EXPECT_TRUE(fs::is_symlink(path("link.musicxml")));
+    EXPECT_EQ(names(), namesBefore);
+    struct stat status {};
+    ASSERT_EQ(stat(path("greensleeves.musicxml").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600U);
+}
+
+TEST_F(Transposing, ThroughThePlugInsDialogs) {
+    const ProgramRun run = this->run("rovescio greensleeves.musicxml -t AA2 -m 1 -o new.xml --trace");
+    EXPECT_EQ(run.code, 0);
+    for (const char* call :
+         {"SX_Dialog(resourceId=20130", "SX_Dialog(resourceId=20150", "SX_Dialog(resourceId=20180",
+          "SX_StartMassEdit", "SX_LoadTGF", "SX_SaveTGF", "SX_FreeTGF", "SX_EndMassEdit", "SX_RedrawMusic"}) {
+        EXPECT_NE(run.err.find(call), std::string::npos) << call;
+    }
+}
+
+TEST_F(Transposing, WithInformationFirst) {
+    const ProgramRun run = this->run("rovescio --info greensleeves.musicxml frere-jacques.musicxml");
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.out,
+              "greensleeves.musicxml\n  9 measures, numbered 0 to 8\n"
+              "  staff 1  Piano  layers 1  A minor\n  staff 2  Piano  layers 1  A minor\n"
+              "frere-jacques.musicxml\n  10 measures, numbered 1 to 10\n"
+              "  staff 1  Voice 1  layers 1  F major\n  staff 2  Voice 2  layers 1  F major\n");
+}
+
+TEST_F(Transposing, HelpAndVersionGoToStandardOutput) {
+    const ProgramRun help = run("rovescio --help");
+    EXPECT_EQ(help.code, 0);
+    for (const char* text : {"--transpose INTERVAL", "--measures RANGE", "Exit codes:", "Examples:"}) {
+        EXPECT_NE(help.out.find(text), std::string::npos) << text;
+    }
+    EXPECT_EQ(run("rovescio --version").out.find("rovescio 0."), 0U);
+}
+
+}  // namespace

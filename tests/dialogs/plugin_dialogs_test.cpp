@@ -1,0 +1,93 @@
+// The scripts for transpositions against the plug-in's own dialog descriptions.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "dialogs/dialog_resources.h"
+#include "dialogs/open_dialog.h"
+#include "dialogs/transposition_script.h"
+
+namespace {
+
+using namespace rovescio::dialogs;
+
+DialogResources pluginResources() {
+    std::ifstream file(DIALOG_DESCRIPTIONS);
+    const std::string json{std::istreambuf_iterator<char>(file), {}};
+    return DialogResources::parse(json, DIALOG_DESCRIPTIONS).value();
+}
+
+// What the script sets in a dialog, as "item=value" in order.
+std::string settings(const Scripts& scripts, short dialog) {
+    std::string text;
+    const auto found = scripts.find(dialog);
+    if (found == scripts.end()) return "not opened";
+    for (const Step& step : found->second) {
+        if (const auto* set = std::get_if<Set>(&step)) {
+            text += (text.empty() ? "" : " ") + std::to_string(set->item) + "=" + std::to_string(set->value);
+        }
+    }
+    return text;
+}
+
+TEST(TranspositionScripts, ChooseFromThePopUpsWhatTheyListAndElseTheOtherDialog) {
+    using Kind = Transposition::Kind;
+    const struct {
+        Transposition transposition;
+        const char* main;
+        const char* other;
+    } cases[] = {
+        {{.kind = Kind::chromatic, .steps = 2, .alteration = -1}, "3=3 6=8 7=1 9=0", "not opened"},
+        {{.kind = Kind::chromatic, .down = true, .steps = 7, .octaves = 1}, "3=3 6=26 7=2 9=1", "not opened"},
+        {{.kind = Kind::chromatic, .steps = 1, .alteration = 2}, "3=3 6=27 7=1 9=0", "4=1 6=2"},
+        {{.kind = Kind::diatonic, .steps = 7}, "3=2 5=8 7=1 9=0", "not opened"},
+        {{.kind = Kind::diatonic, .down = true, .steps = 8}, "3=2 5=9 7=2 9=0", "4=8"},
+        {{.kind = Kind::semitones,
+          .semitones = 11,
+          .spelling = Transposition::Spelling::sharps,
+          .octaves = -1},
+         "3=4 4=12 8=1 7=1 9=-1",
+         "not opened"},
+    };
+    const DialogResources resources = pluginResources();
+    for (const auto& [transposition, main, other] : cases) {
+        const Scripts scripts = transpositionScripts(transposition, {});
+        EXPECT_EQ(settings(scripts, 20150), main);
+        EXPECT_EQ(settings(scripts, 20180), other);
+        for (const auto& [dialog, script] : scripts) {
+            const DialogDescription* description = resources.find(dialog);
+            ASSERT_NE(description, nullptr) << dialog;
+            OpenDialog open(*description, nullptr, nullptr);
+            for (const Step& step : script) {
+                if (const auto* press = std::get_if<Press>(&step)) {
+                    ASSERT_NE(open.control(press->item), nullptr);
+                    EXPECT_EQ(open.control(press->item)->item.kind, ItemKind::button);
+                } else if (const auto* set = std::get_if<Set>(&step)) {
+                    ASSERT_NE(open.control(set->item), nullptr);
+                    EXPECT_TRUE(canHold(open.control(set->item)->item, set->value)) << set->item;
+                }
+            }
+        }
+    }
+}
+
+TEST(TranspositionScripts, ApplyOnceForEachSelectionBeforeClosing) {
+    int selected = 0;
+    const auto select = [&] { ++selected; };
+    const Scripts scripts = transpositionScripts({}, {select, select});
+    const Script& main = scripts.find(20130)->second;
+    std::string order;
+    for (const Step& step : main) {
+        if (const auto* press = std::get_if<Press>(&step)) {
+            order += std::to_string(press->item) + " ";
+        } else {
+            std::get<Meanwhile>(step).action();
+            order += "select ";
+        }
+    }
+    EXPECT_EQ(order, "7 1 select 1 select 1 2 ");
+    EXPECT_EQ(selected, 2);
+}
+
+}  // namespace

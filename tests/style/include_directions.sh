@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Fails when a source includes a header of a room that it must not know, or a library that it must not use.
+set -u
+cd "$1" || exit 1
+
+# Each room, and the rooms whose headers it may include.
+rules='
+plugin/contract contract
+plugin/util util
+plugin/kit kit util contract
+plugin/transform transform kit util contract
+plugin/retrograde retrograde kit util contract
+plugin/shell shell transform retrograde kit util contract
+host/engine engine contract
+host/musicxml musicxml engine contract
+host/dialogs dialogs engine contract
+host/playback playback engine contract
+host/cli cli dialogs musicxml playback engine contract
+'
+found=0
+complain() {
+    printf '%s\n' "$1"
+    found=1
+}
+
+known=' '
+while read -r room allowed; do
+    [[ -n $room ]] || continue
+    known+="$room "
+    [[ -d $room ]] || continue
+    while IFS=: read -r file line include; do
+        header=$(sed -n 's/.*"\(.*\)".*/\1/p' <<< "$include")
+        [[ " $allowed " == *" ${header%%/*} "* ]] || complain "$file:$line: $room must not include $header"
+    done < <(grep -rnE '^ *# *include *"' "$room")
+done <<< "$rules"
+
+# A new room needs a rule, and nothing of the plug-in lies outside of them.
+for room in plugin/*/ host/*/; do
+    room=${room%/}
+    [[ $room == plugin/resources || $known == *" $room "* ]] || complain "$room: no rule says what it may include"
+done
+
+# The plug-in uses the C++ standard library, the platform's two headers, and to find its own bundle the dynamic
+# loader and the splitting of paths.
+while IFS=: read -r file line include; do
+    header=$(sed -n 's/.*<\(.*\)>.*/\1/p' <<< "$include")
+    case $header in
+        CoreFoundation/CoreFoundation.h | Carbon/Carbon.h | dlfcn.h | libgen.h) ;;
+        *[./]*) complain "$file:$line: the plug-in must not use <$header>" ;;
+    esac
+done < <(grep -rnE '^ *# *include *<' plugin --include='*.h' --include='*.cpp')
+
+exit $found

@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Makes the Debian package, unpacks it and runs the program from there.
+set -eu
+source_dir=$1 build_dir=$2
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+cpack --config "$build_dir/CPackConfig.cmake" -G DEB -B "$folder" > log 2>&1 || { cat log; exit 1; }
+dpkg-deb --extract rovescio_*.deb root
+
+for path in usr/bin/rovescio usr/lib/rovescio/rovescio usr/lib/rovescio/libRovescioPlatform.so \
+    usr/lib/rovescio/Rovescio.bundle/Contents/Info.plist \
+    usr/lib/rovescio/Rovescio.bundle/Contents/Resources/en.lproj/Localizable.strings \
+    usr/lib/rovescio/NotationEngine.bundle/Contents/Info.plist \
+    usr/share/man/man1/rovescio.1.gz usr/share/doc/rovescio/copyright; do
+    [[ -e root/$path ]] || { echo "$path is not in the package"; exit 1; }
+done
+depends=$(dpkg-deb --field rovescio_*.deb Depends)
+for library in libc6 libstdc++6 libpugixml1v5 libzip4 libplist3 libicu72; do
+    [[ $depends == *$library* ]] || { echo "$library is no dependency: $depends"; exit 1; }
+done
+# The build tree must not be needed: nothing in the package may name it.
+if grep -rlF "$build_dir" root; then
+    echo "These files name the build tree."
+    exit 1
+fi
+root/usr/bin/rovescio "$source_dir/examples/greensleeves.musicxml" --transpose "up minor third" \
+    --output new.mxl --quiet
+root/usr/bin/rovescio new.mxl --transpose "down minor third" --output back.musicxml --quiet
+[[ -s back.musicxml ]]
