@@ -1,0 +1,63 @@
+// Runs all benchmarks and prints the table of ratios.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+
+#include "ratios.h"
+
+namespace rovescio::bench {
+namespace {
+
+// Prints every run as usual and keeps what the ratios need.
+class Collector : public benchmark::ConsoleReporter {
+  public:
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs) {
+            // Of repeated runs the median counts.
+            if (run.run_type == Run::RT_Aggregate && run.aggregate_name != "median") continue;
+            const std::string name =
+                run.run_name.function_name + (run.run_name.args.empty() ? "" : "/" + run.run_name.args);
+            times_[name] = run.GetAdjustedRealTime();
+            for (const auto& [counter, value] : run.counters) counters_[name + ":" + counter] = value;
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+
+    // Prints the table; false when a ratio is over its limit or was not measured.
+    [[nodiscard]] bool printRatios() const {
+        bool good = true;
+        std::printf("\n%-64s %8s %8s\n", "ratio", "measured", "at most");
+        for (const Ratio& ratio : ratios()) {
+            const double measured = value(ratio.measured, ratio.counter);
+            const double yardstick = ratio.yardstick.empty() ? 1 : value(ratio.yardstick, ratio.counter);
+            if (measured < 0 || yardstick <= 0) continue;  // filtered out of this run
+            const double found = measured / yardstick;
+            std::printf("%-64s %8.2f %8.2f %s\n", ratio.what.c_str(), found, ratio.limit,
+                        found <= ratio.limit ? "" : "TOO HIGH");
+            good = good && found <= ratio.limit;
+        }
+        return good;
+    }
+
+  private:
+    [[nodiscard]] double value(const std::string& name, const std::string& counter) const {
+        const auto& from = counter.empty() ? times_ : counters_;
+        const auto found = from.find(counter.empty() ? name : name + ":" + counter);
+        return found == from.end() ? -1 : found->second;
+    }
+
+    std::map<std::string, double> times_;
+    std::map<std::string, double> counters_;
+};
+
+}  // namespace
+}  // namespace rovescio::bench
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+    rovescio::bench::Collector collector;
+    benchmark::RunSpecifiedBenchmarks(&collector);
+    return collector.printRatios() ? 0 : 1;
+}
