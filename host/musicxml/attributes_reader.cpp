@@ -44,7 +44,7 @@ int readBeats(std::string_view text) {
 
 }  // namespace
 
-Clef readClef(XmlWalk& walk) {
+Clef readClef(TreeWalk& walk) {
     std::string_view sign;
     std::optional<int> written;
     int octaves = 0;
@@ -83,7 +83,7 @@ Clef readClef(XmlWalk& walk) {
     return clef;
 }
 
-bool readKey(XmlWalk& walk, engine::KeySignature& key, Journal& journal) {
+bool readKey(TreeWalk& walk, engine::KeySignature& key, Journal& journal) {
     std::optional<int> fifths;
     bool minor = false;
     std::array<std::int8_t, 7> alters{};  // letters that a free key does not name stay natural
@@ -127,7 +127,7 @@ bool readKey(XmlWalk& walk, engine::KeySignature& key, Journal& journal) {
     return true;
 }
 
-TimeSignature readTime(XmlWalk& walk, Journal& journal) {
+TimeSignature readTime(TreeWalk& walk, Journal& journal) {
     const std::size_t offset = walk.offset();
     TimeSignature time;
     std::int64_t length = 0;

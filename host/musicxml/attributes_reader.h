@@ -7,7 +7,7 @@
 #include "engine/key_signature.h"
 #include "musicxml/clef.h"
 #include "musicxml/journal.h"
-#include "musicxml/xml_walk.h"
+#include "musicxml/tree_walk.h"
 
 namespace rovescio::musicxml {
 
@@ -17,11 +17,11 @@ struct TimeSignature {
 };
 
 // Each reads the element that the walk is at.
-Clef readClef(XmlWalk& walk);
+Clef readClef(TreeWalk& walk);
 // Fails, with the problem in the journal, when the fifths are no number or
 // beyond reason.
-bool readKey(XmlWalk& walk, engine::KeySignature& key, Journal& journal);
+bool readKey(TreeWalk& walk, engine::KeySignature& key, Journal& journal);
 // A signature that cannot be counted is noted and read as free.
-TimeSignature readTime(XmlWalk& walk, Journal& journal);
+TimeSignature readTime(TreeWalk& walk, Journal& journal);
 
 }  // namespace rovescio::musicxml

@@ -26,7 +26,6 @@ class Journal {
     void fail(std::string message, std::size_t offset, std::string remedy);
     [[nodiscard]] bool failed() const { return problem_.has_value(); }
     // Makes room for a problem that goes before the one that was kept.
-    void clearProblem() { problem_.reset(); }
     [[nodiscard]] const engine::Problem& problem() const { return *problem_; }
 
     // Notes something once per topic; later ones of the same topic are dropped.

@@ -61,7 +61,7 @@ std::int32_t noteValue(std::string_view type) {
 
 // A pitch, or the place of an unpitched note, which without one stands on the
 // middle line of a treble clef.
-bool readPlace(XmlWalk& walk, NoteReading& note, Journal& journal) {
+bool readPlace(TreeWalk& walk, NoteReading& note, Journal& journal) {
     constexpr const char* kRemedy = "Correct the note's pitch in a notation program or text editor.";
     const std::size_t offset = walk.offset();
     std::string_view step = note.unpitched ? "B" : "";
@@ -107,13 +107,13 @@ bool readPlace(XmlWalk& walk, NoteReading& note, Journal& journal) {
     return true;
 }
 
-void readTie(XmlWalk& walk, NoteReading& note) {
+void readTie(TreeWalk& walk, NoteReading& note) {
     const std::string_view type = walk.attribute("type");
     if (type == "start") note.noteFlags |= NOTE_TIE_START;
     if (type == "stop") note.noteFlags |= NOTE_TIE_END;
 }
 
-void readNotations(XmlWalk& walk, NoteReading& note) {
+void readNotations(TreeWalk& walk, NoteReading& note) {
     for (const std::size_t level = walk.enter(); walk.next(level);) {
         switch (walk.tagNumber()) {
             case tag("tied"):
@@ -132,14 +132,14 @@ void readNotations(XmlWalk& walk, NoteReading& note) {
     }
 }
 
-void readAccidental(XmlWalk& walk, NoteReading& note) {
+void readAccidental(TreeWalk& walk, NoteReading& note) {
     note.noteFlags |= NOTE_FLAG24;
-    for (const std::string_view mark : {"cautionary", "editorial", "parentheses", "bracket"}) {
+    for (const char* mark : {"cautionary", "editorial", "parentheses", "bracket"}) {
         if (walk.attribute(mark) == "yes") note.noteFlags |= NOTE_FLAG1;
     }
 }
 
-void readRatio(XmlWalk& walk, NoteReading& note) {
+void readRatio(TreeWalk& walk, NoteReading& note) {
     int actual = 0;
     int normal = 0;
     for (const std::size_t level = walk.enter(); walk.next(level);) {
@@ -151,7 +151,7 @@ void readRatio(XmlWalk& walk, NoteReading& note) {
     note.normal = static_cast<std::uint16_t>(normal);
 }
 
-bool readDuration(XmlWalk& walk, NoteReading& note, Journal& journal) {
+bool readDuration(TreeWalk& walk, NoteReading& note, Journal& journal) {
     const std::size_t offset = walk.offset();
     const std::string_view text = walk.text();
     const std::optional<Decimal> duration = parseDecimal(text);
@@ -165,7 +165,7 @@ bool readDuration(XmlWalk& walk, NoteReading& note, Journal& journal) {
     return true;
 }
 
-bool readStaff(XmlWalk& walk, NoteReading& note, Journal& journal) {
+bool readStaff(TreeWalk& walk, NoteReading& note, Journal& journal) {
     const std::size_t offset = walk.offset();
     const std::string_view text = walk.text();
     const std::optional<int> staff = parseInteger(text);
@@ -187,7 +187,7 @@ int letterOf(std::string_view step) {
     return letter == std::string_view::npos ? -1 : static_cast<int>(letter);
 }
 
-bool readNote(XmlWalk& walk, NoteReading& note, Journal& journal) {
+bool readNote(TreeWalk& walk, NoteReading& note, Journal& journal) {
     note = {};
     note.offset = walk.offset();
     int dots = 0;

@@ -6,7 +6,7 @@
 #include "engine/key_signature.h"
 #include "musicxml/journal.h"
 #include "musicxml/numbers.h"
-#include "musicxml/xml_walk.h"
+#include "musicxml/tree_walk.h"
 
 namespace rovescio::musicxml {
 
@@ -31,7 +31,7 @@ struct NoteReading {
 
 // Reads the note that the walk is at; on failure the journal has the problem
 // and the result is false.
-bool readNote(XmlWalk& walk, NoteReading& note, Journal& journal);
+bool readNote(TreeWalk& walk, NoteReading& note, Journal& journal);
 
 // Letter number (0 C to 6 B) of a step's text; -1 when it is none.
 int letterOf(std::string_view step);

@@ -8,7 +8,7 @@ namespace rovescio::musicxml {
 
 namespace {
 
-void scanPitch(XmlWalk& walk, NoteText& note) {
+void scanPitch(TextWalk& walk, NoteText& note) {
     Element pitch = walk.element();
     for (const std::size_t level = walk.enter(); walk.next(level);) {
         switch (walk.tagNumber()) {
@@ -29,7 +29,7 @@ void scanPitch(XmlWalk& walk, NoteText& note) {
     note.beforeAccidental = pitch;
 }
 
-Element addTie(XmlWalk& walk, int notations, NoteText& note) {
+Element addTie(TextWalk& walk, int notations, NoteText& note) {
     const std::string_view type = walk.attribute("type");
     const Element tie = walk.whole();
     if (type == "start") note.ties.push_back({tie, NOTE_TIE_START, notations});
@@ -37,7 +37,7 @@ Element addTie(XmlWalk& walk, int notations, NoteText& note) {
     return tie;
 }
 
-void scanNotations(XmlWalk& walk, NoteText& note) {
+void scanNotations(TextWalk& walk, NoteText& note) {
     NotationsElement notations{walk.element(), 0};
     const int index = static_cast<int>(note.notations.size());
     for (const std::size_t level = walk.enter(); walk.next(level);) {
@@ -52,8 +52,8 @@ void scanNotations(XmlWalk& walk, NoteText& note) {
     note.notations.push_back(notations);
 }
 
-Beam beamOf(XmlWalk& walk) {
-    const std::string_view value = walk.text();
+Beam beamOf(TextWalk& walk) {
+    const std::string value = walk.value();
     if (value == "begin") return Beam::begin;
     if (value == "end") return Beam::end;
     return value == "continue" ? Beam::inside : Beam::none;
@@ -83,7 +83,7 @@ bool precedesAccidental(std::uint64_t name) {
 
 }  // namespace
 
-void scanNote(XmlWalk& walk, std::size_t offset, NoteText& note) {
+void scanNote(TextWalk& walk, std::size_t offset, NoteText& note) {
     note.ties.clear();
     note.notations.clear();
     note.step = note.alter = note.octave = {};

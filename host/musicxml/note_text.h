@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "musicxml/xml_walk.h"
+#include "musicxml/text_walk.h"
 
 namespace rovescio::musicxml {
 
@@ -38,6 +38,6 @@ struct NoteText {
 
 // Scans the note at an offset of the walk's text; a reused object keeps its
 // memory.
-void scanNote(XmlWalk& walk, std::size_t offset, NoteText& note);
+void scanNote(TextWalk& walk, std::size_t offset, NoteText& note);
 
 }  // namespace rovescio::musicxml

@@ -31,7 +31,7 @@ bool PartReader::needStaves(int count, std::size_t offset) {
     return true;
 }
 
-bool PartReader::numberedStaves(XmlWalk& walk, StaffRange& range) {
+bool PartReader::numberedStaves(TreeWalk& walk, StaffRange& range) {
     const std::optional<int> number = parseInteger(walk.attribute("number"));
     range = {0, staves_.size()};
     if (!number || *number < 1) return true;
@@ -42,7 +42,7 @@ bool PartReader::numberedStaves(XmlWalk& walk, StaffRange& range) {
     return true;
 }
 
-bool PartReader::readDivisions(XmlWalk& walk) {
+bool PartReader::readDivisions(TreeWalk& walk) {
     const std::size_t offset = walk.offset();
     const std::string_view text = walk.text();
     const std::optional<Decimal> divisions = parseDecimal(text);
@@ -53,7 +53,7 @@ bool PartReader::readDivisions(XmlWalk& walk) {
     return false;
 }
 
-bool PartReader::applyKey(XmlWalk& walk) {
+bool PartReader::applyKey(TreeWalk& walk) {
     StaffRange range;
     engine::KeySignature key;
     if (!numberedStaves(walk, range) || !readKey(walk, key, journal_)) return false;
@@ -75,7 +75,7 @@ bool PartReader::applyKey(XmlWalk& walk) {
     return true;
 }
 
-bool PartReader::applyClef(XmlWalk& walk) {
+bool PartReader::applyClef(TreeWalk& walk) {
     StaffRange range;
     if (!numberedStaves(walk, range)) return false;
     // Unlike keys and times, a clef without a number is that of the first staff.
@@ -94,7 +94,7 @@ bool PartReader::applyClef(XmlWalk& walk) {
     return true;
 }
 
-bool PartReader::applyTime(XmlWalk& walk) {
+bool PartReader::applyTime(TreeWalk& walk) {
     StaffRange range;
     if (!numberedStaves(walk, range)) return false;
     const TimeSignature time = readTime(walk, journal_);
@@ -102,7 +102,7 @@ bool PartReader::applyTime(XmlWalk& walk) {
     return true;
 }
 
-bool PartReader::readAttributes(XmlWalk& walk) {
+bool PartReader::readAttributes(TreeWalk& walk) {
     for (const std::size_t level = walk.enter(); walk.next(level);) {
         bool fine = true;
         switch (walk.tagNumber()) {

@@ -44,7 +44,7 @@ void PartReader::beginMeasure() {
     }
 }
 
-bool PartReader::readMeasure(XmlWalk& walk, bool implicit) {
+bool PartReader::readMeasure(TreeWalk& walk, bool implicit) {
     beginMeasure();
     if (!needStaves(static_cast<int>(staves_.size()), walk.offset())) return false;
     for (const std::size_t level = walk.enter(); walk.next(level);) {
@@ -88,7 +88,7 @@ void PartReader::skipMeasure() {
     finishMeasure(false);
 }
 
-bool PartReader::move(XmlWalk& walk, bool backwards) {
+bool PartReader::move(TreeWalk& walk, bool backwards) {
     inChord_ = false;
     const std::size_t offset = walk.offset();
     const std::string name(walk.name());
@@ -155,7 +155,7 @@ bool PartReader::timeNote(const NoteReading& note) {
     return true;
 }
 
-bool PartReader::addNote(XmlWalk& walk) {
+bool PartReader::addNote(TreeWalk& walk) {
     NoteReading note;
     if (!readNote(walk, note, journal_)) return false;
     if (!needStaves(note.staff, note.offset)) return false;

@@ -46,7 +46,7 @@ class PartReader {
     // Reads the next measure from the element that the walk is at, which holds
     // its contents; an implicit measure, such as a pick-up, is as long as they
     // are. False when the journal has a problem.
-    bool readMeasure(XmlWalk& walk, bool implicit);
+    bool readMeasure(TreeWalk& walk, bool implicit);
     // The part has nothing for the next measure.
     void skipMeasure();
 
@@ -70,17 +70,17 @@ class PartReader {
 
     void beginMeasure();
     void finishMeasure(bool implicit);
-    bool readAttributes(XmlWalk& walk);
-    bool readDivisions(XmlWalk& walk);
-    bool applyKey(XmlWalk& walk);
-    bool applyClef(XmlWalk& walk);
-    bool applyTime(XmlWalk& walk);
-    bool addNote(XmlWalk& walk);
+    bool readAttributes(TreeWalk& walk);
+    bool readDivisions(TreeWalk& walk);
+    bool applyKey(TreeWalk& walk);
+    bool applyClef(TreeWalk& walk);
+    bool applyTime(TreeWalk& walk);
+    bool addNote(TreeWalk& walk);
     bool timeNote(const NoteReading& note);
     bool joinEntry(const NoteReading& note);
     bool startEntry(const NoteReading& note, std::size_t staff, bool continuesChord);
     void addPitch(GatheredEntry& entry, const NoteReading& note);
-    bool move(XmlWalk& walk, bool backwards);
+    bool move(TreeWalk& walk, bool backwards);
     bool needStaves(int count, std::size_t offset);
     // The staves that an element's `number` means: from first to before last.
     // Without a number these are all.
@@ -88,7 +88,7 @@ class PartReader {
         std::size_t first = 0;
         std::size_t last = 0;
     };
-    bool numberedStaves(XmlWalk& walk, StaffRange& range);
+    bool numberedStaves(TreeWalk& walk, StaffRange& range);
 
     std::string name_;
     Journal& journal_;

@@ -10,7 +10,7 @@
 
 #include "musicxml/part_reader.h"
 #include "musicxml/tag_names.h"
-#include "musicxml/xml_walk.h"
+#include "musicxml/tree_walk.h"
 
 namespace rovescio::musicxml {
 
@@ -35,13 +35,12 @@ class ScoreReader {
     bool readPart();
     bool readTimewiseMeasure();
     bool noteLabel(std::size_t index);
-    void leaveMeasure();
-    bool explainFault();
+    void explainFault();
     bool assemble();
     void assemblePart(PartReader& part, short firstStaff);
     void moveToUnpitched(PartReader& part);
 
-    XmlWalk walk_;
+    TreeWalk walk_;
     engine::Document& document_;
     Journal& journal_;
     ScoreReading reading_;
@@ -109,11 +108,6 @@ bool ScoreReader::noteLabel(std::size_t index) {
     return true;
 }
 
-// What follows is about no measure, unless the text broke off in this one.
-void ScoreReader::leaveMeasure() {
-    if (walk_.fault() == XmlFault::none) journal_.setMeasure({});
-}
-
 bool ScoreReader::readPart() {
     const std::size_t partsBefore = parts_.size();
     PartReader* const part = openPart();
@@ -129,7 +123,7 @@ bool ScoreReader::readPart() {
         const bool implicit = walk_.attribute("implicit") == "yes";
         if (!noteLabel(index++) || !part->readMeasure(walk_, implicit)) return false;
     }
-    leaveMeasure();
+    journal_.setMeasure({});
     return true;
 }
 
@@ -149,7 +143,7 @@ bool ScoreReader::readTimewiseMeasure() {
         }
         if (!part->readMeasure(walk_, implicit)) return false;
     }
-    leaveMeasure();
+    journal_.setMeasure({});
     return true;
 }
 
@@ -273,7 +267,6 @@ bool ScoreReader::readRoot() {
         }
         if (!fine) return false;
     }
-    walk_.finish();
     if (walk_.fault() != XmlFault::none) return false;
     if (parts_.empty() || labels_.empty()) {
         journal_.fail(parts_.empty() ? "the score has no part" : "the score has no measure", root,
@@ -285,33 +278,24 @@ bool ScoreReader::readRoot() {
 
 bool ScoreReader::read() {
     const bool read = walk_.next(0) && readRoot();
-    // A fault of the XML goes before what it made of the music: an element that
-    // was cut off lacks its parts.
-    if (walk_.fault() != XmlFault::none) return explainFault();
-    if (!read && !journal_.failed()) {
-        journal_.fail("this is not an XML file", 0,
-                      "Give a MusicXML score, for example one exported by a "
-                      "notation program.");
-    }
-    return read;
+    if (walk_.fault() == XmlFault::none) return read;
+    explainFault();
+    return false;
 }
 
-bool ScoreReader::explainFault() {
-    constexpr const char* kRepair = "Export the score again, or repair that line in a text editor.";
+void ScoreReader::explainFault() {
     const std::size_t offset = walk_.faultOffset();
-    journal_.clearProblem();
     switch (walk_.fault()) {
+        case XmlFault::noElement:
+            journal_.fail("this is not an XML file", 0,
+                          "Give a MusicXML score, for example one exported by a notation program.");
+            break;
         case XmlFault::truncated:
             journal_.fail("the file ends in the middle of the score", offset,
                           "It was probably cut off while it was copied or saved: get it again.");
             break;
-        case XmlFault::mismatch:
-            journal_.fail("the XML is not well-formed: another end tag stands where <" +
-                              std::string(walk_.faultName().substr(0, 40)) + "> should end",
-                          offset, kRepair);
-            break;
         case XmlFault::tooDeep:
-            journal_.fail("elements are nested more than " + std::to_string(XmlWalk::kMaxDepth) + " deep",
+            journal_.fail("elements are nested more than " + std::to_string(TreeWalk::kMaxDepth) + " deep",
                           offset, "No score needs this: export it again.");
             break;
         case XmlFault::entities:
@@ -319,10 +303,10 @@ bool ScoreReader::explainFault() {
                           "Remove the declarations between [ and ] in the DOCTYPE line.");
             break;
         default:
-            journal_.fail("the XML is not well-formed: no tag can begin here", offset, kRepair);
+            journal_.fail("the XML is not well-formed: " + std::string(walk_.faultDescription()), offset,
+                          "Export the score again, or repair that line in a text editor.");
             break;
     }
-    return false;
 }
 
 ScoreReading ScoreReader::take() {

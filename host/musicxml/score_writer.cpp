@@ -43,7 +43,7 @@ class ScoreWriter {
     const SourceMap& sources_;
     const engine::Document& document_;
     Journal& journal_;
-    XmlWalk walk_;
+    TextWalk walk_;
     TextEdits edits_;
     StemEdits stems_;
     NoteText note_;

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "musicxml/xml_walk.h"
+#include "musicxml/text_walk.h"
 
 namespace rovescio::musicxml {
 

@@ -23,7 +23,8 @@ std::string withAttributes(const std::string& children) {
 std::string nested(int depth) {
     std::string text = "<score-partwise>\n";
     for (int i = 0; i < depth; ++i) text += "<a>";
-    return text;
+    for (int i = 0; i < depth; ++i) text += "</a>";
+    return text + "</score-partwise>";
 }
 
 std::vector<ProblemCase> xmlProblems() {
@@ -37,18 +38,16 @@ std::vector<ProblemCase> xmlProblems() {
         {"not XML", "%PDF-1.7 pages\n",
          "1: this is not an XML file. Give a MusicXML score, for example one exported by a notation "
          "program."},
-        {"cut off in an element", sound.substr(0, sound.find("</measure>")),
-         "4: " + brokeOff + " (measure 1)" + getAgain},
-        {"cut off in a tag", sound.substr(0, sound.find("step>") + 2),
-         "4: " + brokeOff + " (measure 1)" + getAgain},
+        {"cut off in an element", sound.substr(0, sound.find("</measure>")), "4: " + brokeOff + getAgain},
+        {"cut off in a tag", sound.substr(0, sound.find("step>") + 2), "4: " + brokeOff + getAgain},
         {"cut off in an attribute", "<score-partwise version=\"4.", "1: " + brokeOff + getAgain},
         {"cut off in a comment", "<score-partwise>\n<!-- never", "2: " + brokeOff + getAgain},
         {"wrong end tag", "<score-partwise>\n<part-list>\n</part></score-partwise>",
-         "3: the XML is not well-formed: another end tag stands where <part-list> should end. " + repair},
+         "3: the XML is not well-formed: Start-end tags mismatch. " + repair},
         {"no tag", "<score-partwise>\n< part/></score-partwise>",
-         "2: the XML is not well-formed: no tag can begin here. " + repair},
+         "2: the XML is not well-formed: Could not determine tag type. " + repair},
         {"second root", sound + "<score-partwise/>",
-         "7: the XML is not well-formed: no tag can begin here. " + repair},
+         "7: the XML is not well-formed: a second root element. " + repair},
         {"nested too deep", nested(300),
          "2: elements are nested more than 256 deep. No score needs this: export it again."},
         {"entities", "<!DOCTYPE x [\n<!ENTITY a \"aaaa\">\n]>\n<score-partwise/>",
