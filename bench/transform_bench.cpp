@@ -1,15 +1,18 @@
-// Transposition of whole scores inside plug-in and engine, against copying the same frames in and out.
+// Transformations of whole scores inside plug-in and engine, against copying the same frames in and out.
 #include <benchmark/benchmark.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <new>
+#include <string>
+#include <utility>
 
 #include "engine/session.h"
 #include "kit/engine_bundle.h"
 #include "quiet_front.h"
 #include "ratios.h"
 #include "score_maker.h"
+#include "transform/inversion.h"
 #include "transform/transpose_region.h"
 
 namespace {
@@ -88,32 +91,55 @@ void transposeChromatic(benchmark::State& state) {
     });
 }
 
+void invertDiatonic(benchmark::State& state) {
+    overScore(state, [](engine::Session&, EREGION& region, CProgress& progress) {
+        InvDiatonic(&region, 2, &progress);
+    });
+}
+
+void invertChromatic(benchmark::State& state) {
+    overScore(state, [](engine::Session&, EREGION& region, CProgress& progress) {
+        InvChromatic(&region, 2, 0, 1, &progress);
+    });
+}
+
+void invertChords(benchmark::State& state) {
+    overScore(state, [](engine::Session&, EREGION& region, CProgress& progress) {
+        InvChordUp(&region, kSingleNotesInSteps, 0, 0, &progress);
+    });
+}
+
 constexpr std::int64_t kSmall = 10'000;
 constexpr std::int64_t kLarge = 1'000'000;
 
-BENCHMARK(copyFrames)
-    ->Arg(kSmall)
-    ->Arg(kLarge)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime()
-    ->Repetitions(5)
-    ->ReportAggregatesOnly();
-BENCHMARK(transposeChromatic)
-    ->Arg(kSmall)
-    ->Arg(100'000)
-    ->Arg(kLarge)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime()
-    ->Repetitions(5)
-    ->ReportAggregatesOnly();
-
+// Each transformation is asked to stay within a multiple of the copy and to cost the same per note in small
+// and large scores.
 const bool registered = [] {
-    ratios().push_back({"chromatic transposition of 1,000,000 notes : copy of the frames",
-                        "transposeChromatic/1000000", "copyFrames/1000000", "", 2.5});
-    ratios().push_back({"cost per note, 1,000,000 notes : 10,000 notes", "transposeChromatic/1000000",
-                        "transposeChromatic/10000", "ns_per_note", 1.15});
-    ratios().push_back({"allocations per note, 8 notes to the frame", "transposeChromatic/1000000", "",
-                        "allocations_per_note", 0.5});
+    const auto add = [](const char* name, void (*run)(benchmark::State&)) {
+        benchmark::RegisterBenchmark(name, run)
+            ->Arg(kSmall)
+            ->Arg(kLarge)
+            ->Unit(benchmark::kMillisecond)
+            ->Repetitions(5)
+            ->ReportAggregatesOnly();
+    };
+    add("copyFrames", copyFrames);
+    const std::pair<const char*, void (*)(benchmark::State&)> transformations[] = {
+        {"transposeChromatic", transposeChromatic},
+        {"invertDiatonic", invertDiatonic},
+        {"invertChromatic", invertChromatic},
+        {"invertChords", invertChords},
+    };
+    for (const auto& [name, run] : transformations) {
+        add(name, run);
+        const std::string text(name);
+        ratios().push_back({text + ", 1,000,000 notes : copy of the frames", text + "/1000000",
+                            "copyFrames/1000000", "", 2.5});
+        ratios().push_back({text + ", cost per note, 1,000,000 notes : 10,000 notes", text + "/1000000",
+                            text + "/10000", "ns_per_note", 1.15});
+    }
+    ratios().push_back({"transposeChromatic, allocations per note, 8 notes to the frame",
+                        "transposeChromatic/1000000", "", "allocations_per_note", 0.5});
     return true;
 }();
 
