@@ -178,7 +178,7 @@ class WordReader {
     std::optional<int> readOctaves() {
         std::size_t used = 1;
         std::optional<int> count;
-        if (word() == "octave" && word(1) != "") {
+        if (word() == "octave" && !word(1).empty()) {
             count = 1;
         } else if (word(1) == "octave" || word(1) == "octaves") {
             count = word() == "an" ? 1 : parseCount(word());

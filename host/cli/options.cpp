@@ -14,7 +14,6 @@ namespace rovescio::cli {
 
 namespace {
 
-using engine::Problem;
 using engine::Result;
 
 constexpr int kMostSemitones = 120;

@@ -29,6 +29,7 @@ class Cancelling : public rovescio::test::Workplace {
             dup2(err[1], STDERR_FILENO);
             for (const int end : {in[0], in[1], err[0], err[1]}) close(end);
             std::vector<char*> argv;
+            argv.reserve(arguments.size() + 1);
             for (std::string& argument : arguments) argv.push_back(argument.data());
             argv.push_back(nullptr);
             if (chdir(path("").c_str()) == 0) execv(PROGRAM_FOLDER "/rovescio", argv.data());

@@ -22,6 +22,7 @@ inline EXENTRY quarterNote(std::int32_t elapsed) {
 inline void setNotes(engine::Document& document, const engine::FrameAddress& address,
                      const std::vector<std::int32_t>& positions) {
     std::vector<EXENTRY> entries;
+    entries.reserve(positions.size());
     for (const std::int32_t position : positions) entries.push_back(quarterNote(position));
     document.setEntries(address, entries);
 }

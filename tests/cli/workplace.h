@@ -101,7 +101,7 @@ class Workplace : public testing::Test {
 
 // A score of one part in 4/4 and C major, of as many measures of four quarter notes C5 as asked for.
 inline std::string longScore(int measures) {
-    const std::string note =
+    constexpr const char* kNote =
         "<note><pitch><step>C</step><octave>5</octave></pitch><duration>1</duration><voice>1</voice>"
         "<type>quarter</type></note>\n";
     std::string xml =
@@ -114,7 +114,8 @@ inline std::string longScore(int measures) {
                 "<attributes><divisions>1</divisions><key><fifths>0</fifths></key>"
                 "<time><beats>4</beats><beat-type>4</beat-type></time></attributes>\n";
         }
-        xml += note + note + note + note + "</measure>\n";
+        for (int beat = 1; beat <= 4; ++beat) xml += kNote;
+        xml += "</measure>\n";
     }
     return xml + "</part></score-partwise>\n";
 }
