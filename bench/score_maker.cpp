@@ -89,7 +89,7 @@ std::string makeMusicXml(std::int64_t notes) {
                 put("          <octave>%d</octave>\n        </pitch>\n        <duration>1</duration>\n"
                     "        <voice>%d</voice>\n        <type>eighth</type>\n",
                     (staff == 1 ? 5 : 3) + engine::floorDiv(pitch.step, 7), staff == 1 ? 1 : 5);
-                if (pitch.alter) put("        <accidental>sharp</accidental>\n");
+                if (pitch.alter) text += "        <accidental>sharp</accidental>\n";
                 put("        <stem>%s</stem>\n        <staff>%d</staff>\n        <beam "
                     "number=\"1\">%s</beam>\n"
                     "      </note>\n",
@@ -98,9 +98,9 @@ std::string makeMusicXml(std::int64_t notes) {
                     : i % 4 == 3 ? "end"
                                  : "continue");
             }
-            if (staff == 1) put("      <backup>\n        <duration>8</duration>\n      </backup>\n");
+            if (staff == 1) text += "      <backup>\n        <duration>8</duration>\n      </backup>\n";
         }
-        put("    </measure>\n");
+        text += "    </measure>\n";
     }
     return text + "  </part>\n</score-partwise>\n";
 }

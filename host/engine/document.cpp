@@ -54,8 +54,8 @@ const Measure& Document::measure(short measure) const {
     return measures_[static_cast<std::size_t>(measure - 1)];
 }
 
-void Document::addKeyChange(KeyChange change) {
-    keyChanges_.push_back(std::move(change));
+void Document::addKeyChange(const KeyChange& change) {
+    keyChanges_.push_back(change);
 }
 
 const KeySignature& Document::keyAt(short staff, short measure, std::int32_t position) const {

@@ -63,7 +63,7 @@ class Document {
     // Once all staves and measures are known: makes room for frames. Frames are empty until set.
     void layOut();
     StaffMeasure& staffMeasure(short staff, short measure);
-    void addKeyChange(KeyChange change);
+    void addKeyChange(const KeyChange& change);
     // Entry numbers count from 1 without gaps.
     std::uint32_t nextEntryNumber() { return ++lastEntryNumber_; }
     // Puts entries into an empty frame; they must be in the order of the layer.

@@ -36,7 +36,7 @@ KeySignature KeySignature::nonStandard(const std::array<std::int8_t, 7>& alters)
 
 int KeySignature::tonicPlace() const {
     if (!isStandard()) return 0;
-    const int fifths = static_cast<std::int8_t>(word_ & 0xFF);
+    const int fifths = (word_ & 0xFF) - (word_ & 0x80 ? 0x100 : 0);
     const int major = (4 * fifths) % 7;  // the sign of the fifths decides on which side of middle C it lies
     if ((word_ >> 8) == 0) return major;
     return major < 2 ? major + 5 : major - 2;

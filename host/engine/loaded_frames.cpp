@@ -94,7 +94,7 @@ bool LoadedFrames::insert(EXTGF2005a* record, short index, short count) {
         return false;
     // Always into a new buffer: a plug-in that goes on with the old one is noticed at once.
     std::vector<EXENTRY> grown;
-    grown.reserve(static_cast<std::size_t>(size + count));
+    grown.reserve(frame->entries.size() + static_cast<std::size_t>(count));
     grown.assign(frame->entries.begin(), frame->entries.begin() + index);
     for (short i = 0; i < count; ++i) {
         EXENTRY fresh{};

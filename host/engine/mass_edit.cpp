@@ -2,7 +2,6 @@
 #include "engine/mass_edit.h"
 
 #include <algorithm>
-#include <ranges>
 #include <string>
 #include <utility>
 
@@ -98,8 +97,8 @@ const PackedEntries& MassEdits::before(const FrameAddress& address) const {
 }
 
 void MassEdits::exchange(Step& step) {
-    for (Change& change : step | std::views::reverse)
-        document_.exchangeEntries(change.address, change.entries);
+    // A frame stands in a step but once, so the order does not matter.
+    for (Change& change : step) document_.exchangeEntries(change.address, change.entries);
 }
 
 bool MassEdits::undo() {

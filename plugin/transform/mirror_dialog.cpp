@@ -80,7 +80,9 @@ int MirrorInversionDialogProc(SXWindow dialog, std::uint16_t message, short item
 
 void editMirrorAxis(SXWindow parent, MirrorAxis& axis) {
     const short fourthC = SX_StringToMidiNote("C4");
-    axis.middleCOctave = fourthC == 72 ? 3 : fourthC == 48 ? 5 : 4;
+    axis.middleCOctave = 4;
+    if (fourthC == 72) axis.middleCOctave = 3;
+    if (fourthC == 48) axis.middleCOctave = 5;
     const SXDialogProc handler = NewFF_DialogHandlerProc(MirrorInversionDialogProc);
     SX_Dialog(kMirrorDialog, handler, parent, kSubDialogFlags, &axis);
     DisposeFF_DialogHandlerProc(handler);

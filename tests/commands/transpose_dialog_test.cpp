@@ -145,12 +145,12 @@ TEST_F(TransposeDialogTest, CancelKeepsWhatThePopupsWroteButNotTheResults) {
 TEST_F(TransposeDialogTest, ShowsTheControlsOfTheKind) {
     const std::pair<short, std::set<short>> cases[] = {
         {1, {4, 5, 6, 7, 8}}, {2, {4, 6, 8}}, {3, {4, 5, 8}}, {4, {5, 6}}};
-    for (const auto& [kind, hidden] : cases) {
+    for (const auto& c : cases) {
         work([&](MemoryDialog& dialog) {
-            dialog.choose(3, kind);
-            EXPECT_EQ(dialog.hidden, hidden) << "kind " << kind;
+            dialog.choose(3, c.first);
+            EXPECT_EQ(dialog.hidden, c.second) << "kind " << c.first;
             dialog.choose(3, 9);
-            EXPECT_EQ(dialog.hidden, hidden) << "an unknown kind changes nothing";
+            EXPECT_EQ(dialog.hidden, c.second) << "an unknown kind changes nothing";
             dialog.choose(3, 1);
             dialog.press(2);
         });
