@@ -13,7 +13,8 @@ class Key {
         return static_cast<std::uint16_t>(keySignature) < 0x200;
     }
     explicit Key(short keySignature)
-        : fifths_((keySignature & 0xFF) - (keySignature & 0x80 ? 0x100 : 0)), minor_(keySignature >> 8 == 1) {}
+        : fifths_((keySignature & 0xFF) - (keySignature & 0x80 ? 0x100 : 0)),
+          minor_(keySignature >> 8 == 1) {}
 
     // Sharps, or flats when negative.
     [[nodiscard]] int fifths() const { return fifths_; }
