@@ -113,6 +113,16 @@ engine::Result<DecodedText> decodeText(std::string bytes, const std::string& fil
                                {},
                                "Export the score again as UTF-8."};
     }
+    // Encodings with several ways to write the same text cannot promise that the rest of the file stays.
+    const engine::Result<std::string> again = encodeText(decoded.text, decoded.encoding, file);
+    if (!again || again.value() != bytes) {
+        return engine::Problem{
+            "the encoding " + decoded.encoding.name + " does not let the file be written as it was",
+            file,
+            1,
+            {},
+            "Export the score again as UTF-8."};
+    }
     return decoded;
 }
 

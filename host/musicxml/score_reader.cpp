@@ -294,6 +294,10 @@ void ScoreReader::explainFault() {
             journal_.fail("the file ends in the middle of the score", offset,
                           "It was probably cut off while it was copied or saved: get it again.");
             break;
+        case XmlFault::tooMany:
+            journal_.fail("the score has more than " + std::to_string(TreeWalk::kMaxTags) + " tags", offset,
+                          "Split the score.");
+            break;
         case XmlFault::tooDeep:
             journal_.fail("elements are nested more than " + std::to_string(TreeWalk::kMaxDepth) + " deep",
                           offset, "No score needs this: export it again.");

@@ -1,12 +1,18 @@
 // Parsing, and the walk over the tree.
 #include "musicxml/tree_walk.h"
 
+#include <algorithm>
+
 #include "musicxml/numbers.h"
 #include "musicxml/tag_names.h"
 
 namespace rovescio::musicxml {
 
 namespace {
+
+// A value is kept in its element, not in a node of its own: that is a third of the room of a large score.
+constexpr unsigned kParseFlags = pugi::parse_minimal | pugi::parse_escapes | pugi::parse_cdata |
+                                 pugi::parse_embed_pcdata | pugi::parse_doctype;
 
 // The first element at or after a node.
 pugi::xml_node elementFrom(pugi::xml_node node) {
@@ -21,9 +27,14 @@ std::size_t placeOf(const pugi::xml_node& node) {
 
 }  // namespace
 
-TreeWalk::TreeWalk(std::string_view text) : copy_(text) {
-    const pugi::xml_parse_result result = tree_.load_buffer_inplace(
-        copy_.data(), copy_.size(), pugi::parse_default | pugi::parse_doctype, pugi::encoding_utf8);
+TreeWalk::TreeWalk(std::string_view text) {
+    if (std::count(text.begin(), text.end(), '<') > kMaxTags) {
+        fail(XmlFault::tooMany, 0);
+        return;
+    }
+    copy_ = text;
+    const pugi::xml_parse_result result =
+        tree_.load_buffer_inplace(copy_.data(), copy_.size(), kParseFlags, pugi::encoding_utf8);
     if (result) {
         checkTree(text);
         return;

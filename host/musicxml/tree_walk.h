@@ -11,13 +11,16 @@
 namespace rovescio::musicxml {
 
 // What is wrong with a text as XML.
-enum class XmlFault { none, noElement, truncated, malformed, tooDeep, entities };
+enum class XmlFault { none, noElement, truncated, malformed, tooMany, tooDeep, entities };
 
 // The tree lives as long as the walk, and so do the views that it gives. A text that cannot be parsed has no
 // elements; nesting beyond reason is found while walking.
 class TreeWalk {
   public:
     static constexpr int kMaxDepth = 256;
+    // Tags of the largest text that a reader allows, if it is a score. The tree of the shortest possible
+    // elements would take 16 times the room of their text.
+    static constexpr std::ptrdiff_t kMaxTags = 24'000'000;
 
     // The text is UTF-8; places are byte offsets in it.
     explicit TreeWalk(std::string_view text);

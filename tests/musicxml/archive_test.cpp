@@ -61,17 +61,19 @@ Member container(const std::string& path) {
             "<container><rootfiles><rootfile full-path=\"" + path + "\"/></rootfiles></container>"};
 }
 
-const std::string kScore = scoreOf({note("c4:w")});
+std::string smallScore() {
+    return scoreOf({note("c4:w")});
+}
 
 TEST(CompressedScore, otherMembersStay) {
     const std::string archive = zipOf({{"mimetype", "application/x", ZIP_CM_STORE},
                                        container("music/s.xml"),
                                        {"cover.png", "\x89PNG"},
-                                       {"music/s.xml", kScore}});
+                                       {"music/s.xml", smallScore()}});
     OpenScore score = open(archive);
     EXPECT_EQ(score.file.container(), Container::compressed);
     EXPECT_EQ(score.file.write(score.document, Container::compressed).value().bytes, archive);
-    EXPECT_EQ(score.written(), kScore);
+    EXPECT_EQ(score.written(), smallScore());
 
     score.setPitch("d4");
     const auto members = membersOf(score.file.write(score.document, Container::compressed).value().bytes);
@@ -84,18 +86,18 @@ TEST(CompressedScore, otherMembersStay) {
 }
 
 TEST(CompressedScore, aPlainScoreCanBeCompressed) {
-    const OpenScore plain = open(kScore);
+    const OpenScore plain = open(smallScore());
     EXPECT_EQ(plain.file.container(), Container::plain);
     const std::string archive = plain.file.write(plain.document, Container::compressed).value().bytes;
     EXPECT_EQ(plain.file.write(plain.document, Container::compressed).value().bytes, archive);
     const auto members = membersOf(archive);
     EXPECT_EQ(members.front().name, "mimetype");
     EXPECT_EQ(members.front().method, ZIP_CM_STORE);
-    EXPECT_EQ(open(archive).written(), kScore);
+    EXPECT_EQ(open(archive).written(), smallScore());
 }
 
 TEST(CompressedScore, badArchivesAreRefused) {
-    const std::string good = zipOf({container("s.xml"), {"s.xml", kScore}});
+    const std::string good = zipOf({container("s.xml"), {"s.xml", smallScore()}});
     std::string flipped = good;
     flipped[good.find("s.xml", good.find("PK\x03\x04", 4)) + 40] ^= 0x55;
     // The size that the directory announces for the last member is made small: the contents come all the
@@ -111,7 +113,7 @@ TEST(CompressedScore, badArchivesAreRefused) {
     } cases[] = {
         {"cut off", good.substr(0, good.size() / 2),
          "the compressed score is not a sound zip archive" + again},
-        {"no container", zipOf({{"s.xml", kScore}}),
+        {"no container", zipOf({{"s.xml", smallScore()}}),
          "the compressed score lacks its member META-INF/container.xml" + again},
         {"empty container", zipOf({{"META-INF/container.xml", "<container/>"}}),
          "the compressed score does not say in META-INF/container.xml which of its members is the score" +
@@ -122,7 +124,7 @@ TEST(CompressedScore, badArchivesAreRefused) {
          "the score is larger than 65536 bytes. Split the score, or raise --max-size."},
         {"bomb with a small label", lying,
          "the score is larger than 65536 bytes. Split the score, or raise --max-size."},
-        {"encrypted", zipOf({container("s.xml"), {"s.xml", kScore, ZIP_CM_DEFLATE, "secret"}}),
+        {"encrypted", zipOf({container("s.xml"), {"s.xml", smallScore(), ZIP_CM_DEFLATE, "secret"}}),
          "the compressed score is encrypted. Save it without a password."},
     };
     ASSERT_EQ(problemOf(good, {65536}), "");

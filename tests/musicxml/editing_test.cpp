@@ -46,6 +46,12 @@ TEST(NoteEdits, pitch) {
         {"values in unusual form",
          only("<pitch ><step><!-- do --><![CDATA[C]]></step><octave > 4 </octave></pitch>" + rest), "d5",
          only("<pitch ><step>D</step><octave >5</octave></pitch>" + rest)},
+        {"marks inside of quotes and comments",
+         only("<!-- </note> <pitch> --><pitch id='\"></pitch>'><step>C</step><octave>4</octave></pitch>" +
+              rest),
+         "d4",
+         only("<!-- </note> <pitch> --><pitch id='\"></pitch>'><step>D</step><octave>4</octave></pitch>" +
+              rest)},
         {"lyrics, articulations and comments stay",
          only("<pitch><step>C</step><octave>4</octave></pitch>" + rest +
               "<notations><articulations><accent/></articulations></notations><lyric><text>C</text></lyric>"
@@ -161,6 +167,12 @@ TEST(StemEdits, followTheRuleWhereTheyDidBefore) {
         {"the farthest note of a chord decides",
          note("g4:w", stemmedChord) + chordNote("c5:w", stemmedChord) + chordNote("d5:w", stemmedChord), 0,
          "a4", "down down down"},
+        {"the upper note of a chord decided before",
+         note("g4:w", "<stem>down</stem>") + chordNote("f5:w", "<stem>down</stem>"), 0, "c4", "up up"},
+        {"a chord across staves",
+         note("c5:w", "<stem>down</stem><staff>1</staff>") +
+             chordNote("c3:w", "<stem>down</stem><staff>2</staff>"),
+         0, "a4", "down down"},
         {"a chord that lies evenly", note("g4:w", stemmedChord) + chordNote("c5:w", stemmedChord), 0, "a4",
          "up up"},
         {"a beamed group turns as one",

@@ -55,6 +55,9 @@ std::vector<ProblemCase> xmlProblems() {
          "between [ and ] in the DOCTYPE line."},
         {"unknown encoding", "<?xml version=\"1.0\" encoding=\"EBCDIC-XY\"?><score-partwise/>",
          "1: the encoding \"EBCDIC-XY\" is not known. Export the score again as UTF-8."},
+        {"ambiguous encoding", "<?xml version=\"1.0\" encoding=\"UTF-7\"?><score-partwise/>",
+         "1: the encoding UTF-7 does not let the file be written as it was. Export the score again as "
+         "UTF-8."},
         {"broken UTF-16", std::string("\xFF\xFE<\0\n\0\0\xD8x\0", 10),
          "2: the file is not in the encoding UTF-16LE that it names. Export the score again as UTF-8."},
     };
@@ -155,6 +158,12 @@ TEST(ScoreProblems, largerThanAllowed) {
     EXPECT_EQ(problemOf(sound, {sound.size() - 1}), "test.musicxml: the score is larger than " +
                                                         std::to_string(sound.size() - 1) +
                                                         " bytes. Split the score, or raise --max-size.");
+}
+
+TEST(ScoreProblems, moreTagsThanATreeShouldHold) {
+    std::string tags = "<a>";
+    tags.resize(tags.size() + 24'000'000, '<');
+    EXPECT_EQ(problemOf(tags), "test.musicxml:1: the score has more than 24000000 tags. Split the score.");
 }
 
 TEST(ScoreProblems, moreMeasuresThanTheHostCounts) {

@@ -172,6 +172,17 @@ TEST(ScoreReading, keyChangesCountFromTheNextMeasure) {
     EXPECT_FALSE(score.document.staffMeasure(1, 2).changesInside);
 }
 
+TEST(ScoreReading, theKeyThatStandsLaterInTheMeasureHolds) {
+    const auto key = [](const std::string& fifths) {
+        return "<attributes><key><fifths>" + fifths + "</fifths></key></attributes>";
+    };
+    const OpenScore score =
+        open(scoreOf({note("c4:h") + key("3") + note("c4:h") + backup(3) + key("1"), note("c4:w")}));
+    EXPECT_EQ(score.document.keyAt(1, 1, 1024).word(), 1);
+    EXPECT_EQ(score.document.keyAt(1, 1, 3072).word(), 3);
+    EXPECT_EQ(score.document.staffMeasure(1, 2).key.word(), 3);
+}
+
 TEST(ScoreReading, onlyAClefThatIsAnotherOneChangesInside) {
     const auto clef = [](const std::string& sign, int line) {
         return "<attributes><clef><sign>" + sign + "</sign><line>" + std::to_string(line) +
@@ -215,6 +226,12 @@ TEST(ScoreReading, measuresAreAsLongAsTheirTime) {
     }
 }
 
+TEST(ScoreReading, contentsAreMeasuredAcrossDivisions) {
+    const OpenScore score = open(scoreOf({note("c4:q") + "<attributes><divisions>3</divisions></attributes>"},
+                                         "<attributes><divisions>4</divisions></attributes>"));
+    EXPECT_EQ(score.document.staffMeasure(1, 1).duration, 1024);
+}
+
 TEST(ScoreReading, percussionIsOffTheScales) {
     const std::string drum =
         "<note><unpitched><display-step>E</display-step><display-octave>4</display-octave></unpitched>"
@@ -247,20 +264,22 @@ TEST(ScoreReading, linesOfTheNoteMarkItsEntry) {
 const std::string kParts =
     "<part-list><score-part id=\"A\"><part-name>Oboe</part-name></score-part>"
     "<score-part id=\"B\"><part-name></part-name></score-part></part-list>";
-const std::string kTimewise =
-    "<score-timewise><work><work-title>Echo &amp; Answer</work-title></work>"
-    "<identification><creator type=\"lyricist\">N. N.</creator><creator type=\"composer\">A. Author</creator>"
-    "</identification>" +
-    kParts + "<measure number=\"X1\"><part id=\"A\">" + kCommonAttributes + note("c4:w") +
-    "</part><part id=\"B\">" +
-    "<attributes><divisions>4</divisions><key><fifths>2</fifths></key><staves>2</staves>"
-    "<transpose><chromatic>-2</chromatic></transpose></attributes>" +
-    note("d4:w") + backup(4) + onStaff("d3:w", 2) +
-    "</part></measure><measure number=\"X2\"><part id=\"A\">" + note("e4:w") +
-    "</part></measure></score-timewise>";
+std::string timewiseScore() {
+    return "<score-timewise><work><work-title>Echo &amp; Answer</work-title></work>"
+           "<identification><creator type=\"lyricist\">N. N.</creator><creator type=\"composer\">A. "
+           "Author</creator>"
+           "</identification>" +
+           kParts + "<measure number=\"X1\"><part id=\"A\">" + kCommonAttributes + note("c4:w") +
+           "</part><part id=\"B\">" +
+           "<attributes><divisions>4</divisions><key><fifths>2</fifths></key><staves>2</staves>"
+           "<transpose><chromatic>-2</chromatic></transpose></attributes>" +
+           note("d4:w") + backup(4) + onStaff("d3:w", 2) +
+           "</part></measure><measure number=\"X2\"><part id=\"A\">" + note("e4:w") +
+           "</part></measure></score-timewise>";
+}
 
 TEST(ScoreReading, partsAndStavesInScoreOrder) {
-    const OpenScore score = open(kTimewise);
+    const OpenScore score = open(timewiseScore());
     ASSERT_EQ(score.document.staffCount(), 3);
     ASSERT_EQ(score.document.measureCount(), 2);
     EXPECT_EQ(score.document.staff(1).name, "Oboe");

@@ -31,7 +31,9 @@ std::string replaceAll(std::string text, const std::string& from, const std::str
     return text;
 }
 
-const std::string kPlain = scoreOf({note("c4:h") + note("d4:h"), note("e4:w")});
+std::string plainScore() {
+    return scoreOf({note("c4:h") + note("d4:h"), note("e4:w")});
+}
 
 std::vector<RoundTripCase> roundTripCases() {
     const std::string odd =
@@ -45,20 +47,21 @@ std::vector<RoundTripCase> roundTripCases() {
                  note("c4:w", "<lyric><text><![CDATA[</note>]]></text></lyric><play id = 'a>b' />") +
                  "<?eof > ?><barline><bar-style>light-heavy</bar-style></barline><custom:thing/>"});
     return {
-        {"plain", kPlain},
+        {"plain", plainScore()},
         {"markup of every kind", odd},
-        {"carriage returns", replaceAll(kPlain, "\n", "\r\n")},
-        {"byte order mark", "\xEF\xBB\xBF" + kPlain},
-        {"UTF-16, little end first", wide("<?xml version=\"1.0\" encoding=\"UTF-16\"?>" + kPlain, false)},
-        {"UTF-16, big end first", wide(kPlain, true)},
-        {"UTF-16 without a mark", wide(kPlain, false).substr(2)},
+        {"carriage returns", replaceAll(plainScore(), "\n", "\r\n")},
+        {"byte order mark", "\xEF\xBB\xBF" + plainScore()},
+        {"UTF-16, little end first",
+         wide("<?xml version=\"1.0\" encoding=\"UTF-16\"?>" + plainScore(), false)},
+        {"UTF-16, big end first", wide(plainScore(), true)},
+        {"UTF-16 without a mark", wide(plainScore(), false).substr(2)},
         {"Latin-1",
-         "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + replaceAll(kPlain, "Flute", "Fl\xF6te")},
-        {"Windows-1252", "<?xml version=\"1.0\" encoding='windows-1252'?>" + replaceAll(kPlain, "Flute",
+         "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + replaceAll(plainScore(), "Flute", "Fl\xF6te")},
+        {"Windows-1252", "<?xml version=\"1.0\" encoding='windows-1252'?>" + replaceAll(plainScore(), "Flute",
                                                                                         "\x93"
                                                                                         "A\x94")},
-        {"bytes that are not the UTF-8 they claim", replaceAll(kPlain, "Flute", "Fl\xF6te")},
-        {"text behind the root element", kPlain + "\n<!-- end --><?done?>\n\n"},
+        {"bytes that are not the UTF-8 they claim", replaceAll(plainScore(), "Flute", "Fl\xF6te")},
+        {"text behind the root element", plainScore() + "\n<!-- end --><?done?>\n\n"},
     };
 }
 
@@ -98,9 +101,9 @@ TEST(RoundTrip, placeholdersOfRestsAreNoNotes) {
 // An edit in each encoding must land at the right place and in the right bytes.
 TEST(RoundTrip, editsAreEncodedLikeTheFile) {
     const std::string latin =
-        "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + replaceAll(kPlain, "Flute", "Fl\xF6te");
+        "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + replaceAll(plainScore(), "Flute", "Fl\xF6te");
     const std::pair<std::string, std::string> cases[] = {
-        {wide(kPlain, true), wide(replaceAll(kPlain, "<step>C</step>", "<step>G</step>"), true)},
+        {wide(plainScore(), true), wide(replaceAll(plainScore(), "<step>C</step>", "<step>G</step>"), true)},
         {latin, replaceAll(latin, "<step>C</step>", "<step>G</step>")},
     };
     for (const auto& [before, after] : cases) {

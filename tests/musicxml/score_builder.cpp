@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 
@@ -29,20 +31,16 @@ std::string noteXml(const std::string& before, const std::string& text, const st
     std::string place = "<rest/>";
     if (text[0] != 'r') {
         const engine::SpelledPitch pitch = pitchFromText(text.substr(0, colon));
-        place = "<pitch><step>";
-        place += "CDEFGAB"[engine::floorMod(pitch.step, 7)];
-        place += "</step>";
+        const auto letter = static_cast<std::size_t>(engine::floorMod(pitch.step, 7));
+        const int octave = 4 + engine::floorDiv(pitch.step, 7);
+        place = std::string("<pitch><step>").append("CDEFGAB", letter, 1).append("</step>");
         if (pitch.alter != 0) place.append("<alter>").append(std::to_string(pitch.alter)).append("</alter>");
-        place.append("<octave>")
-            .append(std::to_string(4 + engine::floorDiv(pitch.step, 7)))
-            .append("</octave></pitch>");
+        place.append("<octave>").append(std::to_string(octave)).append("</octave></pitch>");
     }
-    for (const Value& value : kValues) {
-        if (value.name != text.at(colon + 1)) continue;
-        return "<note>" + before + place + "<duration>" + std::to_string(value.divisions) +
-               "</duration><type>" + value.type + "</type>" + more + "</note>";
-    }
-    throw std::invalid_argument("no note value in " + text);
+    const Value* const value = std::ranges::find(kValues, text.at(colon + 1), &Value::name);
+    if (value == std::end(kValues)) throw std::invalid_argument("no note value in " + text);
+    return "<note>" + before + place + "<duration>" + std::to_string(value->divisions) + "</duration><type>" +
+           value->type + "</type>" + more + "</note>";
 }
 
 void change(Document& document, const engine::FrameAddress& address, std::size_t entry, int noteId,
