@@ -60,6 +60,9 @@ void fileToFile(benchmark::State& state, const std::vector<std::string>& program
     command.push_back(workshop.out());
     double peak = 0;
     for (auto _ : state) {
+        state.PauseTiming();
+        std::filesystem::remove(workshop.out());
+        state.ResumeTiming();
         const double memory = run(command);
         if (memory < 0) {
             state.SkipWithError("the program failed");

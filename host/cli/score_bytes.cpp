@@ -141,7 +141,10 @@ int replaceFile(const std::string& path, const std::string& bytes, mode_t mode) 
     const RemovedOnCancel removed(temporary);
     int error = writeAll(file.number(), bytes);
     if (error == 0 && fchmod(file.number(), mode) != 0) error = errno;
-    if (error == 0 && fsync(file.number()) != 0) error = errno;
+    // What takes a score's place must be on the disk before it does, so that a power failure leaves one of
+    // them.
+    const bool replaces = access(path.c_str(), F_OK) == 0;
+    if (error == 0 && replaces && fsync(file.number()) != 0) error = errno;
     if (!file.close() && error == 0) error = errno;
     if (error == 0 && rename(temporary.c_str(), path.c_str()) != 0) error = errno;
     if (error != 0) unlink(temporary.c_str());

@@ -72,7 +72,11 @@ const KeySignature& Document::keyAt(short staff, short measure, std::int32_t pos
 }
 
 void Document::setEntries(const FrameAddress& address, std::span<const EXENTRY> entries) {
-    frames_[frameIndex(address)].entries = PackedEntries(entries);
+    setPackedEntries(address, PackedEntries(entries));
+}
+
+void Document::setPackedEntries(const FrameAddress& address, PackedEntries entries) {
+    frames_[frameIndex(address)].entries = std::move(entries);
 }
 
 const PackedEntries& Document::entries(const FrameAddress& address) const {

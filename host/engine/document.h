@@ -68,6 +68,7 @@ class Document {
     std::uint32_t nextEntryNumber() { return ++lastEntryNumber_; }
     // Puts entries into an empty frame; they must be in the order of the layer.
     void setEntries(const FrameAddress& address, std::span<const EXENTRY> entries);
+    void setPackedEntries(const FrameAddress& address, PackedEntries entries);
 
     // --- reading ---
     [[nodiscard]] short staffCount() const { return static_cast<short>(staves_.size()); }

@@ -175,13 +175,12 @@ void ScoreReader::assemblePart(PartReader& part, short firstStaff) {
         }
         ++number;
     }
-    std::vector<EXENTRY> entries;
-    for (const GatheredFrame& frame : part.frames()) {
+    for (GatheredFrame& frame : part.frames()) {
         for (const engine::StoredEntry& entry : frame.entries) {
             reading_.sources.entries[entry.entryNumber - 1].address.staff = global(frame.staff);
         }
-        frame.entries.expand(entries);
-        document_.setEntries({global(frame.staff), frame.measure, frame.layer}, entries);
+        document_.setPackedEntries({global(frame.staff), frame.measure, frame.layer},
+                                   std::move(frame.entries));
     }
     for (engine::KeyChange change : part.keyChanges()) {
         if (part.staves()[static_cast<std::size_t>(change.staff - 1)].isUnpitched()) continue;

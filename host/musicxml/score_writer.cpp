@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 #include "engine/entry_state.h"
 #include "musicxml/journal.h"
@@ -203,14 +205,21 @@ bool ScoreWriter::writeFrame(const FrameAddress& address) {
         if (!writeEntry(entry, address, alone)) return false;
     }
     stems_.apply();
+    edits_.settle();
     return true;
 }
 
+// Goes through the frames as they stand in the text.
 bool ScoreWriter::write() {
+    std::vector<std::pair<std::uint32_t, FrameAddress>> frames;
     for (const FrameAddress& address : document_.changedFrames()) {
-        if (!writeFrame(address)) return false;
+        const engine::PackedEntries& entries = document_.entries(address);
+        const EntrySource* const source = entries.empty() ? nullptr : sourceOf(entries[0]);
+        frames.emplace_back(source == nullptr ? 0 : sources_.notes[source->firstNote], address);
     }
-    return true;
+    std::sort(frames.begin(), frames.end());
+    return std::all_of(frames.begin(), frames.end(),
+                       [&](const auto& frame) { return writeFrame(frame.second); });
 }
 
 }  // namespace

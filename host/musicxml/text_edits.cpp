@@ -31,13 +31,13 @@ void TextEdits::insertAfter(const Element& element, std::string_view inserted) {
     replace(element.end, element.end, replacement);
 }
 
+void TextEdits::settle() {
+    std::sort(edits_.begin() + static_cast<std::ptrdiff_t>(settled_), edits_.end());
+    settled_ = edits_.size();
+}
+
 std::string TextEdits::apply() {
-    // At one place an insertion comes before what is removed there.
-    const auto place = [](const Edit& edit) { return std::uint64_t{edit.begin} << 32 | edit.end; };
-    const auto before = [&](const Edit& left, const Edit& right) { return place(left) < place(right); };
-    if (!std::is_sorted(edits_.begin(), edits_.end(), before)) {
-        std::sort(edits_.begin(), edits_.end(), before);
-    }
+    if (!std::is_sorted(edits_.begin(), edits_.end())) std::sort(edits_.begin(), edits_.end());
     std::string result;
     result.reserve(text_.size() + pool_.size());
     std::size_t copied = 0;

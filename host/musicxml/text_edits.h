@@ -28,6 +28,9 @@ class TextEdits {
     // other has one.
     void insertAfter(const Element& element, std::string_view inserted);
 
+    // Brings the edits added since the last call into the order of the text. Edits of one stretch of text are
+    // quickly put in order as long as they are few; what is left to apply() then is a check.
+    void settle();
     // The changed text. Edits must not overlap.
     [[nodiscard]] std::string apply();
 
@@ -37,12 +40,17 @@ class TextEdits {
         std::uint32_t end = 0;
         std::uint32_t poolBegin = 0;
         std::uint32_t poolEnd = 0;
+        // At one place an insertion comes before what is removed there.
+        friend bool operator<(const Edit& left, const Edit& right) {
+            return left.begin != right.begin ? left.begin < right.begin : left.end < right.end;
+        }
     };
     [[nodiscard]] std::size_t indentationBegin(const Element& element) const;
 
     std::string_view text_;
     std::string pool_;  // all replacements, one behind the other
     std::vector<Edit> edits_;
+    std::size_t settled_ = 0;
 };
 
 }  // namespace rovescio::musicxml

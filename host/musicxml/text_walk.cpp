@@ -46,18 +46,11 @@ void TextWalk::restart(std::size_t offset) {
 
 std::size_t TextWalk::findTag() const {
     std::size_t begin = text_.find('<', next_);
-    while (begin != std::string_view::npos) {
+    while (begin != std::string_view::npos && (text_[begin + 1] == '!' || text_[begin + 1] == '?')) {
         const std::string_view rest = text_.substr(begin);
-        std::string_view mark;
-        if (rest.starts_with("<!--")) {
-            mark = "-->";
-        } else if (rest.starts_with("<![CDATA[")) {
-            mark = "]]>";
-        } else if (rest.starts_with("<?")) {
-            mark = "?>";
-        } else {
-            break;
-        }
+        const std::string_view mark = rest.starts_with("<!--") ? "-->"
+                                      : rest.starts_with("<?") ? "?>"
+                                                               : "]]>";
         const std::size_t end = text_.find(mark, begin);
         begin = end == std::string_view::npos ? end : text_.find('<', end);
     }
@@ -66,10 +59,12 @@ std::size_t TextWalk::findTag() const {
 
 TextWalk::Tag TextWalk::nextTag() {
     const std::size_t begin = findTag();
-    const std::size_t end = tagEnd(text_, begin);
+    if (begin == std::string_view::npos) return Tag::none;
+    const bool closes = text_[begin + 1] == '/';
+    const std::size_t end = closes ? text_.find('>', begin) : tagEnd(text_, begin);
     if (end >= text_.size()) return Tag::none;
     next_ = end + 1;
-    if (text_[begin + 1] == '/') {
+    if (closes) {
         closeBegin_ = begin;
         --open_;
         return Tag::close;
