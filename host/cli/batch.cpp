@@ -127,8 +127,10 @@ class Batch {
         const std::size_t done = codes_[ExitCode::ok];
         const std::size_t failed = items_.size() - done;
         if (!options_.quiet) {
-            say("transposed " + std::to_string(done) + " of " + counted(items_.size(), "score") + " -> " +
-                options_.outputFolder + (failed > 0 ? "; " + std::to_string(failed) + " failed" : ""));
+            const bool transposed = options_.transformation.isTransposition();
+            say((transposed ? "transposed " : "wrote ") + std::to_string(done) + " of " +
+                counted(items_.size(), "score") + " -> " + options_.outputFolder +
+                (failed > 0 ? "; " + std::to_string(failed) + " failed" : ""));
         }
         if (failed == 0) return ExitCode::ok;
         for (const auto& [code, times] : codes_) {

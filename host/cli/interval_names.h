@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "dialogs/transposition_script.h"
+#include "dialogs/transformation_script.h"
 #include "engine/problem.h"
 
 namespace rovescio::cli {

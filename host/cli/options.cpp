@@ -6,9 +6,9 @@
 #include <iostream>
 #include <string_view>
 
-#include "cli/interval_names.h"
 #include "cli/messages.h"
 #include "cli/score_bytes.h"
+#include "cli/transformation_options.h"
 
 namespace rovescio::cli {
 
@@ -16,9 +16,6 @@ namespace {
 
 using engine::Result;
 
-constexpr int kMostSemitones = 120;
-constexpr int kMostSteps = 70;
-constexpr int kMostOctaves = 10;
 constexpr std::size_t kDefaultMebibytes = 256;
 constexpr std::size_t kMebibyte = std::size_t{1} << 20;
 constexpr std::size_t kMostMebibytes = 4095;
@@ -28,7 +25,9 @@ constexpr const char* kFooter = R"(Examples:
   rovescio song.mxl --transpose m-3 --measures 3-10 --staves 1-2 -o new.mxl
   rovescio song.musicxml --semitones 5 --measures 3:2-10:1.5 -o new.musicxml
   rovescio - --steps 2 -o - < song.musicxml > new.musicxml
+  rovescio song.musicxml --invert chromatic --axis "B-flat 3" -o mirrored.musicxml
   rovescio scores/*.mxl --transpose "down P5" --out-dir transposed
+  rovescio validate Other.bundle     checks a plug-in; see rovescio validate --help
 
 Exit codes:
   0 done   1 could not be applied to this music   2 wrong command line
@@ -52,11 +51,7 @@ CLI::Validator range(Number lowest, Number highest) {
 
 // The options as they are written, before they are understood.
 struct RawOptions {
-    std::string transpose;
-    std::optional<int> semitones;
-    std::optional<int> steps;
-    std::optional<int> octaves;
-    std::string spelling;
+    TransformationTexts transformation;
     std::string measures;
     std::string staves;
     std::string layers;
@@ -65,38 +60,13 @@ struct RawOptions {
 };
 
 void define(CLI::App& app, Options& options, RawOptions& raw) {
-    const char* interval = "What to do";
+    const char* what = "What to do";
     app.add_option("SCORE", options.scores, "MusicXML files (.musicxml, .xml, .mxl); - is standard input")
         ->type_name("")
         ->required();
-    auto* byName = app.add_option("-t,--transpose", raw.transpose,
-                                  "Transpose by an interval: \"up minor third\", \"down P5\", m-3")
-                       ->type_name("INTERVAL")
-                       ->group(interval);
-    auto* bySemitone =
-        app.add_option("--semitones", raw.semitones, "Transpose by semitones; below zero is down")
-            ->type_name("N")
-            ->check(range(-kMostSemitones, kMostSemitones))
-            ->group(interval);
-    auto* byStep =
-        app.add_option("--steps", raw.steps, "Transpose by steps within the key; below zero is down")
-            ->type_name("N")
-            ->check(range(-kMostSteps, kMostSteps))
-            ->group(interval);
-    byName->excludes(bySemitone)->excludes(byStep);
-    bySemitone->excludes(byStep);
-    app.add_option("--octaves", raw.octaves, "Octaves further in the same direction, or octaves alone")
-        ->type_name("N")
-        ->check(range(-kMostOctaves, kMostOctaves))
-        ->group(interval);
-    app.add_option("--spelling", raw.spelling,
-                   "With --semitones: by minor intervals (flats) or augmented (sharps)")
-        ->type_name("sharps|flats")
-        ->check(CLI::IsMember({"sharps", "flats"}).description(""))
-        ->needs(bySemitone)
-        ->group(interval);
+    defineTransformations(app, what, raw.transformation);
     app.add_flag("--info", options.info, "Show staves, measures, keys and layers, and change nothing")
-        ->group(interval);
+        ->group(what);
 
     const char* where = "Where (default: everywhere)";
     app.add_option("-m,--measures", raw.measures,
@@ -157,30 +127,11 @@ Result<PlannedFault> parseFault(const std::string& text) {
     return PlannedFault(function, call);
 }
 
-Result<std::optional<dialogs::Transposition>> understandTransposition(const RawOptions& raw) {
-    using dialogs::Transposition;
-    std::optional<Transposition> result;
-    if (!raw.transpose.empty()) {
-        Result<Transposition> named = parseInterval(raw.transpose);
-        if (!named) return named.problem();
-        result = *named;
-    } else if (raw.semitones) {
-        result = bySemitones(*raw.semitones, raw.spelling == "sharps" ? Transposition::Spelling::sharps
-                                                                      : Transposition::Spelling::flats);
-    } else if (raw.steps) {
-        result = bySteps(*raw.steps);
-    } else if (raw.octaves) {
-        return std::optional(byOctaves(*raw.octaves));
-    }
-    if (result) result->octaves += raw.octaves.value_or(0);
-    return result;
-}
-
 // Turns the texts into what they mean.
 Result<engine::Done> understand(const RawOptions& raw, Options& options) {
-    const auto transposition = understandTransposition(raw);
-    if (!transposition) return transposition.problem();
-    options.transposition = transposition.value();
+    const Result<dialogs::Transformation> transformation = understandTransformation(raw.transformation);
+    if (!transformation) return transformation.problem();
+    options.transformation = transformation.value();
     if (!raw.measures.empty()) {
         const Result<MeasureRange> measures = parseMeasures(raw.measures);
         if (!measures) return measures.problem();
@@ -212,15 +163,17 @@ Result<engine::Done> understand(const RawOptions& raw, Options& options) {
 // Finds combinations that make no sense.
 Result<engine::Done> checkTogether(const Options& options) {
     const bool several = options.scores.size() > 1;
+    const bool nothing = options.transformation.stepCount() == 0;
     if (options.info) {
-        if (options.transposition || !options.output.empty() || !options.outputFolder.empty()) {
+        if (!nothing || !options.output.empty() || !options.outputFolder.empty()) {
             return problemWith("--info shows scores and changes nothing", "Leave the other options out");
         }
         return engine::Done{};
     }
-    if (!options.transposition) {
+    if (nothing) {
         return problemWith("there is nothing to do",
-                           "Say it with --transpose, --semitones, --steps or --octaves, or look with --info");
+                           "Say it with --transpose, --semitones, --steps, --octaves, --invert, "
+                           "--invert-chords, --notes or --remove-ties, or look with --info");
     }
     if (several && options.outputFolder.empty()) {
         return problemWith("several scores need a folder for their results", "Name one with --out-dir");
@@ -240,16 +193,10 @@ Result<engine::Done> checkTogether(const Options& options) {
 
 // The arguments that every process of a batch gets as well.
 std::vector<std::string> argumentsToPassOn(const Options& options, const RawOptions& raw) {
-    std::vector<std::string> passed;
+    std::vector<std::string> passed = argumentsOf(raw.transformation);
     const auto pass = [&](const std::string& name, const std::string& value) {
         if (!value.empty()) passed.push_back(name + "=" + value);
     };
-    const auto text = [](const std::optional<int>& number) { return number ? std::to_string(*number) : ""; };
-    pass("--transpose", raw.transpose);
-    pass("--semitones", text(raw.semitones));
-    pass("--steps", text(raw.steps));
-    pass("--octaves", text(raw.octaves));
-    pass("--spelling", raw.spelling);
     pass("--measures", raw.measures);
     pass("--staves", raw.staves);
     pass("--layers", raw.layers);
@@ -263,7 +210,7 @@ std::vector<std::string> argumentsToPassOn(const Options& options, const RawOpti
 }  // namespace
 
 std::variant<Options, ExitCode> parseOptions(int argc, const char* const* argv) {
-    CLI::App app("Transposes selected music of MusicXML scores.", "rovescio");
+    CLI::App app("Transposes and inverts selected music of MusicXML scores.", "rovescio");
     app.formatter(std::make_shared<HelpFormatter>());
     app.get_formatter()->column_width(28);
     app.footer(kFooter);

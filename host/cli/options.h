@@ -2,21 +2,20 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
 #include "cli/exit_code.h"
 #include "cli/selection_request.h"
-#include "cli/transpose_run.h"
-#include "dialogs/transposition_script.h"
+#include "cli/transformation_run.h"
+#include "dialogs/transformation_script.h"
 
 namespace rovescio::cli {
 
 struct Options {
     std::vector<std::string> scores;  // paths; "-" is standard input
-    std::optional<dialogs::Transposition> transposition;
+    dialogs::Transformation transformation;
     SelectionRequest selection;
     std::string output;            // a path, "-" for standard output, or empty
     std::string outputFolder;      // or empty

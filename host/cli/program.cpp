@@ -1,8 +1,9 @@
-// The way of one score through the program, and the choice between one, several and --info.
+// The way of one score through the program, and the choice between one, several, --info and validate.
 #include "cli/program.h"
 
 #include <filesystem>
 #include <iostream>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -14,7 +15,8 @@
 #include "cli/score_bytes.h"
 #include "cli/score_info.h"
 #include "cli/selection.h"
-#include "cli/transpose_run.h"
+#include "cli/transformation_run.h"
+#include "cli/validate_command.h"
 #include "musicxml/score_file.h"
 
 namespace rovescio::cli {
@@ -74,15 +76,16 @@ ExitCode failScore(ExitCode code, Problem problem, const std::string& path) {
     return fail(code, problem);
 }
 
-void summarise(const TransposeOutcome& outcome, const Selection& selection, const std::string& output) {
+void summarise(const Options& options, const TransformationOutcome& outcome, const Selection& selection) {
     std::string notes = counted(outcome.notesSelected, "note");
     if (outcome.notesChanged < outcome.notesSelected)
         notes = std::to_string(outcome.notesChanged) + " of " + notes;
-    say("transposed " + notes + " in " + selection.description + " -> " +
-        (output == kStandardStream ? "standard output" : output));
+    say((options.transformation.isTransposition() ? "transposed " : "changed ") + notes + " in " +
+        selection.description + " -> " +
+        (options.output == kStandardStream ? "standard output" : options.output));
 }
 
-ExitCode transposeScore(const Options& options, const Installation& installation) {
+ExitCode transformScore(const Options& options, const Installation& installation) {
     const std::string& path = options.scores.front();
     const Result<engine::Done> target = checkTarget(options.output);
     if (!target) return fail(ExitCode::badOutput, target.problem());
@@ -93,24 +96,24 @@ ExitCode transposeScore(const Options& options, const Installation& installation
     const Result<Selection> selection = select(document, options.selection);
     if (!selection) return failScore(ExitCode::refused, selection.problem(), path);
 
-    const TransposeOptions run{
-        .engineBundle = installation.engineBundle,
-        .pluginBundle = options.plugin.empty() ? installation.pluginBundle : options.plugin,
-        .trace = options.trace,
-        .quiet = options.quiet,
-        .faults = options.faults};
-    const TransposeOutcome outcome = transpose(document, selection.value(), *options.transposition, run);
+    const RunOptions run{.engineBundle = installation.engineBundle,
+                         .pluginBundle = options.plugin.empty() ? installation.pluginBundle : options.plugin,
+                         .trace = options.trace,
+                         .quiet = options.quiet,
+                         .faults = options.faults};
+    const TransformationOutcome outcome = transform(document, selection.value(), options.transformation, run);
     if (outcome.code == ExitCode::refused) return failScore(outcome.code, outcome.problem, path);
     if (outcome.code != ExitCode::ok) return fail(outcome.code, outcome.problem);
 
     const auto written = score->write(document, containerFor(options.output));
     if (!written) return failScore(ExitCode::refused, written.problem(), path);
-    const Result<engine::Done> stored = writeScoreBytes(options.output, written.value().bytes);
+    const Result<engine::Done> stored = writeScoreBytes(
+        options.output, [&](const musicxml::ByteSink& sink) { return written.value().writeTo(sink); });
     if (!stored) return fail(ExitCode::badOutput, stored.problem());
 
     for (const std::string& notice : score->notices()) say(notice);
-    for (const std::string& notice : written.value().notices) say(notice);
-    if (!options.quiet) summarise(outcome, selection.value(), options.output);
+    for (const std::string& notice : written.value().notices()) say(notice);
+    if (!options.quiet) summarise(options, outcome, selection.value());
     return ExitCode::ok;
 }
 
@@ -118,17 +121,20 @@ ExitCode transposeScore(const Options& options, const Installation& installation
 
 int run(int argc, char** argv) {
     watchSignals();
+    const Installation installation = findInstallation(argv[0]);
+    if (argc > 1 && std::string_view(argv[1]) == "validate") {
+        return static_cast<int>(validate(argc - 1, argv + 1, installation.engineBundle));
+    }
     const auto parsed = parseOptions(argc, argv);
     if (const auto* code = std::get_if<ExitCode>(&parsed)) return static_cast<int>(*code);
     const auto& options = std::get<Options>(parsed);
-    const Installation installation = findInstallation(argv[0]);
     ExitCode code = ExitCode::ok;
     if (options.info) {
         code = showInfo(options);
     } else if (!options.outputFolder.empty()) {
         code = runBatch(options, installation.program);
     } else {
-        code = transposeScore(options, installation);
+        code = transformScore(options, installation);
     }
     return static_cast<int>(code);
 }

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -96,15 +97,20 @@ Problem writeProblem(const std::string& path, int error) {
 }
 
 // The error number of the first failed write; 0 when all went well.
-int writeAll(int descriptor, const std::string& bytes) {
-    std::size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t written = ::write(descriptor, bytes.data() + done, bytes.size() - done);
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return errno;
-        done += static_cast<std::size_t>(written);
-    }
-    return 0;
+int writeAll(int descriptor, const ByteSource& source) {
+    int error = 0;
+    source([&](std::string_view bytes) {
+        while (!bytes.empty() && error == 0) {
+            const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+            if (written >= 0) {
+                bytes.remove_prefix(static_cast<std::size_t>(written));
+            } else if (errno != EINTR) {
+                error = errno;
+            }
+        }
+        return error == 0;
+    });
+    return error;
 }
 
 std::string folderOf(const std::string& path) {
@@ -126,20 +132,20 @@ mode_t usualMode() {
     return static_cast<mode_t>(0666 & ~mask);
 }
 
-int writeStream(int descriptor, const std::string& bytes, bool closeAfter) {
+int writeStream(int descriptor, const ByteSource& source, bool closeAfter) {
     Descriptor stream(closeAfter ? descriptor : -1);
-    const int error = writeAll(descriptor, bytes);
+    const int error = writeAll(descriptor, source);
     if (error != 0 || !closeAfter) return error;
     return stream.close() ? 0 : errno;
 }
 
 // Puts a complete file in the place of another, or of none.
-int replaceFile(const std::string& path, const std::string& bytes, mode_t mode) {
+int replaceFile(const std::string& path, const ByteSource& source, mode_t mode) {
     std::string temporary = folderOf(path) + "/.rovescio-XXXXXX";
     Descriptor file(mkstemp(temporary.data()));
     if (file.number() < 0) return errno;
     const RemovedOnCancel removed(temporary);
-    int error = writeAll(file.number(), bytes);
+    int error = writeAll(file.number(), source);
     if (error == 0 && fchmod(file.number(), mode) != 0) error = errno;
     // What takes a score's place must be on the disk before it does, so that a power failure leaves one of
     // them.
@@ -168,8 +174,11 @@ Result<std::string> readScoreBytes(const std::string& path, std::size_t maximum)
     constexpr std::size_t kPiece = std::size_t{1} << 18;
     while (true) {
         const std::size_t before = bytes.size();
-        bytes.resize(before + kPiece);
-        const ssize_t count = read(file.number(), bytes.data() + before, kPiece);
+        // Within the room there is, so that a whole file is never moved to find that it has ended.
+        const std::size_t room = bytes.capacity() - before;
+        const std::size_t piece = room > 0 ? std::min(room, kPiece) : kPiece;
+        bytes.resize(before + piece);
+        const ssize_t count = read(file.number(), bytes.data() + before, piece);
         bytes.resize(before + static_cast<std::size_t>(count > 0 ? count : 0));
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return readProblem(path, errno);
@@ -196,20 +205,20 @@ Result<Done> checkTarget(const std::string& path) {
     return Done{};
 }
 
-Result<Done> writeScoreBytes(const std::string& path, const std::string& bytes) {
+Result<Done> writeScoreBytes(const std::string& path, const ByteSource& source) {
     int error = 0;
     struct stat status {};
     const bool standard = path == kStandardStream;
     const bool exists = !standard && stat(path.c_str(), &status) == 0;
     if (standard) {
-        error = writeStream(STDOUT_FILENO, bytes, false);
+        error = writeStream(STDOUT_FILENO, source, false);
     } else if (exists && !S_ISREG(status.st_mode)) {
         // Devices and pipes are written to, not replaced.
         const int descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-        error = descriptor < 0 ? errno : writeStream(descriptor, bytes, true);
+        error = descriptor < 0 ? errno : writeStream(descriptor, source, true);
     } else {
         const mode_t mode = exists ? static_cast<mode_t>(status.st_mode & 07777) : usualMode();
-        error = replaceFile(finalPath(path), bytes, mode);
+        error = replaceFile(finalPath(path), source, mode);
     }
     if (error != 0) return writeProblem(path, error);
     return Done{};

@@ -15,10 +15,10 @@ bool isDigit(char c) {
 }  // namespace
 
 std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kSpaces = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kSpaces);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kSpaces) - first + 1);
+    const auto isSpace = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+    return text;
 }
 
 std::optional<Decimal> parseDecimal(std::string_view text) {

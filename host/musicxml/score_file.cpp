@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "musicxml/archive.h"
-#include "musicxml/score_writer.h"
 
 namespace rovescio::musicxml {
 
@@ -38,22 +37,31 @@ engine::Result<ScoreFile> ScoreFile::read(std::string bytes, std::string name, e
     return file;
 }
 
+std::string WrittenFile::bytes() const {
+    std::string whole;
+    writeTo([&](std::string_view piece) {
+        whole += piece;
+        return true;
+    });
+    return whole;
+}
+
 engine::Result<WrittenFile> ScoreFile::write(const engine::Document& document, Container container) const {
-    engine::Result<WrittenText> written = writeScore(text_, reading_.sources, document, name_);
+    engine::Result<ScoreEdits> written = editScore(text_, reading_.sources, document, name_);
     if (!written) return written.problem();
-    WrittenFile result;
-    result.notices = std::move(written->notices);
-    if (container == Container::compressed && !archive_.empty() && written->text == text_) {
-        result.bytes = archive_;
-        return result;
+    const bool unchanged = written->edits.empty();
+    if (container == Container::plain && encoding_.isUtf8()) return WrittenFile(std::move(*written));
+    std::vector<std::string> notices = written->notices;
+    if (container == Container::compressed && !archive_.empty() && unchanged) {
+        return WrittenFile(archive_, std::move(notices));
     }
-    engine::Result<std::string> bytes = encodeText(std::move(written->text), encoding_, name_);
+    engine::Result<std::string> bytes =
+        encodeText(WrittenFile(std::move(*written)).bytes(), encoding_, name_);
     if (bytes && container == Container::compressed) {
         bytes = archive_.empty() ? packScore(*bytes, name_) : repackScore(archive_, rootFile_, *bytes, name_);
     }
     if (!bytes) return bytes.problem();
-    result.bytes = std::move(*bytes);
-    return result;
+    return WrittenFile(std::move(*bytes), std::move(notices));
 }
 
 }  // namespace rovescio::musicxml

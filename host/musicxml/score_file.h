@@ -2,13 +2,16 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/document.h"
 #include "engine/problem.h"
 #include "musicxml/encoding.h"
 #include "musicxml/score_reader.h"
+#include "musicxml/score_writer.h"
 
 namespace rovescio::musicxml {
 
@@ -19,10 +22,25 @@ struct ReadOptions {
 
 enum class Container { plain, compressed };
 
-// What was written, and what the user should know about it.
-struct WrittenFile {
-    std::string bytes;
-    std::vector<std::string> notices;
+// A file ready to be written.
+class WrittenFile {
+  public:
+    // A file whose bytes are those of a text with edits, or known already. The text must outlive it.
+    explicit WrittenFile(ScoreEdits written)
+        : edits_(std::move(written.edits)), notices_(std::move(written.notices)) {}
+    WrittenFile(std::string bytes, std::vector<std::string> notices)
+        : bytes_(std::move(bytes)), notices_(std::move(notices)) {}
+
+    // Hands all bytes to the sink in turn; false as soon as the sink refuses some.
+    bool writeTo(const ByteSink& sink) const { return edits_ ? edits_->applyTo(sink) : sink(bytes_); }
+    [[nodiscard]] std::string bytes() const;
+    // What the user should know about the writing, each once.
+    [[nodiscard]] const std::vector<std::string>& notices() const { return notices_; }
+
+  private:
+    std::optional<TextEdits> edits_;
+    std::string bytes_;
+    std::vector<std::string> notices_;
 };
 
 // Keeps the file's text as it came. Writing changes only the places that belong
@@ -33,7 +51,7 @@ class ScoreFile {
     static engine::Result<ScoreFile> read(std::string bytes, std::string name, engine::Document& document,
                                           const ReadOptions& options = {});
 
-    // The bytes of the whole file for the document as it is now, which must be
+    // The whole file for the document as it is now, which must be
     // the one that was read into. An archive keeps its other members; without any
     // change it is the very archive that was read.
     [[nodiscard]] engine::Result<WrittenFile> write(const engine::Document& document,

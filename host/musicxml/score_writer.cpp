@@ -30,7 +30,10 @@ class ScoreWriter {
           stems_(edits_) {}
 
     bool write();
-    std::string take(const std::string& text) { return edits_.empty() ? text : edits_.apply(); }
+    TextEdits take() {
+        edits_.settleAll();
+        return std::move(edits_);
+    }
 
   private:
     const EntrySource* sourceOf(const engine::StoredEntry& entry) const;
@@ -205,7 +208,7 @@ bool ScoreWriter::writeFrame(const FrameAddress& address) {
         if (!writeEntry(entry, address, alone)) return false;
     }
     stems_.apply();
-    edits_.settle();
+    edits_.settleNew();
     return true;
 }
 
@@ -224,15 +227,12 @@ bool ScoreWriter::write() {
 
 }  // namespace
 
-engine::Result<WrittenText> writeScore(const std::string& text, const SourceMap& sources,
-                                       const engine::Document& document, const std::string& file) {
+engine::Result<ScoreEdits> editScore(const std::string& text, const SourceMap& sources,
+                                     const engine::Document& document, const std::string& file) {
     Journal journal(text, file);
     ScoreWriter writer(text, sources, document, journal);
     if (!writer.write()) return journal.problem();
-    WrittenText written;
-    written.text = writer.take(text);
-    written.notices = std::move(journal.notices());
-    return written;
+    return ScoreEdits{writer.take(), std::move(journal.notices())};
 }
 
 }  // namespace rovescio::musicxml

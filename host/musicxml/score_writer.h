@@ -7,18 +7,19 @@
 #include "engine/document.h"
 #include "engine/problem.h"
 #include "musicxml/source_map.h"
+#include "musicxml/text_edits.h"
 
 namespace rovescio::musicxml {
 
-struct WrittenText {
-    std::string text;                  // the same as before when nothing changed
+struct ScoreEdits {
+    TextEdits edits;                   // settled; none when nothing changed
     std::vector<std::string> notices;  // for the user, each once
 };
 
-// Writes the pitches, accidentals and ties of the document's changed frames
-// into a copy of the text that it was read from. Fails when entries were added,
-// removed, moved in time or changed in value.
-engine::Result<WrittenText> writeScore(const std::string& text, const SourceMap& sources,
-                                       const engine::Document& document, const std::string& file);
+// Finds the edits that bring the pitches, accidentals and ties of the document's
+// changed frames into the text that it was read from. Fails when entries were
+// added, removed, moved in time or changed in value.
+engine::Result<ScoreEdits> editScore(const std::string& text, const SourceMap& sources,
+                                     const engine::Document& document, const std::string& file);
 
 }  // namespace rovescio::musicxml

@@ -14,4 +14,11 @@ constexpr std::uint64_t tag(std::string_view name) {
     return hash;
 }
 
+// The same of a terminated name, in one pass.
+inline std::uint64_t tagOfTerminated(const char* name) {
+    std::uint64_t hash = tag({});
+    for (; *name != '\0'; ++name) hash = (hash ^ static_cast<unsigned char>(*name)) * 0x100000001b3U;
+    return hash;
+}
+
 }  // namespace rovescio::musicxml

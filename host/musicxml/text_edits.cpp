@@ -31,23 +31,38 @@ void TextEdits::insertAfter(const Element& element, std::string_view inserted) {
     replace(element.end, element.end, replacement);
 }
 
-void TextEdits::settle() {
+void TextEdits::settleNew() {
     std::sort(edits_.begin() + static_cast<std::ptrdiff_t>(settled_), edits_.end());
     settled_ = edits_.size();
 }
 
-std::string TextEdits::apply() {
+void TextEdits::settleAll() {
     if (!std::is_sorted(edits_.begin(), edits_.end())) std::sort(edits_.begin(), edits_.end());
-    std::string result;
-    result.reserve(text_.size() + pool_.size());
+}
+
+bool TextEdits::applyTo(const ByteSink& sink) const {
+    // Most pieces are short; the sink gets them in portions that fit into the processor's cache.
+    constexpr std::size_t kPortion = std::size_t{1} << 16;
+    std::string portion;
+    portion.reserve(kPortion);
+    const auto put = [&](std::string_view piece) {
+        while (portion.size() + piece.size() > kPortion) {
+            const std::size_t fits = kPortion - portion.size();
+            portion += piece.substr(0, fits);
+            piece.remove_prefix(fits);
+            if (!sink(portion)) return false;
+            portion.clear();
+        }
+        portion += piece;
+        return true;
+    };
     std::size_t copied = 0;
     for (const Edit& edit : edits_) {
-        result += text_.substr(copied, edit.begin - copied);
-        result += std::string_view(pool_).substr(edit.poolBegin, edit.poolEnd - edit.poolBegin);
+        if (!put(text_.substr(copied, edit.begin - copied))) return false;
+        if (!put(std::string_view(pool_).substr(edit.poolBegin, edit.poolEnd - edit.poolBegin))) return false;
         copied = edit.end;
     }
-    result += text_.substr(copied);
-    return result;
+    return put(text_.substr(copied)) && sink(portion);
 }
 
 }  // namespace rovescio::musicxml

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,9 @@
 #include "musicxml/text_walk.h"
 
 namespace rovescio::musicxml {
+
+// Takes bytes; false when it cannot take more.
+using ByteSink = std::function<bool(std::string_view)>;
 
 class TextEdits {
   public:
@@ -28,11 +32,13 @@ class TextEdits {
     // other has one.
     void insertAfter(const Element& element, std::string_view inserted);
 
-    // Brings the edits added since the last call into the order of the text. Edits of one stretch of text are
-    // quickly put in order as long as they are few; what is left to apply() then is a check.
-    void settle();
-    // The changed text. Edits must not overlap.
-    [[nodiscard]] std::string apply();
+    // Brings the edits added since the last call into the order of the text, and all of them in the end.
+    // Those of one stretch of text are quickly put in order while they are few.
+    void settleNew();
+    void settleAll();
+    // Hands the changed text to a sink, piece by piece; false as soon as the sink refuses one. Edits must not
+    // overlap, and all must be settled.
+    bool applyTo(const ByteSink& sink) const;
 
   private:
     struct Edit {

@@ -15,7 +15,7 @@ bool isSpace(char c) {
 }
 
 bool endsName(char c) {
-    return isSpace(c) || c == '>' || c == '/' || c == '=';
+    return static_cast<unsigned char>(c) <= ' ' || c == '>' || c == '/' || c == '=';
 }
 
 // The first character from here on that has a property; tags are short, so each is looked at.
@@ -60,15 +60,17 @@ std::size_t TextWalk::findTag() const {
 TextWalk::Tag TextWalk::nextTag() {
     const std::size_t begin = findTag();
     if (begin == std::string_view::npos) return Tag::none;
-    const bool closes = text_[begin + 1] == '/';
-    const std::size_t end = closes ? text_.find('>', begin) : tagEnd(text_, begin);
-    if (end >= text_.size()) return Tag::none;
-    next_ = end + 1;
-    if (closes) {
+    if (text_[begin + 1] == '/') {
         closeBegin_ = begin;
+        next_ = text_.find('>', begin) + 1;
         --open_;
         return Tag::close;
     }
+    const std::size_t nameEnd = findFirst(text_, begin + 1, endsName);
+    const std::size_t end = tagEnd(text_, nameEnd);
+    if (end >= text_.size()) return Tag::none;
+    name_ = text_.substr(begin + 1, nameEnd - begin - 1);
+    next_ = end + 1;
     element_ = {begin, next_, next_, next_};
     atEmpty_ = text_[end - 1] == '/';
     if (atEmpty_) return Tag::empty;
@@ -83,8 +85,7 @@ bool TextWalk::next(std::size_t level) {
         const Tag found = nextTag();
         if (found == Tag::none) return false;
         if (found != Tag::close && depth == level) {
-            const std::size_t name = element_.begin + 1;
-            tagNumber_ = tag(text_.substr(name, findFirst(text_, name, endsName) - name));
+            tagNumber_ = tag(name_);
             return true;
         }
         // The element that the walk started at has ended.

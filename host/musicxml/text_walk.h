@@ -65,6 +65,7 @@ class TextWalk {
     std::string_view text_;
     std::size_t next_ = 0;
     std::size_t open_ = 0;  // elements around the walk
+    std::string_view name_;
     std::uint64_t tagNumber_ = 0;
     Element element_;
     bool atEmpty_ = false;

@@ -28,7 +28,8 @@ std::size_t placeOf(const pugi::xml_node& node) {
 }  // namespace
 
 TreeWalk::TreeWalk(std::string_view text) {
-    if (std::count(text.begin(), text.end(), '<') > kMaxTags) {
+    // A short text cannot hold so many, and need not be counted.
+    if (text.size() > std::size_t{kMaxTags} && std::count(text.begin(), text.end(), '<') > kMaxTags) {
         fail(XmlFault::tooMany, 0);
         return;
     }
@@ -107,7 +108,7 @@ bool TreeWalk::next(std::size_t level) {
         entered_ = true;
         return false;
     }
-    tagNumber_ = tag(path_.back().name());
+    tagNumber_ = tagOfTerminated(path_.back().name());
     return true;
 }
 

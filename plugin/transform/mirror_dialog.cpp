@@ -45,7 +45,7 @@ void accept(SXWindow dialog, MirrorAxis& axis) {
 // Takes a note from the MIDI input; black keys are spelled as sharps.
 void listen(SXWindow dialog, const MirrorAxis& axis) {
     static constexpr std::array<short, 12> kEntries = {2, 3, 5, 6, 8, 11, 12, 14, 15, 17, 18, 20};
-    std::array<std::uint8_t, 4> event{};  // status, note, velocity
+    std::array<std::uint8_t, 64> event{};  // status, note, velocity; room for hosts that write more
     if (!SX_ListenToMidi(dialog, event.data()) || (event[0] & 0xF0) != 0x90) return;
     const int note = event[1];
     SX_SetDlgItemVal(dialog, kNotePopup, kPopupValue, kEntries[static_cast<std::size_t>(note % 12)]);

@@ -47,6 +47,22 @@ TEST_F(Refusals, OfCommandLinesThatAreWrong) {
          "the nearest is \"up minor third\""},
         {"rovescio greensleeves.musicxml -t M2 --steps 1 -o new.xml", 2, "excludes"},
         {"rovescio greensleeves.musicxml --semitones 3000 -o new.xml", 2, "--semitones"},
+        {"rovescio greensleeves.musicxml --invert sideways --axis E4 -o new.xml", 2, "sideways"},
+        {"rovescio greensleeves.musicxml --invert diatonic -o new.xml", 2, "--invert requires --axis"},
+        {"rovescio greensleeves.musicxml --axis E4 -t M2 -o new.xml", 2, "--axis requires --invert"},
+        {"rovescio greensleeves.musicxml --simplify -t M2 -o new.xml", 2, "--simplify requires --invert"},
+        {"rovescio greensleeves.musicxml --invert diatonic --axis E4 --simplify -o new.xml", 2,
+         "--simplify is for --invert chromatic"},
+        {"rovescio greensleeves.musicxml --invert diatonic --axis F#4 -o new.xml", 2,
+         "the axis of a diatonic inversion has no sharp or flat. Write F4"},
+        {"rovescio greensleeves.musicxml --invert chromatic --axis H4 -o new.xml", 2,
+         "--axis \"H4\" is no pitch known here. Write a letter A to G"},
+        {"rovescio greensleeves.musicxml --invert chromatic --axis C10 -o new.xml", 2, "octaves 0 to 9"},
+        {"rovescio greensleeves.musicxml --invert chromatic --axis E4 --invert-chords up -o new.xml", 2,
+         "excludes"},
+        {"rovescio greensleeves.musicxml --invert-chords over -o new.xml", 2, "over"},
+        {"rovescio greensleeves.musicxml --notes sometimes -o new.xml", 2, "sometimes"},
+        {"rovescio greensleeves.musicxml --info --remove-ties", 2, "--info"},
         {"rovescio greensleeves.musicxml -t M2 --spelling flats -o new.xml", 2, "--semitones"},
         {"rovescio greensleeves.musicxml -t M2 -m x: -o new.xml", 2, "--measures \"x:\""},
         {"rovescio greensleeves.musicxml -t M2 -s 2-1 -o new.xml", 2, "--staves \"2-1\""},
@@ -173,6 +189,10 @@ TEST_F(Refusals, OfDamagedInstallations) {
 TEST_F(Refusals, OfRunsInWhichHostFunctionsFail) {
     const Case cases[] = {
         {"rovescio greensleeves.musicxml -t M2 -o new.xml --fail SX_MassEditProgress:3", 1, "gave up"},
+        {"rovescio greensleeves.musicxml --invert diatonic --axis E4 -o new.xml --fail SX_MassEditProgress:3",
+         1, "gave up"},
+        {"rovescio greensleeves.musicxml -t M2 --notes always -o new.xml --fail SX_MassEditProgress:30", 1,
+         "gave up"},
         {"rovescio greensleeves.musicxml -t M2 -o new.xml --fail SX_GetCurERegions:1", 1, "rovescio: "},
     };
     for (const Case& refusal : cases) expectRefused(refusal);

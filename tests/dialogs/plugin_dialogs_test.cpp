@@ -6,7 +6,7 @@
 
 #include "dialogs/dialog_resources.h"
 #include "dialogs/open_dialog.h"
-#include "dialogs/transposition_script.h"
+#include "dialogs/transformation_script.h"
 
 namespace {
 
@@ -52,7 +52,7 @@ TEST(TranspositionScripts, ChooseFromThePopUpsWhatTheyListAndElseTheOtherDialog)
     };
     const DialogResources resources = pluginResources();
     for (const auto& [transposition, main, other] : cases) {
-        const Scripts scripts = transpositionScripts(transposition, {});
+        const Scripts scripts = transformationScripts({.transposition = transposition}, {});
         EXPECT_EQ(settings(scripts, 20150), main);
         EXPECT_EQ(settings(scripts, 20180), other);
         for (const auto& [dialog, script] : scripts) {
@@ -75,7 +75,7 @@ TEST(TranspositionScripts, ChooseFromThePopUpsWhatTheyListAndElseTheOtherDialog)
 TEST(TranspositionScripts, ApplyOnceForEachSelectionBeforeClosing) {
     int selected = 0;
     const auto select = [&] { ++selected; };
-    const Scripts scripts = transpositionScripts({}, {select, select});
+    const Scripts scripts = transformationScripts({.transposition = Transposition{}}, {select, select});
     const Script& main = scripts.find(20130)->second;
     std::string order;
     for (const Step& step : main) {

@@ -72,11 +72,11 @@ TEST(CompressedScore, otherMembersStay) {
                                        {"music/s.xml", smallScore()}});
     OpenScore score = open(archive);
     EXPECT_EQ(score.file.container(), Container::compressed);
-    EXPECT_EQ(score.file.write(score.document, Container::compressed).value().bytes, archive);
+    EXPECT_EQ(score.file.write(score.document, Container::compressed).value().bytes(), archive);
     EXPECT_EQ(score.written(), smallScore());
 
     score.setPitch("d4");
-    const auto members = membersOf(score.file.write(score.document, Container::compressed).value().bytes);
+    const auto members = membersOf(score.file.write(score.document, Container::compressed).value().bytes());
     ASSERT_EQ(members.size(), 4U);
     EXPECT_EQ(members[0].name, "mimetype");
     EXPECT_EQ(members[0].method, ZIP_CM_STORE);
@@ -88,8 +88,8 @@ TEST(CompressedScore, otherMembersStay) {
 TEST(CompressedScore, aPlainScoreCanBeCompressed) {
     const OpenScore plain = open(smallScore());
     EXPECT_EQ(plain.file.container(), Container::plain);
-    const std::string archive = plain.file.write(plain.document, Container::compressed).value().bytes;
-    EXPECT_EQ(plain.file.write(plain.document, Container::compressed).value().bytes, archive);
+    const std::string archive = plain.file.write(plain.document, Container::compressed).value().bytes();
+    EXPECT_EQ(plain.file.write(plain.document, Container::compressed).value().bytes(), archive);
     const auto members = membersOf(archive);
     EXPECT_EQ(members.front().name, "mimetype");
     EXPECT_EQ(members.front().method, ZIP_CM_STORE);

@@ -216,12 +216,12 @@ TEST(ScoreWriting, whatDoesNotMoveWithTheNotesIsTold) {
     const std::string harmony = "<harmony><root><root-step>C</root-step></root><kind>major</kind></harmony>";
     const std::string fret = "<notations><technical><string>2</string><fret>1</fret></technical></notations>";
     const OpenScore still = open(scoreOf({harmony + note("c4:h", fret) + note("d4:h")}));
-    EXPECT_TRUE(still.file.write(still.document, musicxml::Container::plain).value().notices.empty());
+    EXPECT_TRUE(still.file.write(still.document, musicxml::Container::plain).value().notices().empty());
     OpenScore moved = open(scoreOf({harmony + note("c4:h", fret) + note("d4:h")}));
     moved.setPitch("e4");
     moved.setPitch("f4", 1);
     EXPECT_EQ(
-        moved.file.write(moved.document, musicxml::Container::plain).value().notices,
+        moved.file.write(moved.document, musicxml::Container::plain).value().notices(),
         (std::vector<std::string>{
             "test.musicxml:4: chord symbols and figured bass stay as they are where notes changed (measure "
             "1)",

@@ -106,7 +106,7 @@ void OpenScore::setFlags(std::uint32_t cleared, std::uint32_t set, std::size_t e
 
 std::string OpenScore::written() const {
     const auto written = file.write(document, musicxml::Container::plain);
-    if (written) return written.value().bytes;
+    if (written) return written.value().bytes();
     ADD_FAILURE() << written.problem().text();
     return {};
 }

@@ -15,7 +15,8 @@ host/engine engine contract
 host/musicxml musicxml engine contract
 host/dialogs dialogs engine contract
 host/playback playback engine contract
-host/cli cli dialogs musicxml playback engine contract
+host/validate validate dialogs engine contract
+host/cli cli validate dialogs musicxml playback engine contract
 '
 found=0
 complain() {

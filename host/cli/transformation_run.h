@@ -1,4 +1,4 @@
-// One transposition of a document by the plug-in, through its dialogs.
+// One run of the plug-in over a document, through its dialogs.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 #include "cli/exit_code.h"
 #include "cli/selection.h"
-#include "dialogs/transposition_script.h"
+#include "dialogs/transformation_script.h"
 #include "engine/document.h"
 #include "engine/gate.h"
 #include "engine/problem.h"
@@ -18,7 +18,7 @@ namespace rovescio::cli {
 // Which call of which host function is to fail; for developers of plug-ins.
 using PlannedFault = std::pair<engine::HostFunction, std::uint64_t>;
 
-struct TransposeOptions {
+struct RunOptions {
     std::string engineBundle;
     std::string pluginBundle;
     bool trace = false;
@@ -26,16 +26,17 @@ struct TransposeOptions {
     std::vector<PlannedFault> faults;
 };
 
-struct TransposeOutcome {
+struct TransformationOutcome {
     ExitCode code = ExitCode::ok;
     engine::Problem problem;        // what to tell the user; no message when the plug-in told it
     std::size_t notesSelected = 0;  // notes inside the selection
-    std::size_t notesChanged = 0;   // those whose pitch is another one now
+    std::size_t notesChanged = 0;   // those that are not as they were: for a transposition alone in pitch,
+                                   // else in pitch, in showing an accidental or in ties
 };
 
-// Loads the bundles and lets the plug-in transpose the selection. Unless the outcome is ok, the document is
+// Loads the bundles and lets the plug-in transform the selection. Unless the outcome is ok, the document is
 // not to be written.
-TransposeOutcome transpose(engine::Document& document, const Selection& selection,
-                           const dialogs::Transposition& transposition, const TransposeOptions& options);
+TransformationOutcome transform(engine::Document& document, const Selection& selection,
+                                const dialogs::Transformation& transformation, const RunOptions& options);
 
 }  // namespace rovescio::cli

@@ -1,5 +1,5 @@
-// Steps through the main dialog and the transposition dialogs.
-#include "dialogs/transposition_script.h"
+// Steps through the main dialog and the dialogs behind its buttons.
+#include "dialogs/transformation_script.h"
 
 #include <algorithm>
 #include <array>
@@ -15,8 +15,29 @@ namespace main_dialog {
 constexpr short kNumber = 20130;
 constexpr short kApply = 1;
 constexpr short kClose = 2;
+constexpr short kInversion = 4;
+constexpr short kAxisSettings = 5;
 constexpr short kTranspositionSettings = 7;
+constexpr short kAccidentals = 8;
+constexpr short kRemoveTies = 11;
+
+// The first entry of both pop-ups chooses nothing.
+constexpr int kFirstChoice = 2;
 }  // namespace main_dialog
+
+namespace axis_dialog {
+constexpr short kNumber = 20140;
+constexpr short kOk = 1;
+constexpr short kPitch = 3;
+constexpr short kOctave = 5;
+constexpr short kSimplify = 6;
+
+// The pop-up lists each letter flat, natural and sharp.
+constexpr int kCNatural = 2;
+constexpr int kEntriesOfLetter = 3;
+// Octave numbers count as in "C4", the host's name of middle C.
+constexpr int kMiddleOctave = 4;
+}  // namespace axis_dialog
 
 namespace transposition_dialog {
 constexpr short kNumber = 20150;
@@ -88,19 +109,48 @@ void chooseInterval(const Transposition& transposition, Script& script, Scripts&
     }
 }
 
-}  // namespace
-
-Scripts transpositionScripts(const Transposition& transposition,
-                             const std::vector<std::function<void()>>& furtherSelections) {
-    Scripts scripts;
+void transpose(const Transposition& transposition, Script& main, Scripts& scripts) {
+    using namespace transposition_dialog;
     Script settings;
     chooseInterval(transposition, settings, scripts);
-    settings.emplace_back(Set{transposition_dialog::kDirection, transposition.down ? 2 : 1});
-    settings.emplace_back(Set{transposition_dialog::kOctaves, transposition.octaves});
-    settings.emplace_back(Press{transposition_dialog::kOk});
-    scripts.emplace(transposition_dialog::kNumber, std::move(settings));
+    settings.emplace_back(Set{kDirection, transposition.down ? 2 : 1});
+    settings.emplace_back(Set{kOctaves, transposition.octaves});
+    settings.emplace_back(Press{kOk});
+    scripts.emplace(kNumber, std::move(settings));
+    main.emplace_back(Press{main_dialog::kTranspositionSettings});
+}
 
-    Script main = {Press{main_dialog::kTranspositionSettings}, Press{main_dialog::kApply}};
+void invert(const Inversion& inversion, Script& main, Scripts& scripts) {
+    using namespace axis_dialog;
+    main.emplace_back(
+        Set{main_dialog::kInversion, main_dialog::kFirstChoice + static_cast<int>(inversion.kind)});
+    if (!inversion.hasAxis()) return;
+    const engine::SpelledPitch& axis = inversion.axis;
+    const bool altered = inversion.kind == Inversion::Kind::chromatic;
+    const int pitch =
+        kCNatural + kEntriesOfLetter * engine::floorMod(axis.step, 7) + (altered ? axis.alter : 0);
+    // What the dialog shows at first need not be what it keeps, so everything in it is entered.
+    scripts.emplace(kNumber,
+                    Script{Set{kPitch, pitch}, Set{kOctave, engine::floorDiv(axis.step, 7) + kMiddleOctave},
+                           Set{kSimplify, inversion.simplify ? 1 : 0}, Press{kOk}});
+    main.emplace_back(Press{main_dialog::kAxisSettings});
+}
+
+}  // namespace
+
+Scripts transformationScripts(const Transformation& transformation,
+                              const std::vector<std::function<void()>>& furtherSelections) {
+    Scripts scripts;
+    Script main;
+    if (transformation.transposition) transpose(*transformation.transposition, main, scripts);
+    if (transformation.inversion) invert(*transformation.inversion, main, scripts);
+    if (transformation.accidentals) {
+        main.emplace_back(Set{main_dialog::kAccidentals,
+                              main_dialog::kFirstChoice + static_cast<int>(*transformation.accidentals)});
+    }
+    if (transformation.removeTies) main.emplace_back(Set{main_dialog::kRemoveTies, 1});
+
+    main.emplace_back(Press{main_dialog::kApply});
     for (const std::function<void()>& select : furtherSelections) {
         main.emplace_back(Meanwhile{select});
         main.emplace_back(Press{main_dialog::kApply});

@@ -1,0 +1,233 @@
+// The host's part in a transformation: bundles, session, scripted dialogs, and what came of it.
+#include "cli/transformation_run.h"
+
+#include <algorithm>
+#include <functional>
+#include <iostream>
+#include <utility>
+
+#include "cli/cancel.h"
+#include "cli/messages.h"
+#include "cli/progress_bar.h"
+#include "dialogs/scripted_user_interface.h"
+#include "engine/plugin_bundle.h"
+#include "engine/session.h"
+
+namespace rovescio::cli {
+
+namespace {
+
+using engine::Document;
+using engine::FrameAddress;
+using engine::Problem;
+
+// What a reader of the score sees of a note's pitch and signs.
+struct Appearance {
+    std::int16_t displacement;
+    std::int16_t alteration;
+    std::uint32_t signs;  // accidental shown, ties
+
+    explicit Appearance(const ENOTE& note)
+        : displacement(note.displacement),
+          alteration(note.alteration),
+          signs(note.noteFlags & (NOTE_FLAG24 | NOTE_TIES)) {}
+    [[nodiscard]] bool hasPitchOf(const Appearance& other) const {
+        return displacement == other.displacement && alteration == other.alteration;
+    }
+    [[nodiscard]] bool is(const Appearance& other) const { return hasPitchOf(other) && signs == other.signs; }
+};
+
+// The notes of all entries in the order of the document, as they are stored.
+class NotesBefore {
+  public:
+    explicit NotesBefore(const Document& document) {
+        forEachEntry(document, [&](const FrameAddress&, const engine::StoredEntry& entry) {
+            for (const ENOTE& note : entry.notes()) notes_.emplace_back(note.noteId, Appearance(note));
+            ends_.push_back(notes_.size());
+        });
+    }
+
+    // Counts notes inside the selection and those of them that changed, and notes outside it whose pitch
+    // changed; their signs may follow from what happened inside.
+    struct Counts {
+        std::size_t selected = 0;
+        std::size_t changed = 0;
+        std::size_t changedOutside = 0;
+        bool sameNotes = true;  // the same entries with the same notes
+    };
+    [[nodiscard]] Counts compare(const Document& document, const Selection& selection, bool pitchOnly) const {
+        Counts counts;
+        std::size_t index = 0;
+        forEachEntry(document, [&](const FrameAddress& address, const engine::StoredEntry& entry) {
+            if (index >= ends_.size()) {
+                counts.sameNotes = false;
+                return;
+            }
+            const bool selected = isSelected(selection, address, entry.elapsed);
+            std::size_t known = 0;
+            for (const ENOTE& note : entry.notes()) {
+                const Appearance now(note);
+                const Appearance* before = find(index, note.noteId);
+                known += before != nullptr ? 1 : 0;
+                const bool moved = before == nullptr || !now.hasPitchOf(*before);
+                const bool changed = moved || (!pitchOnly && !now.is(*before));
+                counts.selected += selected ? 1 : 0;
+                counts.changed += selected && changed ? 1 : 0;
+                counts.changedOutside += !selected && moved ? 1 : 0;
+            }
+            counts.sameNotes = counts.sameNotes && known == ends_[index] - begin(index);
+            ++index;
+        });
+        counts.sameNotes = counts.sameNotes && index == ends_.size();
+        return counts;
+    }
+
+  private:
+    [[nodiscard]] std::size_t begin(std::size_t entry) const { return entry == 0 ? 0 : ends_[entry - 1]; }
+
+    // The notes of a chord change places when it is turned over; their numbers stay.
+    [[nodiscard]] const Appearance* find(std::size_t entry, std::uint16_t noteId) const {
+        for (std::size_t i = begin(entry); i < ends_[entry]; ++i) {
+            if (notes_[i].first == noteId) return &notes_[i].second;
+        }
+        return nullptr;
+    }
+
+    static bool isSelected(const Selection& selection, const FrameAddress& address, std::int32_t elapsed) {
+        if (!selection.layers[static_cast<std::size_t>(address.layer)]) return false;
+        return std::ranges::any_of(selection.regions,
+                                   [&](const EREGION& region) { return contains(region, address, elapsed); });
+    }
+
+    template <class Visit>
+    static void forEachEntry(const Document& document, const Visit& visit) {
+        for (short staff = 1; staff <= document.staffCount(); ++staff) {
+            for (short measure = 1; measure <= document.measureCount(); ++measure) {
+                for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
+                    const FrameAddress address{staff, measure, layer};
+                    for (const engine::StoredEntry& entry : document.entries(address)) {
+                        if ((entry.entryFlags & ENTRY_NOTE) != 0) visit(address, entry);
+                    }
+                }
+            }
+        }
+    }
+
+    std::vector<std::pair<std::uint16_t, Appearance>> notes_;  // with their numbers inside the entry
+    std::vector<std::size_t> ends_;                            // of each entry's notes
+};
+
+TransformationOutcome failed(ExitCode code, Problem problem) {
+    return {.code = code, .problem = std::move(problem)};
+}
+
+// Whether a transformation does anything to notes in a key. Inversion around an axis knows major and minor
+// keys alone; every other step works everywhere.
+bool reaches(const dialogs::Transformation& transformation, const engine::KeySignature& key) {
+    const bool mirrorsAlone =
+        transformation.stepCount() == 1 && transformation.inversion && transformation.inversion->hasAxis();
+    return !mirrorsAlone || key.isStandard();
+}
+
+// How many of the selection's regions hold a note that the transformation works on. The plug-in has each of
+// these drawn anew, and a region without only if it likes.
+int regionsReached(const Document& document, const Selection& selection,
+                   const dialogs::Transformation& transformation) {
+    const EREGION* last = nullptr;
+    int count = 0;
+    forEachFrame(selection, [&](const EREGION& region, const FrameAddress& address) {
+        if (&region == last) return;
+        if (!reaches(transformation, document.staffMeasure(address.staff, address.measure).key)) return;
+        const auto isReached = [&](const engine::StoredEntry& entry) {
+            return (entry.entryFlags & ENTRY_NOTE) != 0 && contains(region, address, entry.elapsed);
+        };
+        if (!std::ranges::any_of(document.entries(address), isReached)) return;
+        last = &region;
+        ++count;
+    });
+    return count;
+}
+
+// What the user interface and the document say about a run that has ended.
+TransformationOutcome judge(const dialogs::ScriptedUserInterface& userInterface,
+                            const NotesBefore::Counts& counts, int expectedRedraws) {
+    if (userInterface.cancelled()) {
+        return failed(ExitCode::cancelled, problemWith("cancelled, nothing was written", ""));
+    }
+    if (!userInterface.alerts().empty()) return failed(ExitCode::refused, {});
+    if (userInterface.problem()) {
+        return failed(ExitCode::refused, problemWith("the plug-in's dialogs do not offer this: " +
+                                                         userInterface.problem()->message,
+                                                     "Use a plug-in that fits this version"));
+    }
+    if (userInterface.redraws() < expectedRedraws) {
+        return failed(ExitCode::refused,
+                      problemWith("the plug-in gave up before its work was complete, nothing was written",
+                                  "--trace shows its last calls"));
+    }
+    if (!counts.sameNotes || counts.changedOutside > 0) {
+        return failed(ExitCode::refused,
+                      problemWith("the plug-in changed music outside the selection, nothing was written",
+                                  "Use a plug-in that fits this version"));
+    }
+    if (expectedRedraws == 0) {
+        return failed(ExitCode::refused,
+                      problemWith("nothing in the selection can be inverted, nothing was written",
+                                  "An inversion around an axis leaves staves without pitches and keys that "
+                                  "are neither major nor minor as they are"));
+    }
+    return {.problem = {}, .notesSelected = counts.selected, .notesChanged = counts.changed};
+}
+
+}  // namespace
+
+TransformationOutcome transform(Document& document, const Selection& selection,
+                                const dialogs::Transformation& transformation, const RunOptions& options) {
+    const auto engineBundle = engine::registerEngineBundle(options.engineBundle);
+    if (!engineBundle) return failed(ExitCode::installation, engineBundle.problem());
+    engine::Result<engine::PluginBundle> plugin = engine::PluginBundle::load(options.pluginBundle);
+    if (!plugin) return failed(ExitCode::installation, plugin.problem());
+    const engine::Result<std::string> descriptions = plugin->dialogDescriptions();
+    if (!descriptions) return failed(ExitCode::installation, descriptions.problem());
+    const auto resources = dialogs::DialogResources::parse(descriptions.value(), options.pluginBundle);
+    if (!resources) return failed(ExitCode::installation, resources.problem());
+
+    engine::Session* openSession = nullptr;
+    std::vector<std::function<void()>> furtherSelections;
+    for (std::size_t i = 1; i < selection.regions.size(); ++i) {
+        furtherSelections.emplace_back(
+            [&openSession, &selection, i] { openSession->selection = selection.regions[i]; });
+    }
+    ProgressBar bar("frames", options.quiet);
+    dialogs::ScriptedUserInterface userInterface(
+        resources.value(), dialogs::transformationScripts(transformation, furtherSelections),
+        [&bar](const engine::Progress& progress) {
+            bar.update(progress.position, progress.total);
+            return !DeferredCancel::requested();
+        });
+    engine::Session session(document, userInterface);
+    openSession = &session;
+    session.selection = selection.regions.front();
+    session.layerShown = selection.layers;
+    forEachFrame(selection, [&](const EREGION&, const FrameAddress&) {
+        session.expectedLoads += transformation.stepCount();
+    });
+    session.pluginString = [&plugin](std::uint32_t stringId) { return plugin->string(stringId); };
+
+    const NotesBefore before(document);
+    const int expectedRedraws = regionsReached(document, selection, transformation);
+    if (options.trace) engine::traceCalls(&std::cerr);
+    for (const auto& [function, call] : options.faults) engine::planFault(function, call);
+    const DeferredCancel deferred;
+    const engine::Result<engine::Done> started = plugin->start();
+    if (!started) return failed(ExitCode::installation, started.problem());
+    plugin->invoke(0, nullptr);
+    session.checkBalanced();
+    plugin->stop();
+    engine::traceCalls(nullptr);
+    bar.clear();
+    return judge(userInterface, before.compare(document, selection, transformation.isTransposition()),
+                 expectedRedraws);
+}
+
+}  // namespace rovescio::cli
