@@ -31,7 +31,7 @@ struct TransformationOutcome {
     engine::Problem problem;        // what to tell the user; no message when the plug-in told it
     std::size_t notesSelected = 0;  // notes inside the selection
     std::size_t notesChanged = 0;   // those that are not as they were: for a transposition alone in pitch,
-                                   // else in pitch, in showing an accidental or in ties
+                                    // else in pitch, in showing an accidental or in ties
 };
 
 // Loads the bundles and lets the plug-in transform the selection. Unless the outcome is ok, the document is

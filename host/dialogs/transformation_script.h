@@ -40,8 +40,8 @@ struct Inversion {
     };
 
     Kind kind = Kind::diatonic;
-    engine::SpelledPitch axis;  // not for chords; altered by a semitone at most
-    bool simplify = false;      // chromatic: respell double accidentals and enharmonic white keys
+    engine::SpelledPitch axis = {};  // not for chords; altered by a semitone at most
+    bool simplify = false;           // chromatic: respell double accidentals and enharmonic white keys
 
     [[nodiscard]] bool hasAxis() const { return kind == Kind::diatonic || kind == Kind::chromatic; }
 };

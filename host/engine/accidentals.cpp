@@ -74,7 +74,7 @@ class Decider {
         for (short layer = 0; layer < kMaxLayers; ++layer) {
             const PackedEntries& entries = document_.entries({staff, measure, layer});
             for (const StoredEntry& entry : entries) {
-                marked = marked || (entry.reserved13 & kDecideAccidentals);
+                marked = marked || (entry.reserved13 & (kDecideAccidentals | kPitchMoved));
                 if (entry.noteCount < 1 || entryState(entry).unpitched) continue;
                 visits_.push_back({&entry, entries.offsetOf(entry), layer});
             }
@@ -90,7 +90,7 @@ class Decider {
         const StoredEntry& entry = *visit.entry;
         const bool marked = entry.reserved13 & kDecideAccidentals;
         std::array<std::uint32_t, kMaxNotes> flags{};
-        bool changes = marked;
+        bool changes = entry.reserved13 & (kDecideAccidentals | kPitchMoved);
         std::size_t count = 0;
         for (const ENOTE& note : entry.notes()) {
             const bool needed = isNeeded(note, storedIn.spell(note));
@@ -108,7 +108,8 @@ class Decider {
         StoredEntry& target = edits_.editable(address).atOffset(visit.offset);
         count = 0;
         for (ENOTE& note : target.notes()) note.noteFlags = flags[count++];
-        target.reserved13 = static_cast<std::uint8_t>(target.reserved13 & ~kDecideAccidentals);
+        target.reserved13 =
+            static_cast<std::uint8_t>(target.reserved13 & ~(kDecideAccidentals | kPitchMoved));
     }
 
     bool isNeeded(const ENOTE& note, const SpelledPitch& pitch) {

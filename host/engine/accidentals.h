@@ -9,7 +9,8 @@ namespace rovescio::engine {
 
 class MassEdits;
 
-// In every measure and staff of these frames that has entries marked kDecideAccidentals, sets NOTE_FLAG24 by
+// In every measure and staff of these frames that has marked entries, sets NOTE_FLAG24 of those marked with
+// kDecideAccidentals by
 // the rules of the measure: the signature, earlier accidentals on the same line or space of the same staff in
 // any layer, and ties over the barline. Notes with NOTE_FLAG1 keep what was decided by hand. Unmarked entries
 // gain an accidental where one became necessary and lose none.

@@ -55,18 +55,18 @@ const Measure& Document::measure(short measure) const {
 }
 
 void Document::addKeyChange(const KeyChange& change) {
-    keyChanges_.push_back(change);
+    keyChanges_[{change.staff, change.measure}].push_back(change);
 }
 
 const KeySignature& Document::keyAt(short staff, short measure, std::int32_t position) const {
     const KeySignature* key = &staffMeasure(staff, measure).key;
+    const auto changes = keyChanges_.find({staff, measure});
+    if (changes == keyChanges_.end()) return *key;
     std::int32_t latest = -1;
-    for (const KeyChange& change : keyChanges_) {
-        if (change.staff == staff && change.measure == measure && change.position <= position &&
-            change.position >= latest) {
-            key = &change.key;
-            latest = change.position;
-        }
+    for (const KeyChange& change : changes->second) {
+        if (change.position > position || change.position < latest) continue;
+        key = &change.key;
+        latest = change.position;
     }
     return *key;
 }

@@ -5,8 +5,10 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "contract/records.h"
@@ -64,7 +66,7 @@ class Document {
     void layOut();
     StaffMeasure& staffMeasure(short staff, short measure);
     void addKeyChange(const KeyChange& change);
-    // Entry numbers count from 1 without gaps.
+    // Entry numbers count from 1; one that is dropped is not given again.
     std::uint32_t nextEntryNumber() { return ++lastEntryNumber_; }
     // Puts entries into an empty frame; they must be in the order of the layer.
     void setEntries(const FrameAddress& address, std::span<const EXENTRY> entries);
@@ -102,7 +104,8 @@ class Document {
     std::vector<Measure> measures_;
     std::vector<StaffMeasure> staffMeasures_;
     std::vector<Frame> frames_;
-    std::vector<KeyChange> keyChanges_;
+    // By staff and measure.
+    std::map<std::pair<short, short>, std::vector<KeyChange>> keyChanges_;
     std::uint32_t lastEntryNumber_ = 0;
 };
 

@@ -12,7 +12,8 @@ EntryState entryStateIn(const std::uint8_t (&hostPrivate)[6]) {
     std::uint16_t normal = 0;
     std::memcpy(&actual, hostPrivate, 2);
     std::memcpy(&normal, hostPrivate + 2, 2);
-    state.actual = static_cast<std::uint16_t>(actual + 1);
+    // No ratio has 65536 notes; a plug-in that wrote over the bytes must not make it 0.
+    state.actual = static_cast<std::uint16_t>(actual == 0xFFFF ? 1 : actual + 1);
     state.normal = static_cast<std::uint16_t>(normal + 1);
     state.grace = static_cast<Grace>(hostPrivate[4]);
     state.unpitched = hostPrivate[5];

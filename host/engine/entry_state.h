@@ -28,6 +28,9 @@ struct EntryState {
 // EXENTRY::reserved13 in the document: the entry was changed, so what accidentals its notes show is to be
 // decided.
 inline constexpr std::uint8_t kDecideAccidentals = 0x01;
+// Likewise: a pitch of the entry is another one, though nobody marked it as changed, so that what the notes
+// around it show is to be looked at.
+inline constexpr std::uint8_t kPitchMoved = 0x02;
 
 // Of an EXENTRY or a StoredEntry.
 EntryState entryStateIn(const std::uint8_t (&hostPrivate)[6]);

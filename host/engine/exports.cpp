@@ -9,7 +9,7 @@
 
 #define HOST_FUNCTION(result, name, ...)                                                   \
     extern "C" __attribute__((visibility("default"))) result name(                         \
-        HOST_DECLARATIONS_AND_VERSION(__VA_ARGS__)) {                                      \
+        HOST_DECLARATIONS_AND_VERSION(__VA_ARGS__)) noexcept {                             \
         using namespace rovescio::engine;                                                  \
         return passGate<result>(HostFunction::name, version, HOST_NAMES_TEXT(__VA_ARGS__), \
                                 functions::name __VA_OPT__(, ) HOST_NAMES(__VA_ARGS__));   \

@@ -120,29 +120,34 @@ bool LoadedFrames::remove(EXTGF2005a* record, short index, short count) {
 }
 
 // What the document keeps of an entry: rests without the placeholder that cleaning gave them, chords sorted
-// upward, unpitched notes where they were, and the change mark turned into the host's own.
-void LoadedFrames::normalise(EXENTRY& entry, const PackedEntries& before) {
+// upward, unpitched notes where they were, and marks of what changed in place of the plug-in's own. `old` is
+// the entry as the document has it; null for a new one.
+void LoadedFrames::normalise(EXENTRY& entry, const StoredEntry* old) {
     if (!(entry.entryFlags & ENTRY_NOTE)) {
         std::fill_n(entry.notes, std::clamp<int>(entry.noteCount, 0, kMaxNotes), ENOTE{});
         entry.noteCount = 0;
     }
-    if (entryState(entry).unpitched) {
-        const auto old = std::find_if(before.begin(), before.end(), [&](const StoredEntry& stored) {
-            return stored.entryNumber == entry.entryNumber;
-        });
-        if (old != before.end()) {
-            for (short i = 0; i < std::min(entry.noteCount, old->noteCount); ++i) {
-                const ENOTE& note = old->notes()[static_cast<std::size_t>(i)];
-                entry.notes[i].displacement = note.displacement;
-                entry.notes[i].alteration = note.alteration;
-            }
+    const int known = old ? std::min<int>(entry.noteCount, old->noteCount) : 0;
+    const bool unpitched = entryState(entry).unpitched;
+    for (int i = 0; i < known; ++i) {
+        ENOTE& note = entry.notes[i];
+        const ENOTE& before = old->notes()[static_cast<std::size_t>(i)];
+        if (note.displacement == before.displacement && note.alteration == before.alteration) continue;
+        if (unpitched) {
+            note.displacement = before.displacement;
+            note.alteration = before.alteration;
+        } else {
+            entry.reserved13 |= kPitchMoved;
         }
     }
     const auto lower = [](const ENOTE& a, const ENOTE& b) {
         return a.displacement != b.displacement ? a.displacement < b.displacement
                                                 : a.alteration < b.alteration;
     };
-    if (entry.noteCount > 1) std::stable_sort(entry.notes, entry.notes + entry.noteCount, lower);
+    for (int i = 1; i < entry.noteCount; ++i) {
+        ENOTE* const note = entry.notes + i;
+        std::rotate(std::upper_bound(entry.notes, note, *note, lower), note, note + 1);
+    }
     if (entry.updateFlags & ENTRY_CHANGED) {
         entry.updateFlags = static_cast<std::uint8_t>(entry.updateFlags & ~ENTRY_CHANGED);
         entry.reserved13 |= kDecideAccidentals;
@@ -169,9 +174,16 @@ bool LoadedFrames::save(EXTGF2005a* record) {
     }
     const PackedEntries& before = document_.entries(frame->address);
     PackedEntries saved = PackedEntries::withRoom(bytes);
+    auto old = before.begin();
     for (EXENTRY entry : frame->entries) {
-        normalise(entry, before);
+        const auto isSame = [&](const StoredEntry& stored) {
+            return stored.entryNumber == entry.entryNumber;
+        };
+        // Mostly the entries are still the same in the same order.
+        if (old == before.end() || !isSame(*old)) old = std::find_if(before.begin(), before.end(), isSame);
+        normalise(entry, old == before.end() ? nullptr : &*old);
         saved.append(entry);
+        if (old != before.end()) ++old;
     }
     massEdits_.replace(frame->address, std::move(saved));
     return true;

@@ -50,7 +50,7 @@ class LoadedFrames {
     static void show(Frame& frame);
     void retire(std::vector<EXENTRY> entries, const FrameAddress& address);
     static void checkUntouched(const Retired& retired);
-    static void normalise(EXENTRY& entry, const PackedEntries& before);
+    static void normalise(EXENTRY& entry, const StoredEntry* old);
 
     Document& document_;
     MassEdits& massEdits_;

@@ -58,8 +58,6 @@ std::string_view ruleName(Rule rule) {
             return "string resource missing";
         case Rule::recordsLeft:
             return "temporary records left";
-        case Rule::functionMissing:
-            return "host function missing";
     }
     return "unknown rule";
 }

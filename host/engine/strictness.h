@@ -24,7 +24,6 @@ enum class Rule {
     dialogMisused,            // items exist, and values have their item's kind
     stringMissing,            // every string shown is in the plug-in's resources
     recordsLeft,              // temporary records are deleted
-    functionMissing,          // only functions that the host has are looked up
 };
 
 // The rule's short name, as shown to the user.

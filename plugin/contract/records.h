@@ -135,6 +135,7 @@ static_assert(sizeof(EXENTRY) == 146 && offsetof(EXENTRY, duration) == 4 &&
               offsetof(EXENTRY, noteCount) == 14 && offsetof(EXENTRY, notes) == 16 &&
               offsetof(EXENTRY, elapsed) == 136 && offsetof(EXENTRY, hostPrivate) == 140);
 static_assert(offsetof(EXTGF2005a, headerWord) == 10 && offsetof(EXTGF2005a, entries) == 14 &&
-              offsetof(EXTGF2005a, entryCount) == 14 + sizeof(void*));
+              offsetof(EXTGF2005a, entryCount) == 14 + sizeof(void*) &&
+              sizeof(EXTGF2005a) == 16 + sizeof(void*));
 static_assert(sizeof(EDATAKEY) == 4 && offsetof(EDATAKEY, inci) == 2);
 static_assert(sizeof(EDTPlaybackStaff) == 24);

@@ -8,6 +8,8 @@
 
 namespace kit {
 
+namespace {
+
 void* resolveHostFunction(const char* name) {
     void* function = nullptr;
     CFStringRef text = CFStringCreateWithCString(kCFAllocatorDefault, name, GetApplicationTextEncoding());
@@ -17,8 +19,6 @@ void* resolveHostFunction(const char* name) {
     if (text) CFRelease(text);
     return function;
 }
-
-namespace {
 
 // Zero of any result type, nothing for void.
 template <class Result>

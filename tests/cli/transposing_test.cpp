@@ -91,6 +91,12 @@ TEST_F(Transposing, StavesThatAreNotNeighboursInOneRun) {
     const std::string notes = pitches(run.out);
     EXPECT_EQ(std::count(notes.begin(), notes.end(), '4'), 8);
     EXPECT_EQ(std::count(notes.begin(), notes.end(), '5'), 4);
+    // A staff without music in a selection does no harm.
+    const std::size_t lastPart = xml.find("<note>", xml.find("<part id=\"P3\""));
+    xml.erase(lastPart, xml.find("</measure>", lastPart) - lastPart);
+    write("three.musicxml", xml);
+    EXPECT_EQ(this->run("rovescio three.musicxml --transpose P-8 --staves 1,3 -o new.musicxml").err,
+              "rovescio: transposed 4 notes in all measures, staves 1,3 -> new.musicxml\n");
 }
 
 TEST_F(Transposing, AsAFilterBetweenStandardStreams) {

@@ -126,6 +126,8 @@ TEST(InvChords, MoveTheOuterNotePastTheOther) {
         {"C 4/4 <c4 c4>:w", "<c4 c5>:w", "<c3 c4>:w"},
         {"C 4/4 <c4 eb4! f#4!>:w", "<eb4! f#4! c5>:w", "<f#3! c4 eb4!>:w"},
         {"C 4/4 c4:h r:h", "c4:h r:h", "c4:h r:h"},
+        // A sign that stood before the chord does not reach the octave that its note moves to.
+        {"C 2/4 c#4!:q <c#4 e4>:q", "c#4!:q <e4 c#5!>:q", "c#4!:q <e3 c#4>:q"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(chords(c.before, InvChordUp), c.up);
@@ -134,7 +136,7 @@ TEST(InvChords, MoveTheOuterNotePastTheOther) {
 }
 
 TEST(InvChords, SingleNotesByKind) {
-    EXPECT_EQ(chords("C 4/4 e4:h r:h", InvChordUp, kSingleNotesInSteps, 1, 1), "f#4:h r:h");
+    EXPECT_EQ(chords("C 4/4 e4:h r:h", InvChordUp, kSingleNotesInSteps, 1, 1), "f#4!:h r:h");
     EXPECT_EQ(chords("C 4/4 e4:h r:h", InvChordDown, kSingleNotesInKey, 1, 0), "f#4!:h r:h");
     EXPECT_EQ(chords("none 4/4 e4:w", InvChordUp, kSingleNotesInKey, 1, 0), "e4:w");
     EXPECT_EQ(chords("C 4/4 e4:w", InvChordUp, static_cast<CHINVTYPE>(3), 1, 0), "e4:w");

@@ -1,4 +1,4 @@
-// The scripts for transpositions against the plug-in's own dialog descriptions.
+// The scripts for transformations against the plug-in's own dialog descriptions.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -31,7 +31,25 @@ std::string settings(const Scripts& scripts, short dialog) {
     return text;
 }
 
-TEST(TranspositionScripts, ChooseFromThePopUpsWhatTheyListAndElseTheOtherDialog) {
+// Every item that the scripts use is there and takes what is set.
+void expectPossible(const Scripts& scripts, const DialogResources& resources) {
+    for (const auto& [dialog, script] : scripts) {
+        const DialogDescription* description = resources.find(dialog);
+        ASSERT_NE(description, nullptr) << dialog;
+        OpenDialog open(*description, nullptr, nullptr);
+        for (const Step& step : script) {
+            if (const auto* press = std::get_if<Press>(&step)) {
+                ASSERT_NE(open.control(press->item), nullptr);
+                EXPECT_EQ(open.control(press->item)->item.kind, ItemKind::button);
+            } else if (const auto* set = std::get_if<Set>(&step)) {
+                ASSERT_NE(open.control(set->item), nullptr);
+                EXPECT_TRUE(canHold(open.control(set->item)->item, set->value)) << set->item;
+            }
+        }
+    }
+}
+
+TEST(TransformationScripts, ChooseIntervalsFromThePopUpsAndElseInTheOtherDialog) {
     using Kind = Transposition::Kind;
     const struct {
         Transposition transposition;
@@ -55,24 +73,40 @@ TEST(TranspositionScripts, ChooseFromThePopUpsWhatTheyListAndElseTheOtherDialog)
         const Scripts scripts = transformationScripts({.transposition = transposition}, {});
         EXPECT_EQ(settings(scripts, 20150), main);
         EXPECT_EQ(settings(scripts, 20180), other);
-        for (const auto& [dialog, script] : scripts) {
-            const DialogDescription* description = resources.find(dialog);
-            ASSERT_NE(description, nullptr) << dialog;
-            OpenDialog open(*description, nullptr, nullptr);
-            for (const Step& step : script) {
-                if (const auto* press = std::get_if<Press>(&step)) {
-                    ASSERT_NE(open.control(press->item), nullptr);
-                    EXPECT_EQ(open.control(press->item)->item.kind, ItemKind::button);
-                } else if (const auto* set = std::get_if<Set>(&step)) {
-                    ASSERT_NE(open.control(set->item), nullptr);
-                    EXPECT_TRUE(canHold(open.control(set->item)->item, set->value)) << set->item;
-                }
-            }
-        }
+        expectPossible(scripts, resources);
     }
 }
 
-TEST(TranspositionScripts, ApplyOnceForEachSelectionBeforeClosing) {
+TEST(TransformationScripts, ChooseInversionsAndNoteOptionsAndLeaveTheRestAlone) {
+    using Kind = Inversion::Kind;
+    const struct {
+        Transformation transformation;
+        const char* main;
+        const char* axis;
+    } cases[] = {
+        {{.inversion = Inversion{.kind = Kind::diatonic, .axis = {2, 0}}}, "4=2", "3=8 5=4 6=0"},
+        {{.inversion = Inversion{.kind = Kind::chromatic, .axis = {-7, -1}, .simplify = true}},
+         "4=3",
+         "3=1 5=3 6=1"},
+        {{.inversion = Inversion{.kind = Kind::chromatic, .axis = {41, 1}}}, "4=3", "3=21 5=9 6=0"},
+        {{.inversion = Inversion{.kind = Kind::chordsUp}}, "4=4", "not opened"},
+        {{.inversion = Inversion{.kind = Kind::chordsDown}, .accidentals = Accidentals::asNeeded},
+         "4=5 8=2",
+         "not opened"},
+        {{.accidentals = Accidentals::inKey, .removeTies = true}, "8=6 11=1", "not opened"},
+        {{.removeTies = true}, "11=1", "not opened"},
+    };
+    const DialogResources resources = pluginResources();
+    for (const auto& [transformation, main, axis] : cases) {
+        const Scripts scripts = transformationScripts(transformation, {});
+        EXPECT_EQ(settings(scripts, 20130), main);
+        EXPECT_EQ(settings(scripts, 20140), axis);
+        EXPECT_EQ(settings(scripts, 20150), "not opened");
+        expectPossible(scripts, resources);
+    }
+}
+
+TEST(TransformationScripts, ApplyOnceForEachSelectionBeforeClosing) {
     int selected = 0;
     const auto select = [&] { ++selected; };
     const Scripts scripts = transformationScripts({.transposition = Transposition{}}, {select, select});
