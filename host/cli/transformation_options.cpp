@@ -98,6 +98,7 @@ void defineInversion(CLI::App& app, const std::string& group, TransformationText
 
 void defineNotes(CLI::App& app, const std::string& group, TransformationTexts& texts) {
     std::vector<std::string> names;
+    names.reserve(kAccidentalNames.size());
     for (const auto& [name, accidentals] : kAccidentalNames) names.emplace_back(name);
     app.add_option("--notes", texts.notes, kAccidentalsHelp)
         ->type_name("ACCIDENTALS")
@@ -190,7 +191,7 @@ std::vector<std::string> argumentsOf(const TransformationTexts& texts) {
                                       {"--axis", texts.axis},
                                       {"--invert-chords", texts.invertChords},
                                       {"--notes", texts.notes}}) {
-        if (!value.empty()) arguments.push_back(name + "=" + value);
+        if (!value.empty()) arguments.emplace_back(name).append("=").append(value);
     }
     if (texts.simplify) arguments.emplace_back("--simplify");
     if (texts.removeTies) arguments.emplace_back("--remove-ties");

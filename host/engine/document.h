@@ -53,7 +53,6 @@ struct FrameAddress {
     short layer = 0;
 
     friend bool operator==(const FrameAddress&, const FrameAddress&) = default;
-    friend auto operator<=>(const FrameAddress&, const FrameAddress&) = default;
 };
 
 class Document {

@@ -220,7 +220,8 @@ bool ScoreWriter::write() {
         const EntrySource* const source = entries.empty() ? nullptr : sourceOf(entries[0]);
         frames.emplace_back(source == nullptr ? 0 : sources_.notes[source->firstNote], address);
     }
-    std::sort(frames.begin(), frames.end());
+    std::sort(frames.begin(), frames.end(),
+              [](const auto& left, const auto& right) { return left.first < right.first; });
     return std::all_of(frames.begin(), frames.end(),
                        [&](const auto& frame) { return writeFrame(frame.second); });
 }
