@@ -81,14 +81,25 @@ void rovescioFile(benchmark::State& state) {
     fileToFile(state, {ROVESCIO_PROGRAM}, {"--quiet", "--transpose", "up minor third", "-o"});
 }
 
+void rovescioRetrograde(benchmark::State& state) {
+    fileToFile(state, {ROVESCIO_PROGRAM}, {"--quiet", "--retrograde", "-o"});
+}
+
 BENCHMARK(pugixmlFile)->Unit(benchmark::kMillisecond)->UseRealTime()->Repetitions(5)->ReportAggregatesOnly();
 BENCHMARK(rovescioFile)->Unit(benchmark::kMillisecond)->UseRealTime()->Repetitions(5)->ReportAggregatesOnly();
+BENCHMARK(rovescioRetrograde)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Repetitions(5)
+    ->ReportAggregatesOnly();
 
 const bool registered = [] {
     ratios().push_back({"file to file, 100,000 notes : pugixml parse and write, time", "rovescioFile",
                         "pugixmlFile", "", 1.6});
     ratios().push_back({"file to file, 100,000 notes : pugixml parse and write, memory", "rovescioFile",
                         "pugixmlFile", "peak_MiB", 1.5});
+    ratios().push_back({"retrograde file to file, 100,000 notes : pugixml parse and write, time",
+                        "rovescioRetrograde", "pugixmlFile", "", 2.5});
     return true;
 }();
 

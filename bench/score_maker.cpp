@@ -13,7 +13,7 @@ using engine::KeySignature;
 namespace {
 
 constexpr int kPerMeasure = 8;
-constexpr short kLongestStaff = 30000;
+constexpr short kLongestStaff = 32000;
 
 // A wandering line within two octaves, now and then off the scale.
 engine::SpelledPitch pitchAt(std::int64_t index) {
@@ -22,9 +22,9 @@ engine::SpelledPitch pitchAt(std::int64_t index) {
 
 }  // namespace
 
-Document makeDocument(std::int64_t notes) {
+Document makeDocument(std::int64_t notes, int perMeasure) {
     Document document;
-    const std::int64_t measures = (notes + kPerMeasure - 1) / kPerMeasure;
+    const std::int64_t measures = (notes + perMeasure - 1) / perMeasure;
     const std::int64_t staves = (measures + kLongestStaff - 1) / kLongestStaff;
     const std::int64_t length = (measures + staves - 1) / staves;
     for (std::int64_t i = 0; i < staves; ++i) document.addStaff({"staff", false});
@@ -35,13 +35,14 @@ Document makeDocument(std::int64_t notes) {
         for (short measure = 1; measure <= document.measureCount(); ++measure) {
             auto& context = document.staffMeasure(staff, measure);
             context.key = KeySignature::standard(measure % 15 - 7, measure % 2 == 0);
-            std::vector<EXENTRY> entries(kPerMeasure);
-            for (int i = 0; i < kPerMeasure; ++i, ++index) {
+            std::vector<EXENTRY> entries(static_cast<std::size_t>(perMeasure));
+            const std::int32_t duration = 4 * engine::kQuarter / perMeasure;
+            for (int i = 0; i < perMeasure; ++i, ++index) {
                 EXENTRY& entry = entries[static_cast<std::size_t>(i)];
                 entry.entryNumber = document.nextEntryNumber();
                 entry.entryFlags = ENTRY_VALID | ENTRY_NOTE;
-                entry.duration = engine::kQuarter / 2;
-                entry.elapsed = i * engine::kQuarter / 2;
+                entry.duration = duration;
+                entry.elapsed = i * duration;
                 entry.noteCount = 1;
                 context.key.store(pitchAt(index), entry.notes[0]);
                 entry.notes[0].noteId = 1;

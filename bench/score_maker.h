@@ -8,8 +8,8 @@
 
 namespace rovescio::bench {
 
-// One staff in changing keys, eight eighth notes to the measure.
-engine::Document makeDocument(std::int64_t notes);
+// Staves in changing keys, measures of as many equal notes; one staff as long as it can hold them.
+engine::Document makeDocument(std::int64_t notes, int perMeasure = 8);
 
 // The same kind of music on two staves as a MusicXML file; fully notated, as a notation program writes it.
 std::string makeMusicXml(std::int64_t notes);

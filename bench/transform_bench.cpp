@@ -1,75 +1,16 @@
 // Transformations of whole scores inside plug-in and engine, against copying the same frames in and out.
 #include <benchmark/benchmark.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <string>
 #include <utility>
 
-#include "engine/session.h"
-#include "kit/engine_bundle.h"
-#include "quiet_front.h"
+#include "over_score.h"
 #include "ratios.h"
-#include "score_maker.h"
 #include "transform/inversion.h"
 #include "transform/transpose_region.h"
 
-namespace {
-
-std::atomic<std::int64_t> allocations{0};
-
-}  // namespace
-
-// Counts every allocation of the program. Not inlined, so that the compiler does not see new end in malloc
-// and delete in free and take them for a mismatch.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* memory = std::malloc(size ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-
 namespace rovescio::bench {
 namespace {
-
-EREGION everythingIn(const engine::Document& document) {
-    return {{0, 1, 1, 0}, {0, document.staffCount(), document.measureCount(), 0x7FFFFFFF}};
-}
-
-// Runs work(session, region, progress) inside a mass edit over a fresh score of so many notes.
-template <class Work>
-void overScore(benchmark::State& state, Work&& work) {
-    InitializeGlobals();
-    const std::int64_t notes = state.range(0);
-    std::int64_t allocated = 0;
-    for (auto _ : state) {
-        state.PauseTiming();
-        {
-            engine::Document document = makeDocument(notes);
-            QuietFront front;
-            engine::Session session(document, front);
-            EREGION region = everythingIn(document);
-            state.ResumeTiming();
-            const std::int64_t before = allocations;
-            CProgress progress = kit::startMassEdit();
-            work(session, region, progress);
-            kit::endMassEdit(progress);
-            allocated += allocations - before;
-            state.PauseTiming();
-        }
-        state.ResumeTiming();
-    }
-    const auto total = static_cast<double>(state.iterations() * notes);
-    state.counters["ns_per_note"] =
-        benchmark::Counter(total * 1e-9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-    state.counters["allocations_per_note"] = static_cast<double>(allocated) / total;
-}
 
 void copyFrames(benchmark::State& state) {
     overScore(state, [](engine::Session& session, const EREGION& region, const CProgress&) {
