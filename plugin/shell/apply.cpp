@@ -1,8 +1,13 @@
-// The apply run and playback.
+// The apply run, the check for a retrograde, and playback.
 #include "shell/apply.h"
 
+#include "kit/data_records.h"
 #include "kit/mass_edit.h"
+#include "kit/selection.h"
 #include "kit/string_resources.h"
+#include "retrograde/dialogs.h"
+#include "retrograde/retrograde.h"
+#include "retrograde/selection_check.h"
 #include "shell/note_options.h"
 #include "shell/settings.h"
 #include "transform/inversion.h"
@@ -12,9 +17,8 @@ SUItemsRecord SUItems;
 
 namespace {
 
-// The staff list that playback reads: its number and the tag of its records.
+// The number of the staff list that playback reads.
 constexpr std::uint16_t kPlaybackStaffList = 0xFFF9;
-constexpr std::uint32_t kPlaybackStaffTag = 0x534F4975;
 
 bool isNothingChosen() {
     return SUItems.retrograde == 0 && SUItems.inversionKind == kNoInversion &&
@@ -25,11 +29,12 @@ bool isNothingChosen() {
 // One apply run: the transformations done so far and whether it goes on.
 class ApplyRun {
   public:
-    explicit ApplyRun(const EREGION& selection) : selection_(selection), progress_(kit::startMassEdit()) {}
+    ApplyRun(SXWindow dialog, const EREGION& selection)
+        : dialog_(dialog), selection_(selection), progress_(kit::startMassEdit()) {}
 
     // The order is the user's contract: later steps work on what the earlier ones made.
     void run() {
-        if (transpose() && invert()) applyOptions();
+        if (reverse() && transpose() && invert()) applyOptions();
     }
 
     // Closes the mass edit; true when the music is to be redrawn.
@@ -39,7 +44,27 @@ class ApplyRun {
     }
 
   private:
-    // Each step returns false when the user cancelled and the later steps are to be skipped.
+    // Each step returns false when the later steps are to be skipped: the user cancelled, or the music cannot
+    // be reversed.
+    bool reverse() {
+        if (SUItems.retrograde == 0) return true;
+        if (!isReversible()) return false;
+        if (!Retrograde(&selection_, SUItems.retrogradeOptions, &progress_)) {
+            SX_AlertMessage_UTF16(dialog_, kAlertWarning, kRetrogradeFailedText, nullptr);
+            return false;
+        }
+        return count(1);
+    }
+
+    // The user may have what stands in the way repaired.
+    bool isReversible() {
+        const std::uint16_t problems = VerifyRetrogradeSelection(&progress_, 0);
+        if (progress_.cancelled) return false;
+        if (problems == 0) return true;
+        RetrogradePreScanDialog(dialog_, problems);
+        return VerifyRetrogradeSelection(&progress_, 0) == 0 && !progress_.cancelled;
+    }
+
     bool transpose() {
         const STStruct& settings = SUItems.transpose;
         const auto steps = static_cast<short>(settings.octaves * 7 + settings.steps);
@@ -83,21 +108,10 @@ class ApplyRun {
         return !progress_.cancelled;
     }
 
+    SXWindow dialog_;
     EREGION selection_;
     CProgress progress_;
     int done_ = 0;
-};
-
-// The host's selection, and the region to redraw when there is none.
-struct Selection {
-    bool exists = false;
-    EREGION region{};
-    EREGION fallback{};
-
-    Selection() {
-        std::uint64_t slot = 0;
-        exists = SX_GetCurERegions(&slot, &region, &fallback) != 0;
-    }
 };
 
 }  // namespace
@@ -115,20 +129,27 @@ void applyTransformations(SXWindow dialog) {
         NoActionDialog(dialog);
         return;
     }
-    const Selection selection;
+    const kit::Selection selection;
     if (!selection.exists) {
         NoSelectionDialog(dialog);
         return;
     }
-    ApplyRun run(selection.region);
+    ApplyRun run(dialog, selection.region);
     run.run();
     if (!run.finish()) return;
-    const Selection now;
+    const kit::Selection now;
     SX_RedrawMusic(now.exists ? &now.region : &now.fallback);
 }
 
+void checkSelection(SXWindow dialog) {
+    CProgress progress = kit::startMassEdit();
+    const std::uint16_t problems = VerifyRetrogradeSelection(&progress, 0);
+    kit::endMassEdit(progress);
+    RetrogradePreScanDialog(dialog, problems);
+}
+
 void playSelection(SXWindow dialog) {
-    const Selection selection;
+    const kit::Selection selection;
     if (!selection.exists) {
         NoSelectionDialog(dialog);
         return;
@@ -144,8 +165,5 @@ void playSelection(SXWindow dialog) {
     }
     SX_Playback(start.measure, selection.region.end.measure, 0, kPlaybackStaffList);
     // The host closes up the incident numbers behind each deletion, so the first one empties the list.
-    for (int i = 0; i < slots; ++i) {
-        EDATAKEY key{kPlaybackStaffList, 0};
-        SX_DeleteEData(kPlaybackStaffTag, &key);
-    }
+    for (int i = 0; i < slots; ++i) sx_deleteother(kPlaybackStaffTag, kPlaybackStaffList, 0);
 }

@@ -3,6 +3,7 @@
 
 #include "kit/dialog_handlers.h"
 #include "kit/host_api.h"
+#include "retrograde/dialogs.h"
 #include "shell/apply.h"
 #include "shell/settings.h"
 #include "transform/mirror_dialog.h"
@@ -21,7 +22,9 @@ constexpr short kTranspositionPopup = 6;
 constexpr short kTranspositionSettings = 7;
 constexpr short kOptionPopup = 8;
 constexpr short kRetrogradeCheck = 9;
+constexpr short kRetrogradeSettings = 10;
 constexpr short kRemoveTiesCheck = 11;
+constexpr short kCheckSelection = 12;
 
 short control(SXWindow dialog, short item, short kind) {
     return static_cast<short>(SX_GetDlgItemVal(dialog, item, kind));
@@ -69,6 +72,12 @@ int useControl(SXWindow dialog, short item) {
             return 1;
         case kTranspositionSettings:
             editTransposition(dialog);
+            return 1;
+        case kRetrogradeSettings:
+            SUItems.retrogradeOptions = RetrogradeOptionsDialog(dialog, SUItems.retrogradeOptions);
+            return 1;
+        case kCheckSelection:
+            checkSelection(dialog);
             return 1;
         default:
             return 0;

@@ -19,6 +19,7 @@ class EngineFixture {
   public:
     explicit EngineFixture(const std::vector<std::string>& lines) : document(scoreFromText(lines)) {
         InitializeGlobals();
+        QorVersion = kKitVersion;
         engine::setBrokenRuleHandler([](engine::Rule rule, const std::string& detail) {
             ADD_FAILURE() << engine::ruleName(rule) << ": " << detail;
         });

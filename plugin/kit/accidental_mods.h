@@ -1,0 +1,19 @@
+// The accidental modifications of notes: records attached to the note's entry, found by the note's id.
+#pragma once
+
+#include "kit/data_records.h"
+
+// Stands for any note of the entry.
+inline constexpr std::uint16_t kAnyNote = 0xFFFF;
+
+// Each finds the first record of the entry that belongs to the note and tells its incident; false when none
+// of the first thousand does or the host fails. Loading may change the record even so.
+bool sx_loadaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId, EDTAccidentalMods2012* record,
+                          std::uint16_t& incident);
+bool sx_saveaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId, EDTAccidentalMods2012* record,
+                          std::uint16_t& incident);
+bool sx_deleteaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId);
+
+// Appends a record, made out to the note, to those of the entry.
+bool sx_addaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId, EDTAccidentalMods2012* record,
+                         std::uint16_t& incident);

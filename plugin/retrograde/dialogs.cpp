@@ -1,0 +1,152 @@
+// Procedures of the retrograde options and of the report of the check.
+#include "retrograde/dialogs.h"
+
+#include <array>
+
+#include "kit/dialog_handlers.h"
+#include "kit/mass_edit.h"
+#include "kit/selection.h"
+#include "kit/string_resources.h"
+#include "retrograde/retrograde.h"
+#include "retrograde/selection_check.h"
+#include "util/utf16_functions.h"
+
+namespace {
+
+constexpr short kOptionsDialog = 20190;
+constexpr short kReportDialog = 20230;
+constexpr short kSubDialogFlags = 0x3001;
+
+// Items of both dialogs; both buttons of the report only close it.
+constexpr short kOk = 1;
+constexpr short kCancel = 2;
+
+constexpr short kKeySignaturesCheck = 3;
+constexpr short kMeasureSpacingCheck = 4;
+
+constexpr short kMeasuresText = 2;
+constexpr short kReportText = 3;
+constexpr short kRepair = 7;
+
+// Units of one fragment of the report, and of the line with the measures.
+constexpr std::uint16_t kFragmentUnits = 64;
+
+// The options as the dialog edits them.
+struct OptionChecks {
+    std::int16_t keySignatures;
+    std::int16_t measureSpacing;
+};
+
+int optionsProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t /*parameter*/, void* data) {
+    auto& checks = *static_cast<OptionChecks*>(data);
+    if (message == kDialogInit) {
+        SX_SetDlgItemVal(dialog, kKeySignaturesCheck, kCheckValue, checks.keySignatures);
+        SX_SetDlgItemVal(dialog, kMeasureSpacingCheck, kCheckValue, checks.measureSpacing);
+        return 1;
+    }
+    if (message != kDialogCommand || (item != kOk && item != kCancel)) return 0;
+    if (item == kOk) {
+        const auto check = [dialog](short box) {
+            return static_cast<std::int16_t>(SX_GetDlgItemVal(dialog, box, kCheckValue));
+        };
+        checks.keySignatures = check(kKeySignaturesCheck);
+        checks.measureSpacing = check(kMeasureSpacingCheck);
+    }
+    SX_EndDialog(dialog);
+    return 1;
+}
+
+void showMeasures(SXWindow dialog) {
+    std::array<char16_t, kFragmentUnits> line{};
+    if (const kit::Selection selection; selection.exists) {
+        std::array<char16_t, kFragmentUnits> format{};
+        PlugIn_GetStringResource(kMeasureRangeFormat, format.data(), kFragmentUnits);
+        sx_sprintf(line.data(), line.size(), format.data(), int{selection.region.start.measure},
+                   int{selection.region.end.measure});
+    }
+    SX_SetDlgString_UTF16(dialog, kMeasuresText, line.data());
+}
+
+void showReport(SXWindow dialog, unsigned int problems) {
+    static constexpr struct {
+        unsigned int problem;
+        std::uint32_t text;
+    } kFragments[] = {{kNoRegion, kNoSelectionText},
+                      {kSecondVoices, kSecondVoiceText},
+                      {kSmartShapes, kSmartShapesText},
+                      {kUnsuitableFrames, kUnsuitableFrameText}};
+    std::array<char16_t, kReportUnits> report{};
+    if (problems == 0) errStrCat(report.data(), kNoProblemsText);
+    for (const auto& fragment : kFragments) {
+        if (problems & fragment.problem) errStrCat(report.data(), fragment.text);
+    }
+    // Repairing the rest would be in vain when a frame stays that cannot be reversed.
+    const bool repairable =
+        (problems & (kSecondVoices | kSmartShapes)) != 0 && (problems & kUnsuitableFrames) == 0;
+    SX_EnableDlgItem(dialog, kRepair, repairable);
+    SX_SetDlgString_UTF16(dialog, kReportText, report.data());
+    showMeasures(dialog);
+}
+
+void repair(SXWindow dialog) {
+    if (SX_AlertMessage_UTF16(dialog, kAlertYesNo, kRepairQuestionText, nullptr) != kAnswerYes) return;
+    CProgress progress = kit::startMassEdit();
+    VerifyRetrogradeSelection(&progress, 1);
+    SX_RedrawMusic(nullptr);
+    SX_EndDialog(dialog);
+    kit::endMassEdit(progress);
+}
+
+// The user data is the problem code itself.
+int reportProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t /*parameter*/, void* data) {
+    if (message == kDialogInit) {
+        showReport(dialog, static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(data)));
+        return 1;
+    }
+    if (message != kDialogCommand) return 0;
+    switch (item) {
+        case kOk:
+        case kCancel:
+            SX_EndDialog(dialog);
+            return 1;
+        case kRepair:
+            repair(dialog);
+            return 1;
+        default:
+            return 0;
+    }
+}
+
+void runDialog(short number, SXDialogProc procedure, SXWindow parent, void* data) {
+    const SXDialogProc handler = NewFF_DialogHandlerProc(procedure);
+    SX_Dialog(number, handler, parent, kSubDialogFlags, data);
+    DisposeFF_DialogHandlerProc(handler);
+}
+
+// Appends what fits into the report.
+void append(char16_t* buffer, const char16_t* text) {
+    const std::size_t used = sx_strlen(buffer);
+    sx_strncpy(buffer + used, text, kReportUnits - 1 - used);
+    buffer[kReportUnits - 1] = 0;
+}
+
+}  // namespace
+
+unsigned int RetrogradeOptionsDialog(SXWindow window, unsigned int options) {
+    OptionChecks checks{(options & kMirrorKeySignatures) != 0, (options & kMirrorMeasureSpacing) != 0};
+    runDialog(kOptionsDialog, optionsProc, window, &checks);
+    return (checks.keySignatures ? kMirrorKeySignatures : 0) |
+           (checks.measureSpacing ? kMirrorMeasureSpacing : 0);
+}
+
+short RetrogradePreScanDialog(SXWindow window, unsigned int problems) {
+    runDialog(kReportDialog, reportProc, window, reinterpret_cast<void*>(std::uintptr_t{problems}));
+    return 0;
+}
+
+void errStrCat(char16_t* buffer, std::uint32_t stringId) {
+    if (buffer[0] != 0) append(buffer, u", ");
+    std::array<char16_t, kFragmentUnits> text{};
+    PlugIn_GetStringResource(stringId, text.data(), kFragmentUnits);
+    append(buffer, text.data());
+}
