@@ -1,6 +1,7 @@
 // Storage of the document.
 #include "engine/document.h"
 
+#include <algorithm>
 #include <cassert>
 #include <limits>
 #include <utility>
@@ -58,6 +59,47 @@ void Document::addKeyChange(const KeyChange& change) {
     keyChanges_[{change.staff, change.measure}].push_back(change);
 }
 
+MeasureLayout& Document::layout(short measure) {
+    return measures_[static_cast<std::size_t>(measure - 1)].layout;
+}
+
+bool Document::addShape(const Shape& shape) {
+    if (!shapes_.add(shape)) return false;
+    const std::size_t last = std::max(shape.firstEntry, shape.lastEntry);
+    if (last >= shapeEnds_.size()) shapeEnds_.resize(last + 1);
+    shapeEnds_[shape.firstEntry] = true;
+    shapeEnds_[shape.lastEntry] = true;
+    return true;
+}
+
+const RecordStore& Document::records() const {
+    if (!recordsMade_) {
+        shapes_.makeRecords(records_);
+        recordsMade_ = true;
+    }
+    return records_;
+}
+
+void Document::exchangeRecords(const RecordStore::Place& place, RecordStore::Incidents& incidents) {
+    static_cast<void>(records());
+    records_.exchange(place, incidents);
+    recordsChanged_ = true;
+    if (place.tag != kEntryMarkTag) return;
+    if (place.owner >= shapeEnds_.size()) shapeEnds_.resize(std::size_t{place.owner} + 1);
+    shapeEnds_[place.owner] = records_.list(place) != nullptr;
+}
+
+void Document::exchangeMeasure(short measure, MeasureState& state) {
+    MeasureState old{.layout = layout(measure), .keys = {}};
+    for (short staff = 1; staff <= staffCount(); ++staff) {
+        old.keys.push_back(staffMeasure(staff, measure).key);
+        staffMeasure(staff, measure).key = state.keys[static_cast<std::size_t>(staff - 1)];
+    }
+    layout(measure) = state.layout;
+    changedMeasures_.try_emplace(measure, old);
+    state = std::move(old);
+}
+
 const KeySignature& Document::keyAt(short staff, short measure, std::int32_t position) const {
     const KeySignature* key = &staffMeasure(staff, measure).key;
     const auto changes = keyChanges_.find({staff, measure});
@@ -69,6 +111,17 @@ const KeySignature& Document::keyAt(short staff, short measure, std::int32_t pos
         latest = change.position;
     }
     return *key;
+}
+
+std::uint32_t Document::continuationOf(std::uint32_t entryNumber) {
+    const std::uint32_t number = nextEntryNumber();
+    origins_.emplace(number, originOf(entryNumber));
+    return number;
+}
+
+std::uint32_t Document::originOf(std::uint32_t entryNumber) const {
+    const auto found = origins_.find(entryNumber);
+    return found == origins_.end() ? entryNumber : found->second;
 }
 
 void Document::setEntries(const FrameAddress& address, std::span<const EXENTRY> entries) {

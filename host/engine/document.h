@@ -8,6 +8,7 @@
 #include <map>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -15,6 +16,8 @@
 #include "engine/entry_state.h"
 #include "engine/key_signature.h"
 #include "engine/packed_entries.h"
+#include "engine/record_store.h"
+#include "engine/smart_shapes.h"
 
 namespace rovescio::engine {
 
@@ -23,10 +26,28 @@ inline constexpr short kMaxLayers = 4;
 struct Staff {
     std::string name;        // the part's name; for display
     bool unpitched = false;  // percussion: the key word is off the standard scales
+    int fifths = 0;          // from the key of the score to the one written for a transposing instrument
+};
+
+// How a measure is spaced, for all staves; in hundredths of a staff space.
+struct MeasureLayout {
+    std::int16_t width = 0;  // 0: left to the program that shows the score
+    std::int16_t spaceBefore = 0;
+    std::int16_t spaceAfter = 0;
+    std::uint16_t flags = 0;
+
+    friend bool operator==(const MeasureLayout&, const MeasureLayout&) = default;
 };
 
 struct Measure {
     std::string label;  // the printed number, not always numeric nor unique
+    MeasureLayout layout{};
+};
+
+// What a measure specification can change.
+struct MeasureState {
+    MeasureLayout layout;
+    std::vector<KeySignature> keys;  // at the start of the measure, of all staves
 };
 
 // What one staff has in one measure.
@@ -65,8 +86,15 @@ class Document {
     void layOut();
     StaffMeasure& staffMeasure(short staff, short measure);
     void addKeyChange(const KeyChange& change);
+    MeasureLayout& layout(short measure);
+    // A slur, hairpin or other line; false when there are too many.
+    bool addShape(const Shape& shape);
     // Entry numbers count from 1; one that is dropped is not given again.
     std::uint32_t nextEntryNumber() { return ++lastEntryNumber_; }
+    // A new number for an entry that goes on with another one, which a barline cut.
+    std::uint32_t continuationOf(std::uint32_t entryNumber);
+    // The entry that a continuation began with; any other entry is its own.
+    [[nodiscard]] std::uint32_t originOf(std::uint32_t entryNumber) const;
     // Puts entries into an empty frame; they must be in the order of the layer.
     void setEntries(const FrameAddress& address, std::span<const EXENTRY> entries);
     void setPackedEntries(const FrameAddress& address, PackedEntries entries);
@@ -82,6 +110,23 @@ class Document {
     [[nodiscard]] const KeySignature& keyAt(short staff, short measure, std::int32_t position) const;
     [[nodiscard]] std::uint32_t lastEntryNumber() const { return lastEntryNumber_; }
     [[nodiscard]] bool has(short staff, short measure) const;
+
+    // Slurs, hairpins and other lines as they were read, and the data records, theirs among them.
+    [[nodiscard]] const SmartShapes& shapes() const { return shapes_; }
+    [[nodiscard]] const RecordStore& records() const;
+    // Whether any entry, or this one, has a mark of a shape that begins or ends there.
+    [[nodiscard]] bool hasShapes() const { return !shapeEnds_.empty(); }
+    [[nodiscard]] bool hasShapes(std::uint32_t entryNumber) const {
+        return entryNumber < shapeEnds_.size() && shapeEnds_[entryNumber];
+    }
+    // Exchanges the records of one list, or what a measure specification can change, with those given; the
+    // way of mass edits.
+    void exchangeRecords(const RecordStore::Place& place, RecordStore::Incidents& incidents);
+    void exchangeMeasure(short measure, MeasureState& state);
+    // Whether any record was ever exchanged.
+    [[nodiscard]] bool recordsChanged() const { return recordsChanged_; }
+    // Measures that were ever exchanged, with what they had when they were read.
+    [[nodiscard]] const std::map<short, MeasureState>& changedMeasures() const { return changedMeasures_; }
 
     // Exchanges a frame's entries with those given; the way of mass edits, undo and rollback. The document
     // remembers the frame as changed.
@@ -106,6 +151,14 @@ class Document {
     // By staff and measure.
     std::map<std::pair<short, short>, std::vector<KeyChange>> keyChanges_;
     std::uint32_t lastEntryNumber_ = 0;
+    std::unordered_map<std::uint32_t, std::uint32_t> origins_;  // of continuations
+    SmartShapes shapes_;
+    std::vector<bool> shapeEnds_;  // by entry number
+    // Most documents are never asked for a record: those of the shapes are made when the first one is.
+    mutable RecordStore records_;
+    mutable bool recordsMade_ = false;
+    bool recordsChanged_ = false;
+    std::map<short, MeasureState> changedMeasures_;
 };
 
 }  // namespace rovescio::engine

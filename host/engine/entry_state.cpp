@@ -5,6 +5,16 @@
 
 namespace rovescio::engine {
 
+namespace {
+
+// The last byte: these bits, and the silence between them.
+constexpr std::uint8_t kUnpitched = 0x01;
+constexpr std::uint8_t kMarked = 0x08;
+constexpr unsigned kSilenceShift = 1;
+constexpr unsigned kSilenceMask = 3;
+
+}  // namespace
+
 // Ratios are stored less one, so that the zero bytes of a fresh record read as 1:1.
 EntryState entryStateIn(const std::uint8_t (&hostPrivate)[6]) {
     EntryState state;
@@ -16,7 +26,9 @@ EntryState entryStateIn(const std::uint8_t (&hostPrivate)[6]) {
     state.actual = static_cast<std::uint16_t>(actual == 0xFFFF ? 1 : actual + 1);
     state.normal = static_cast<std::uint16_t>(normal + 1);
     state.grace = static_cast<Grace>(hostPrivate[4]);
-    state.unpitched = hostPrivate[5];
+    state.unpitched = hostPrivate[5] & kUnpitched;
+    state.silence = static_cast<Silence>(hostPrivate[5] >> kSilenceShift & kSilenceMask);
+    state.marked = (hostPrivate[5] & kMarked) != 0;
     return state;
 }
 
@@ -26,7 +38,9 @@ void setEntryStateIn(std::uint8_t (&hostPrivate)[6], const EntryState& state) {
     std::memcpy(hostPrivate, &actual, 2);
     std::memcpy(hostPrivate + 2, &normal, 2);
     hostPrivate[4] = static_cast<std::uint8_t>(state.grace);
-    hostPrivate[5] = state.unpitched;
+    hostPrivate[5] =
+        static_cast<std::uint8_t>(state.unpitched | static_cast<unsigned>(state.silence) << kSilenceShift |
+                                  (state.marked ? kMarked : 0U));
 }
 
 }  // namespace rovescio::engine

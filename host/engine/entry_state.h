@@ -13,6 +13,13 @@ inline constexpr std::int32_t kQuarter = 1024;
 
 enum class Grace : std::uint8_t { none, grace };
 
+// Why an entry without notes is silent.
+enum class Silence : std::uint8_t {
+    rest,    // a rest that is written
+    gap,     // the voice is absent for a while; nothing is written
+    filler,  // an empty measure was filled to keep its time
+};
+
 // View of EXENTRY::hostPrivate. A tuplet of `actual` notes in the time of `normal` (all nesting levels
 // multiplied) scales the entry's duration by normal / actual; a grace entry takes no time.
 struct EntryState {
@@ -21,6 +28,8 @@ struct EntryState {
     Grace grace = Grace::none;
     std::uint8_t unpitched =
         0;  // 1: notes have a place on the staff but no pitch, so their pitch never changes
+    Silence silence = Silence::rest;
+    bool marked = false;  // carries more than its notes: lyrics, articulations, ornaments
 
     friend bool operator==(const EntryState&, const EntryState&) = default;
 };

@@ -50,6 +50,11 @@ EXTGF2005a* LoadedFrames::load(const FrameAddress& address) {
         retired_.pop_front();
     }
     document_.entries(address).expand(frame.entries);
+    if (document_.hasShapes()) {
+        for (EXENTRY& entry : frame.entries) {
+            if (document_.hasShapes(entry.entryNumber)) entry.updateFlags |= ENTRY_HAS_SHAPES;
+        }
+    }
     frame.address = address;
     frame.live = true;
     frame.record = {};
@@ -100,6 +105,7 @@ bool LoadedFrames::insert(EXTGF2005a* record, short index, short count) {
         EXENTRY fresh{};
         fresh.entryNumber = document_.nextEntryNumber();
         fresh.entryFlags = ENTRY_VALID;
+        setEntryState(fresh, {.silence = Silence::filler});
         grown.push_back(fresh);
     }
     grown.insert(grown.end(), frame->entries.begin() + index, frame->entries.end());
@@ -148,6 +154,8 @@ void LoadedFrames::normalise(EXENTRY& entry, const StoredEntry* old) {
         ENOTE* const note = entry.notes + i;
         std::rotate(std::upper_bound(entry.notes, note, *note, lower), note, note + 1);
     }
+    // The marks of an entry tell whether it has shapes.
+    entry.updateFlags = static_cast<std::uint8_t>(entry.updateFlags & ~ENTRY_HAS_SHAPES);
     if (entry.updateFlags & ENTRY_CHANGED) {
         entry.updateFlags = static_cast<std::uint8_t>(entry.updateFlags & ~ENTRY_CHANGED);
         entry.reserved13 |= kDecideAccidentals;

@@ -2,6 +2,7 @@
 #include "engine/mass_edit.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -13,8 +14,8 @@ namespace rovescio::engine {
 
 std::vector<FrameAddress> MassEdits::changedFrames(const Edit& edit) {
     std::vector<FrameAddress> frames;
-    frames.reserve(edit.changes.size());
-    for (const Change& change : edit.changes) frames.push_back(change.address);
+    frames.reserve(edit.changes.frames.size());
+    for (const Change& change : edit.changes.frames) frames.push_back(change.address);
     return frames;
 }
 
@@ -46,8 +47,12 @@ void MassEdits::end(SXMassEdit handle, bool cancelled) {
         return;
     }
     if (!open_.empty()) {
-        for (Change& change : edit->changes)
+        for (Change& change : edit->changes.frames)
             remember(*open_.back(), change.address, std::move(change.entries));
+        // What the outer edit changed before is older, and stays.
+        open_.back()->changes.records.merge(edit->changes.records);
+        open_.back()->changes.measures.merge(edit->changes.measures);
+        std::ranges::copy(edit->rebarred, std::back_inserter(open_.back()->rebarred));
         return;
     }
     if (edit->changes.empty()) return;
@@ -73,13 +78,23 @@ bool MassEdits::isFirstChange(Edit& edit, const FrameAddress& address) const {
 
 void MassEdits::remember(Edit& edit, const FrameAddress& address, PackedEntries old) const {
     if (!isFirstChange(edit, address)) return;
-    edit.changes.push_back({address, std::move(old)});
-    edit.placeOf[index(address)] = static_cast<std::uint32_t>(edit.changes.size());
+    edit.changes.frames.push_back({address, std::move(old)});
+    edit.placeOf[index(address)] = static_cast<std::uint32_t>(edit.changes.frames.size());
 }
 
 void MassEdits::replace(const FrameAddress& address, PackedEntries entries) {
     document_.exchangeEntries(address, entries);
     remember(*open_.back(), address, std::move(entries));
+}
+
+void MassEdits::changeRecords(const RecordStore::Place& place, RecordStore::Incidents incidents) {
+    document_.exchangeRecords(place, incidents);
+    open_.back()->changes.records.try_emplace(place, std::move(incidents));
+}
+
+void MassEdits::changeMeasure(short measure, MeasureState state) {
+    document_.exchangeMeasure(measure, state);
+    open_.back()->changes.measures.try_emplace(measure, std::move(state));
 }
 
 PackedEntries& MassEdits::editable(const FrameAddress& address) {
@@ -93,12 +108,30 @@ const PackedEntries& MassEdits::before(const FrameAddress& address) const {
     const Edit& edit = *open_.back();
     const std::uint32_t place = edit.placeOf.empty() ? 0 : edit.placeOf[index(address)];
     if (place == 0) return document_.entries(address);
-    return edit.changes[place - 1].entries;
+    return edit.changes.frames[place - 1].entries;
+}
+
+const KeySignature& MassEdits::keyBefore(short staff, short measure) const {
+    const std::map<short, MeasureState>& changed = open_.back()->changes.measures;
+    const auto old = changed.find(measure);
+    return old == changed.end() ? document_.staffMeasure(staff, measure).key
+                                : old->second.keys[static_cast<std::size_t>(staff - 1)];
+}
+
+void MassEdits::markRebarred(const StaffSpan& span) {
+    open_.back()->rebarred.push_back(span);
+}
+
+bool MassEdits::isRebarred(short staff, short measure) const {
+    return std::ranges::any_of(open_.back()->rebarred,
+                               [&](const StaffSpan& span) { return span.contains(staff, measure); });
 }
 
 void MassEdits::exchange(Step& step) {
-    // A frame stands in a step but once, so the order does not matter.
-    for (Change& change : step) document_.exchangeEntries(change.address, change.entries);
+    // A frame, list or measure stands in a step but once, so the order does not matter.
+    for (Change& change : step.frames) document_.exchangeEntries(change.address, change.entries);
+    for (auto& [place, incidents] : step.records) document_.exchangeRecords(place, incidents);
+    for (auto& [measure, state] : step.measures) document_.exchangeMeasure(measure, state);
 }
 
 bool MassEdits::undo() {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -10,6 +11,17 @@
 #include "engine/document.h"
 
 namespace rovescio::engine {
+
+// Measures of one staff, both ends included.
+struct StaffSpan {
+    short staff = 0;
+    short first = 0;
+    short last = 0;
+
+    [[nodiscard]] bool contains(short otherStaff, short measure) const {
+        return otherStaff == staff && measure >= first && measure <= last;
+    }
+};
 
 // Mass edits nest: what an inner one changed belongs to the outer one once it is ended. The first change of a
 // frame keeps its old content; ended as cancelled, everything is put back.
@@ -28,8 +40,17 @@ class MassEdits {
     void replace(const FrameAddress& address, PackedEntries entries);
     // A frame's entries for changes in place, as part of the open edit.
     PackedEntries& editable(const FrameAddress& address);
+    // Gives a list of data records, or a measure, new contents as part of the open edit.
+    void changeRecords(const RecordStore::Place& place, RecordStore::Incidents incidents);
+    void changeMeasure(short measure, MeasureState state);
     // What a frame held before the innermost open edit.
     [[nodiscard]] const PackedEntries& before(const FrameAddress& address) const;
+    // The key of a measure before the innermost open edit.
+    [[nodiscard]] const KeySignature& keyBefore(short staff, short measure) const;
+
+    // The entries of these measures were laid out anew, with ties that fit.
+    void markRebarred(const StaffSpan& span);
+    [[nodiscard]] bool isRebarred(short staff, short measure) const;
 
     // Exact undo and redo of whole outermost edits; false when there is nothing to undo or redo.
     bool undo();
@@ -43,11 +64,20 @@ class MassEdits {
         FrameAddress address;
         PackedEntries entries;  // what the document does not hold now
     };
-    using Step = std::deque<Change>;
+    // All that the document does not hold now.
+    struct Step {
+        std::deque<Change> frames;
+        std::map<RecordStore::Place, RecordStore::Incidents> records;
+        std::map<short, MeasureState> measures;
+
+        [[nodiscard]] bool empty() const { return frames.empty() && records.empty() && measures.empty(); }
+    };
     struct Edit {
         Step changes;
-        // For each frame of the document its place in `changes`, counted from 1; 0 while it is unchanged.
+        // For each frame of the document its place among those changed, counted from 1; 0 while it is
+        // unchanged.
         std::vector<std::uint32_t> placeOf;
+        std::vector<StaffSpan> rebarred;
     };
     [[nodiscard]] std::size_t index(const FrameAddress& address) const;
     static std::vector<FrameAddress> changedFrames(const Edit& edit);
@@ -58,8 +88,8 @@ class MassEdits {
 
     Document& document_;
     std::vector<std::unique_ptr<Edit>> open_;
-    std::vector<Step> undo_;
-    std::vector<Step> redo_;
+    std::deque<Step> undo_;
+    std::deque<Step> redo_;
 };
 
 }  // namespace rovescio::engine

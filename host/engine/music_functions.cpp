@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "contract/data_records.h"
 #include "engine/functions.h"
 #include "engine/playback_list.h"
 #include "engine/session.h"

@@ -103,10 +103,12 @@ class PackedEntries {
     [[nodiscard]] bool empty() const { return count_ == 0; }
     // Whether a note had one of these flags when it was packed.
     [[nodiscard]] bool mayHaveNoteFlags(std::uint32_t flags) const { return (noteFlags_ & flags) != 0; }
-    [[nodiscard]] auto begin() const { return StoredEntryIterator<const StoredEntry>(at(0)); }
-    [[nodiscard]] auto end() const { return StoredEntryIterator<const StoredEntry>(at(used_)); }
-    auto begin() { return StoredEntryIterator<StoredEntry>(at(0)); }
-    auto end() { return StoredEntryIterator<StoredEntry>(at(used_)); }
+    using Iterator = StoredEntryIterator<StoredEntry>;
+    using ConstIterator = StoredEntryIterator<const StoredEntry>;
+    [[nodiscard]] ConstIterator begin() const { return ConstIterator(at(0)); }
+    [[nodiscard]] ConstIterator end() const { return ConstIterator(at(used_)); }
+    Iterator begin() { return Iterator(at(0)); }
+    Iterator end() { return Iterator(at(used_)); }
     // The index-th entry; takes time in proportion to the index.
     [[nodiscard]] const StoredEntry& operator[](std::size_t index) const {
         return *std::next(begin(), static_cast<std::ptrdiff_t>(index));

@@ -1,11 +1,16 @@
-// The temporary staff list that playback reads.
+// The temporary staff list that playback reads, and what is to be played by it.
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 namespace rovescio::engine {
 
-// Tag of its records; each begins with a 16-bit staff number.
-inline constexpr std::uint32_t kPlaybackStaffTag = 0x534F4975;
+// Whole measures, first and last included, of the staves of a list, in its order.
+struct PlaybackRequest {
+    short startMeasure = 1;
+    short endMeasure = 1;
+    std::vector<short> staves;
+};
 
 }  // namespace rovescio::engine

@@ -5,76 +5,108 @@
 
 namespace rovescio::engine {
 
-const RecordStore::Bytes* RecordStore::find(std::uint32_t tag, const EDATAKEY& key) const {
-    const auto byTag = records_.find(tag);
+const RecordStore::Incidents* RecordStore::list(const Place& place) const {
+    const auto byTag = records_.find(place.tag);
     if (byTag == records_.end()) return nullptr;
-    const auto byCmper = byTag->second.find(key.cmper);
-    if (byCmper == byTag->second.end() || key.inci >= byCmper->second.size()) return nullptr;
-    return &byCmper->second[key.inci];
+    const auto found = byTag->second.find({place.owner, place.second});
+    return found == byTag->second.end() ? nullptr : &found->second;
 }
 
-bool RecordStore::save(std::uint32_t tag, const EDATAKEY& key, std::span<const std::byte> content) {
-    if (!find(tag, key)) return false;
-    records_[tag][key.cmper][key.inci].assign(content.begin(), content.end());
-    return true;
+const RecordStore::Bytes* RecordStore::find(std::uint32_t tag, const RecordKey& key) const {
+    const Incidents* const incidents = list({tag, key.owner, key.second});
+    return incidents && key.inci < incidents->size() ? &(*incidents)[key.inci] : nullptr;
 }
 
-bool RecordStore::create(std::uint32_t tag, EDATAKEY& key, std::span<const std::byte> content) {
-    const EDATAKEY first{key.cmper, 0};
-    const auto next = find(tag, first) ? records_[tag][key.cmper].size() : 0;
-    if (next >= kAppend || (key.inci != kAppend && key.inci != next)) return false;
-    records_[tag][key.cmper].emplace_back(content.begin(), content.end());
+std::optional<RecordStore::Change> RecordStore::saved(std::uint32_t tag, const RecordKey& key,
+                                                      std::span<const std::byte> content) const {
+    if (!find(tag, key)) return std::nullopt;
+    Change change{{tag, key.owner, key.second}, {}};
+    change.incidents = *list(change.place);
+    change.incidents[key.inci].assign(content.begin(), content.end());
+    return change;
+}
+
+std::optional<RecordStore::Change> RecordStore::created(std::uint32_t tag, RecordKey& key,
+                                                        std::span<const std::byte> content) const {
+    Change change{{tag, key.owner, key.second}, {}};
+    if (const Incidents* const old = list(change.place)) change.incidents = *old;
+    const std::size_t next = change.incidents.size();
+    if (next >= kAppend || (key.inci != kAppend && key.inci != next)) return std::nullopt;
+    change.incidents.emplace_back(content.begin(), content.end());
     key.inci = static_cast<std::uint16_t>(next);
-    return true;
+    return change;
 }
 
-bool RecordStore::remove(std::uint32_t tag, const EDATAKEY& key) {
-    if (!find(tag, key)) return false;
-    auto& byCmper = records_[tag];
-    Incidents& incidents = byCmper[key.cmper];
-    incidents.erase(incidents.begin() + key.inci);
-    if (incidents.empty()) byCmper.erase(key.cmper);
-    return true;
+std::optional<RecordStore::Change> RecordStore::removed(std::uint32_t tag, const RecordKey& key) const {
+    if (!find(tag, key)) return std::nullopt;
+    Change change{{tag, key.owner, key.second}, {}};
+    change.incidents = *list(change.place);
+    change.incidents.erase(change.incidents.begin() + key.inci);
+    return change;
 }
 
-const RecordStore::Bytes* RecordStore::next(std::uint32_t tag, EDATAKEY& key) const {
+void RecordStore::exchange(const Place& place, Incidents& incidents) {
+    Lists& lists = records_[place.tag];
+    Incidents& current = lists[{place.owner, place.second}];
+    current.swap(incidents);
+    if (current.empty()) lists.erase({place.owner, place.second});
+}
+
+const RecordStore::Bytes* RecordStore::next(std::uint32_t tag, RecordKey& key) const {
     const auto byTag = records_.find(tag);
     if (byTag == records_.end()) return nullptr;
-    auto cmper = byTag->second.lower_bound(key.cmper);
+    const std::pair wanted{key.owner, key.second};
+    auto found = byTag->second.lower_bound(wanted);
     std::size_t inci = 0;
-    if (cmper != byTag->second.end() && cmper->first == key.cmper) {
+    if (found != byTag->second.end() && found->first == wanted) {
         inci = std::size_t{key.inci} + 1;
-        if (inci >= cmper->second.size()) {
-            ++cmper;
+        if (inci >= found->second.size()) {
+            ++found;
             inci = 0;
         }
     }
-    if (cmper == byTag->second.end()) return nullptr;
-    key = {cmper->first, static_cast<std::uint16_t>(inci)};
-    return &cmper->second[inci];
+    if (found == byTag->second.end()) return nullptr;
+    key = {found->first.first, found->first.second, static_cast<std::uint16_t>(inci)};
+    return &found->second[inci];
 }
 
-const RecordStore::Bytes* RecordStore::previous(std::uint32_t tag, EDATAKEY& key) const {
+const RecordStore::Bytes* RecordStore::previous(std::uint32_t tag, RecordKey& key) const {
     const auto byTag = records_.find(tag);
     if (byTag == records_.end()) return nullptr;
-    auto cmper = byTag->second.lower_bound(key.cmper);
-    if (cmper != byTag->second.end() && cmper->first == key.cmper && key.inci > 0) {
-        const std::size_t inci = std::min<std::size_t>(key.inci, cmper->second.size()) - 1;
+    const std::pair wanted{key.owner, key.second};
+    auto found = byTag->second.lower_bound(wanted);
+    if (found != byTag->second.end() && found->first == wanted && key.inci > 0) {
+        const std::size_t inci = std::min<std::size_t>(key.inci, found->second.size()) - 1;
         key.inci = static_cast<std::uint16_t>(inci);
-        return &cmper->second[inci];
+        return &found->second[inci];
     }
-    if (cmper == byTag->second.begin()) return nullptr;
-    --cmper;
-    key = {cmper->first, static_cast<std::uint16_t>(cmper->second.size() - 1)};
-    return &cmper->second.back();
+    if (found == byTag->second.begin()) return nullptr;
+    --found;
+    key = {found->first.first, found->first.second, static_cast<std::uint16_t>(found->second.size() - 1)};
+    return &found->second.back();
 }
 
 std::size_t RecordStore::count(std::uint32_t tag) const {
     const auto byTag = records_.find(tag);
     if (byTag == records_.end()) return 0;
     std::size_t total = 0;
-    for (const auto& [cmper, incidents] : byTag->second) total += incidents.size();
+    for (const auto& [place, incidents] : byTag->second) total += incidents.size();
     return total;
+}
+
+std::uint32_t RecordStore::lastOwner(std::uint32_t tag, std::uint32_t limit) const {
+    const auto byTag = records_.find(tag);
+    if (byTag == records_.end()) return 0;
+    const auto behind = byTag->second.lower_bound({limit, 0});
+    return behind == byTag->second.begin() ? 0 : std::prev(behind)->first.first;
+}
+
+std::uint16_t RecordStore::lastSecond(std::uint32_t tag, std::uint32_t owner) const {
+    const auto byTag = records_.find(tag);
+    if (byTag == records_.end()) return 0;
+    const auto behind = byTag->second.upper_bound({owner, 0xFFFF});
+    if (behind == byTag->second.begin() || std::prev(behind)->first.first != owner) return 0;
+    return std::prev(behind)->first.second;
 }
 
 }  // namespace rovescio::engine

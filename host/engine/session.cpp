@@ -3,7 +3,7 @@
 
 #include <cassert>
 
-#include "engine/playback_list.h"
+#include "contract/data_records.h"
 #include "engine/strictness.h"
 
 namespace rovescio::engine {
@@ -18,7 +18,8 @@ Session::Session(Document& documentToEdit, UserInterface& front)
     : document(documentToEdit),
       userInterface(front),
       massEdits(documentToEdit),
-      frames(documentToEdit, massEdits) {
+      frames(documentToEdit, massEdits),
+      dataRecords(documentToEdit, massEdits, records) {
     assert(!currentSession);
     currentSession = this;
 }

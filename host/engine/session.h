@@ -11,10 +11,12 @@
 #include <vector>
 
 #include "contract/records.h"
+#include "engine/data_records.h"
 #include "engine/document.h"
 #include "engine/gate.h"
 #include "engine/loaded_frames.h"
 #include "engine/mass_edit.h"
+#include "engine/problem.h"
 #include "engine/record_store.h"
 #include "engine/user_interface.h"
 
@@ -33,13 +35,18 @@ class Session {
     UserInterface& userInterface;
     MassEdits massEdits;
     LoadedFrames frames;
-    RecordStore records;
+    RecordStore records;  // temporary ones
+    DataRecords dataRecords;
 
     // What is selected in the score; none until set.
     std::optional<EREGION> selection;
     std::array<bool, kMaxLayers> layerShown = {true, true, true, true};
     // How many frames the transformations chosen will load, for the progress display.
     std::int64_t expectedLoads = 0;
+    // Why what a transformation asked for could not be done; the document must not be written then.
+    std::optional<Problem> refusal;
+    // Regions whose music was laid out anew.
+    int rebars = 0;
     // Text of a string resource of the plug-in, UTF-8; empty when it has none.
     std::function<std::string(std::uint32_t stringId)> pluginString;
 

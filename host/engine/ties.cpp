@@ -4,9 +4,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
-
-#include "engine/mass_edit.h"
 
 namespace rovescio::engine {
 
@@ -24,6 +23,7 @@ class TieBreaker {
 
     // Looks after all ties that left a frame before the edit.
     void visit(const FrameAddress& frame) {
+        if (edits_.isRebarred(frame.staff, frame.measure)) return;
         const PackedEntries& before = edits_.before(frame);
         if (!before.mayHaveNoteFlags(NOTE_TIE_START)) return;
         for (const StoredEntry& entry : before) {
@@ -33,11 +33,24 @@ class TieBreaker {
         }
     }
 
-  private:
-    [[nodiscard]] int pitchOf(const FrameAddress& frame, const ENOTE& note) const {
-        return semitones(document_.staffMeasure(frame.staff, frame.measure).key.spell(note));
+    // Clears half ties in a frame that was laid out anew.
+    void dropHalves(const FrameAddress& frame) {
+        dropFrom(frame, [&](const StoredEntry& entry, const ENOTE& note, std::uint32_t flag) {
+            return flag == NOTE_TIE_START ? !arrives(frame, entry, note, When::now)
+                                          : !departs(frame, entry, note, When::now);
+        });
+    }
+    // Clears the ties of a frame beside such a one that have lost their other end.
+    void dropLost(const FrameAddress& frame, std::uint32_t flag) {
+        dropFrom(frame, [&](const StoredEntry& entry, const ENOTE& note, std::uint32_t found) {
+            if (found != flag) return false;
+            return flag == NOTE_TIE_START
+                       ? arrives(frame, entry, note, When::before) && !arrives(frame, entry, note, When::now)
+                       : departs(frame, entry, note, When::before) && !departs(frame, entry, note, When::now);
+        });
     }
 
+  private:
     // Where an entry ends, in duration units; its tuplet's rounding leaves it up to a unit short.
     static std::int32_t endOf(const StoredEntry& entry) {
         const EntryState state = entryState(entry);
@@ -47,39 +60,97 @@ class TieBreaker {
     }
 
     void visitTie(const FrameAddress& frame, const StoredEntry& entry, const ENOTE& note) {
-        const auto arrival = findArrival(frame, endOf(entry), pitchOf(frame, note));
-        if (!arrival) return;
+        const auto arrival =
+            findArrival(frame, endOf(entry), pitchOf(frame, note, When::before), When::before);
+        if (!arrival || edits_.isRebarred(arrival->frame.staff, arrival->frame.measure)) return;
         const NotePlace departure{frame, entry.entryNumber, note.noteId};
         const ENOTE* first = find(departure);
         const ENOTE* second = find(*arrival);
-        if (!first || !second || pitchOf(frame, *first) == pitchOf(arrival->frame, *second)) return;
+        if (!first || !second ||
+            pitchOf(frame, *first, When::now) == pitchOf(arrival->frame, *second, When::now))
+            return;
         clear(departure, NOTE_TIE_START);
         clear(*arrival, NOTE_TIE_END);
     }
 
-    // The note that such a tie arrived at: the same pitch at the end of the first, in any layer of the staff.
-    [[nodiscard]] std::optional<NotePlace> findArrival(const FrameAddress& from, std::int32_t end,
-                                                       int pitch) const {
-        if (auto found = findArrivalIn(from.staff, from.measure, end, pitch)) return found;
-        const std::int32_t duration = document_.staffMeasure(from.staff, from.measure).duration;
-        if (end + 1 < duration || !document_.has(from.staff, static_cast<short>(from.measure + 1))) return {};
-        return findArrivalIn(from.staff, static_cast<short>(from.measure + 1), 0, pitch);
+    // Which state of the document is looked at.
+    enum class When { before, now };
+    [[nodiscard]] const PackedEntries& entriesOf(const FrameAddress& frame, When when) const {
+        return when == When::before ? edits_.before(frame) : std::as_const(document_).entries(frame);
+    }
+    [[nodiscard]] int pitchOf(const FrameAddress& frame, const ENOTE& note, When when) const {
+        const KeySignature& key = when == When::before
+                                      ? edits_.keyBefore(frame.staff, frame.measure)
+                                      : document_.staffMeasure(frame.staff, frame.measure).key;
+        return semitones(key.spell(note));
     }
 
-    [[nodiscard]] std::optional<NotePlace> findArrivalIn(short staff, short measure, std::int32_t position,
-                                                         int pitch) const {
+    // The note that such a tie arrives at: the same pitch at the end of the first, in any layer of the staff.
+    [[nodiscard]] std::optional<NotePlace> findArrival(const FrameAddress& from, std::int32_t end, int pitch,
+                                                       When when) const {
+        const auto starts = [](const StoredEntry& entry) { return entry.elapsed; };
+        if (auto found = findAt(from.staff, from.measure, end, pitch, NOTE_TIE_END, when, starts))
+            return found;
+        const std::int32_t duration = document_.staffMeasure(from.staff, from.measure).duration;
+        if (end + 1 < duration) return {};
+        return findAt(from.staff, static_cast<short>(from.measure + 1), 0, pitch, NOTE_TIE_END, when, starts);
+    }
+
+    // The note that a tie comes from: the same pitch, ending where the other begins.
+    [[nodiscard]] std::optional<NotePlace> findDeparture(const FrameAddress& to, std::int32_t begin,
+                                                         int pitch, When when) const {
+        if (begin > 0) return findAt(to.staff, to.measure, begin - 1, pitch, NOTE_TIE_START, when, endOf);
+        const auto earlier = static_cast<short>(to.measure - 1);
+        if (!document_.has(to.staff, earlier)) return {};
+        const std::int32_t end = document_.staffMeasure(to.staff, earlier).duration;
+        return findAt(to.staff, earlier, end - 1, pitch, NOTE_TIE_START, when, endOf);
+    }
+
+    // A note of that pitch and flag whose entry has its edge at a position or a unit later.
+    template <class Edge>
+    [[nodiscard]] std::optional<NotePlace> findAt(short staff, short measure, std::int32_t position,
+                                                  int pitch, std::uint32_t flag, When when,
+                                                  const Edge& edge) const {
+        if (!document_.has(staff, measure)) return {};
         for (short layer = 0; layer < kMaxLayers; ++layer) {
             const FrameAddress frame{staff, measure, layer};
-            for (const StoredEntry& entry : edits_.before(frame)) {
-                if (entry.elapsed < position || entry.elapsed > position + 1) continue;
+            for (const StoredEntry& entry : entriesOf(frame, when)) {
+                const std::int32_t at = edge(entry);
+                if (at < position || at > position + 1) continue;
                 for (const ENOTE& note : entry.notes()) {
-                    if ((note.noteFlags & NOTE_TIE_END) && pitchOf(frame, note) == pitch) {
+                    if ((note.noteFlags & flag) && pitchOf(frame, note, when) == pitch) {
                         return NotePlace{frame, entry.entryNumber, note.noteId};
                     }
                 }
             }
         }
         return {};
+    }
+
+    [[nodiscard]] bool arrives(const FrameAddress& frame, const StoredEntry& entry, const ENOTE& note,
+                               When when) const {
+        return findArrival(frame, endOf(entry), pitchOf(frame, note, when), when).has_value();
+    }
+    [[nodiscard]] bool departs(const FrameAddress& frame, const StoredEntry& entry, const ENOTE& note,
+                               When when) const {
+        return findDeparture(frame, entry.elapsed, pitchOf(frame, note, when), when).has_value();
+    }
+
+    // Clears the half ties of one frame that are `wrong`.
+    template <class Wrong>
+    void dropFrom(const FrameAddress& frame, const Wrong& wrong) {
+        if (!document_.entries(frame).mayHaveNoteFlags(NOTE_TIES)) return;
+        std::vector<std::pair<NotePlace, std::uint32_t>> loose;
+        for (const StoredEntry& entry : std::as_const(document_).entries(frame)) {
+            for (const ENOTE& note : entry.notes()) {
+                for (const std::uint32_t flag : {NOTE_TIE_START, NOTE_TIE_END}) {
+                    if ((note.noteFlags & flag) && wrong(entry, note, flag)) {
+                        loose.emplace_back(NotePlace{frame, entry.entryNumber, note.noteId}, flag);
+                    }
+                }
+            }
+        }
+        for (const auto& [place, flag] : loose) clear(place, flag);
     }
 
     // The note as it is now; null when the edit removed or moved it.
@@ -123,6 +194,19 @@ void breakWrongTies(Document& document, MassEdits& edits, std::span<const FrameA
             }
         }
         last = frame;
+    }
+}
+
+void dropLooseTies(Document& document, MassEdits& edits, const StaffSpan& span) {
+    TieBreaker breaker(document, edits);
+    const auto before = static_cast<short>(span.first - 1);
+    const auto behind = static_cast<short>(span.last + 1);
+    for (short layer = 0; layer < kMaxLayers; ++layer) {
+        if (document.has(span.staff, before)) breaker.dropLost({span.staff, before, layer}, NOTE_TIE_START);
+        if (document.has(span.staff, behind)) breaker.dropLost({span.staff, behind, layer}, NOTE_TIE_END);
+        for (short measure = span.first; measure <= span.last; ++measure) {
+            breaker.dropHalves({span.staff, measure, layer});
+        }
     }
 }
 

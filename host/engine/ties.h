@@ -4,14 +4,17 @@
 #include <span>
 
 #include "engine/document.h"
+#include "engine/mass_edit.h"
 
 namespace rovescio::engine {
-
-class MassEdits;
 
 // Removes every tie that joined two equal pitches before the innermost open edit and joins different ones
 // now, as happens when only one of the notes lay in the selection. Both ends lose their mark. `frames` are
 // those that the edit changed.
 void breakWrongTies(Document& document, MassEdits& edits, std::span<const FrameAddress> frames);
+
+// Removes from the notes of these measures every half tie: one that leaves without arriving at its pitch or
+// arrives without having left. Of the measures around them, only ties that reached into them lose their mark.
+void dropLooseTies(Document& document, MassEdits& edits, const StaffSpan& span);
 
 }  // namespace rovescio::engine

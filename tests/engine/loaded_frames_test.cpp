@@ -38,10 +38,8 @@ class LoadedFramesTest : public testing::Test {
 };
 
 TEST_F(LoadedFramesTest, FramesThatDoNotExistAreNull) {
-    EXPECT_EQ(SX_LoadTGF(0, 2, 1, 0, 0, V), nullptr);
-    EXPECT_EQ(SX_LoadTGF(0, 1, 3, 0, 0, V), nullptr);
-    EXPECT_EQ(SX_LoadTGF(0, 1, 1, 4, 0, V), nullptr);
-    EXPECT_EQ(SX_LoadTGF(7, 1, 1, 0, 0, V), nullptr);
+    EXPECT_TRUE(!SX_LoadTGF(0, 2, 1, 0, 0, V) && !SX_LoadTGF(0, 1, 3, 0, 0, V));
+    EXPECT_TRUE(!SX_LoadTGF(0, 1, 1, 4, 0, V) && !SX_LoadTGF(7, 1, 1, 0, 0, V));
     EXTGF2005a* empty = SX_LoadTGF(0, 1, 1, 3, 0, V);
     ASSERT_NE(empty, nullptr);
     EXPECT_EQ(+empty->entryCount, 0);
@@ -94,94 +92,71 @@ TEST_F(LoadedFramesTest, InsertsAndDeletesEntries) {
 }
 
 TEST_F(LoadedFramesTest, EachBrokenRuleIsNamed) {
-    const struct {
-        const char* what;
-        Rule rule;
-        std::function<void(LoadedFramesTest&)> act;
-    } cases[] = {
-        {"leak", Rule::frameNotFreed, [](auto&) { load(); }},
-        {"freed twice", Rule::frameFreedTwice,
-         [](auto&) {
-             EXTGF2005a* frame = load();
-             SX_FreeTGF(frame, V);
-             SX_FreeTGF(frame, V);
-         }},
-        {"saved after free", Rule::frameUnknown,
-         [](auto&) {
-             EXTGF2005a* frame = load();
-             SX_FreeTGF(frame, V);
-             SX_SaveTGF(frame, V);
-         }},
-        {"a frame of its own", Rule::frameUnknown,
-         [](auto&) {
-             EXTGF2005a own{};
-             SX_FreeTGF(&own, V);
-         }},
-        {"written after free", Rule::frameWrittenAfterFree,
-         [](auto&) {
-             EXTGF2005a* frame = load();
-             EXENTRY* entries = frame->entries;
-             SX_FreeTGF(frame, V);
-             entries[1].duration = 7;
-         }},
-        {"written to the buffer that an insertion replaced", Rule::frameWrittenAfterFree,
-         [](auto&) {
-             EXTGF2005a* frame = load();
-             EXENTRY* entries = frame->entries;
+    const auto freed = [](const std::function<void(EXTGF2005a*)>& act) {
+        return [act] {
+            EXTGF2005a* frame = load();
+            act(frame);
+            SX_FreeTGF(frame, V);
+        };
+    };
+    const auto afterFree = [](const std::function<void(EXTGF2005a*, EXENTRY*)>& act) {
+        return [act] {
+            EXTGF2005a* frame = load();
+            EXENTRY* entries = frame->entries;
+            SX_FreeTGF(frame, V);
+            act(frame, entries);
+        };
+    };
+    const auto edited = [](const std::function<void(SXMassEdit)>& act) {
+        return [act] {
+            const SXMassEdit edit = SX_StartMassEdit(nullptr, 100, V);
+            act(edit);
+            SX_EndMassEdit(edit, 0, V);
+        };
+    };
+    EXTGF2005a own{};
+    const std::pair<Rule, std::function<void()>> cases[] = {
+        {Rule::frameNotFreed, [] { load(); }},
+        {Rule::frameFreedTwice, afterFree([](auto* frame, auto*) { SX_FreeTGF(frame, V); })},
+        {Rule::frameUnknown, afterFree([](auto* frame, auto*) { SX_SaveTGF(frame, V); })},
+        {Rule::frameUnknown, [&] { SX_FreeTGF(&own, V); }},
+        {Rule::frameWrittenAfterFree, afterFree([](auto*, auto* entries) { entries[1].duration = 7; })},
+        {Rule::frameWrittenAfterFree, freed([](auto* frame) {
+             EXENTRY* replaced = frame->entries;
              SX_InsertEXENTRY(frame, 0, 1, V);
-             entries[0].duration = 7;
-             SX_FreeTGF(frame, V);
-         }},
-        {"count changed", Rule::frameHeaderChanged,
-         [](auto&) {
-             EXTGF2005a* frame = load();
+             replaced[0].duration = 7;
+         })},
+        {Rule::frameHeaderChanged, freed([](auto* frame) {
              frame->entryCount = 1;
              SX_SaveTGF(frame, V);
              frame->entryCount = 2;
-             SX_FreeTGF(frame, V);
-         }},
-        {"notes beyond the count", Rule::notesBeyondCount,
-         [](auto&) {
-             const SXMassEdit edit = SX_StartMassEdit(nullptr, 100, V);
-             EXTGF2005a* frame = load();
-             frame->entries[1].noteCount = 2;
-             SX_SaveTGF(frame, V);
-             SX_FreeTGF(frame, V);
-             SX_EndMassEdit(edit, 0, V);
-         }},
-        {"saved outside a mass edit", Rule::saveOutsideMassEdit,
-         [](auto&) {
-             EXTGF2005a* frame = load();
-             SX_SaveTGF(frame, V);
-             SX_FreeTGF(frame, V);
-         }},
-        {"mass edit left open", Rule::massEditNotEnded, [](auto&) { SX_StartMassEdit(nullptr, 100, V); }},
-        {"mass edit ended twice", Rule::massEditEndedTwice,
-         [](auto&) {
-             const SXMassEdit edit = SX_StartMassEdit(nullptr, 100, V);
-             SX_EndMassEdit(edit, 0, V);
-             SX_EndMassEdit(edit, 0, V);
-         }},
-        {"progress outside a mass edit", Rule::progressOutsideMassEdit,
-         [](auto&) { EXPECT_EQ(SX_MassEditProgress(nullptr, 0, 0, 0, -1, V), 0); }},
-        {"dialog without procedure", Rule::dialogWithoutProcedure,
-         [](auto&) { SX_Dialog(20130, nullptr, nullptr, 0, nullptr, V); }},
-        {"wrong version word", Rule::versionWord, [](auto&) { SX_GetMaxLayers(V + 1); }},
-        {"records left", Rule::recordsLeft,
-         [](auto&) {
+         })},
+        {Rule::notesBeyondCount, edited([&](SXMassEdit) {
+             freed([](auto* frame) {
+                 frame->entries[1].noteCount = 2;
+                 SX_SaveTGF(frame, V);
+             })();
+         })},
+        {Rule::saveOutsideMassEdit, freed([](auto* frame) { SX_SaveTGF(frame, V); })},
+        {Rule::massEditNotEnded, [] { SX_StartMassEdit(nullptr, 100, V); }},
+        {Rule::massEditEndedTwice, edited([](SXMassEdit edit) { SX_EndMassEdit(edit, 0, V); })},
+        {Rule::progressOutsideMassEdit, [] { EXPECT_EQ(SX_MassEditProgress(nullptr, 0, 0, 0, -1, V), 0); }},
+        {Rule::dialogWithoutProcedure, [] { SX_Dialog(20130, nullptr, nullptr, 0, nullptr, V); }},
+        {Rule::versionWord, [] { SX_GetMaxLayers(V + 1); }},
+        {Rule::recordsLeft,
+         [] {
              EDATAKEY key{0xFFF9, 0};
              EDTPlaybackStaff record{};
              std::uint32_t size = sizeof record;
              SX_CreateEData(0x534F4975, &key, &record, &size, V);
          }},
-        {"string missing", Rule::stringMissing,
-         [](auto&) { SX_AlertMessage_UTF16(nullptr, kAlertWarning, 0x4EA60063, nullptr, V); }},
+        {Rule::stringMissing, [] { SX_AlertMessage_UTF16(nullptr, kAlertWarning, 0x4EA60063, nullptr, V); }},
     };
-    for (const auto& c : cases) {
+    for (const auto& [rule, act] : cases) {
         broken.clear();
-        c.act(*this);
+        act();
         session.checkBalanced();
-        EXPECT_EQ(broken, std::vector<Rule>{c.rule}) << c.what;
+        EXPECT_EQ(broken, std::vector<Rule>{rule}) << ruleName(rule);
         session.records = {};
     }
 }

@@ -164,7 +164,7 @@ std::string valueText(std::int32_t duration) {
     text += kValues[name];
     for (std::int32_t rest = duration - value; rest > 0; rest -= value) {
         value /= 2;
-        if (rest < value) return std::to_string(duration);
+        if (value == 0 || rest < value) return std::to_string(duration);
         text += '.';
     }
     return text;
@@ -173,7 +173,7 @@ std::string valueText(std::int32_t duration) {
 std::string entryText(const engine::StoredEntry& entry, const KeySignature& key) {
     const engine::EntryState state = engine::entryState(entry);
     std::string text = state.grace == engine::Grace::none ? "" : "/";
-    if (entry.noteCount == 0) text += 'r';
+    if (entry.noteCount == 0) text += state.silence == engine::Silence::gap ? '_' : 'r';
     if (entry.noteCount > 1) text += '<';
     for (const ENOTE& note : entry.notes()) {
         if (&note != entry.notes().data()) text += ' ';

@@ -1,0 +1,408 @@
+// The work of a rebar, staff by staff.
+#include "engine/rebar.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "engine/pour.h"
+#include "engine/session.h"
+#include "engine/ties.h"
+
+namespace rovescio::engine {
+
+namespace {
+
+constexpr int kMaxDots = 2;
+
+// Where entries stood before the open mass edit, by number.
+class Origins {
+  public:
+    struct Place {
+        const StoredEntry* entry = nullptr;  // null for an entry that is new
+        std::uint32_t index = 0;             // in the order of its layer, grace entries not counted
+        short measure = 0;
+    };
+
+    Origins(const Document& document, const MassEdits& edits)
+        : document_(document), edits_(edits), places_(std::size_t{document.lastEntryNumber()} + 1) {}
+
+    void collect(short staff, short layer, short first, short last) {
+        index_ += 2;  // entries of different layers do not follow each other
+        for (short measure = first; measure <= last; ++measure) {
+            const PackedEntries& entries = edits_.before({staff, measure, layer});
+            std::uint32_t owner = 0;
+            for (const StoredEntry& entry : entries) {
+                const bool grace = entryState(entry).grace != Grace::none;
+                places_[entry.entryNumber] = {&entry, grace ? 0 : ++index_, measure};
+                if (!grace && !(entry.entryFlags & ENTRY_VOICE2)) {
+                    followedUp(waiting_, entry.entryNumber);
+                    owner = entry.entryNumber;
+                } else if (grace) {
+                    waiting_.push_back(entry.entryNumber);
+                }
+            }
+            followedUp(waiting_, owner);
+        }
+    }
+
+    [[nodiscard]] const Place& of(const StoredEntry& entry) const {
+        static const Place kNone;
+        return entry.entryNumber < places_.size() ? places_[entry.entryNumber] : kNone;
+    }
+
+    // The note that a grace entry belongs to: the next of its measure, or else the last.
+    [[nodiscard]] std::uint32_t ownerOf(const StoredEntry& grace) const {
+        const auto found = owners_.find(grace.entryNumber);
+        return found == owners_.end() ? 0 : found->second;
+    }
+
+    // A note's written pitch, which it keeps wherever it stands.
+    [[nodiscard]] SpelledPitch pitchOf(short staff, const StoredEntry& entry, const ENOTE& note,
+                                       short measureNow) const {
+        const Place& place = of(entry);
+        const KeySignature& key = place.entry ? edits_.keyBefore(staff, place.measure)
+                                              : document_.staffMeasure(staff, measureNow).key;
+        return key.spell(note);
+    }
+
+  private:
+    void followedUp(std::vector<std::uint32_t>& graces, std::uint32_t owner) {
+        for (const std::uint32_t grace : graces) owners_.emplace(grace, owner);
+        graces.clear();
+    }
+
+    const Document& document_;
+    const MassEdits& edits_;
+    std::vector<Place> places_;
+    std::unordered_map<std::uint32_t, std::uint32_t> owners_;
+    std::vector<std::uint32_t> waiting_;
+    std::uint32_t index_ = 0;
+};
+
+// The shown layers of one staff of the region.
+class StaffRebar {
+  public:
+    StaffRebar(Session& session, Origins& origins, short staff, short first, short last)
+        : session_(session),
+          document_(session.document),
+          edits_(session.massEdits),
+          origins_(origins),
+          staff_(staff),
+          first_(first),
+          last_(last) {
+        for (short measure = first; measure <= last; ++measure) {
+            const StaffMeasure& time = document_.staffMeasure(staff, measure);
+            metres_.push_back({time.duration, time.beat});
+        }
+        real_.resize(metres_.size());
+    }
+
+    // Finds out where everything goes; nothing is moved yet.
+    bool plan() {
+        for (short layer = 0; layer < kMaxLayers; ++layer) {
+            if (session_.layerShown[static_cast<std::size_t>(layer)]) {
+                if (!planLayer(layer)) return false;
+            } else {
+                for (std::size_t i = 0; i < metres_.size(); ++i) {
+                    if (!document_.entries(frame(i, layer)).empty()) markReal(i, layer);
+                }
+            }
+        }
+        return true;
+    }
+
+    void apply() {
+        for (Layer& layer : layers_) {
+            auto piece = layer.pieces.begin();
+            for (std::size_t i = 0; i < metres_.size(); ++i) {
+                const auto end = std::find_if(piece, layer.pieces.end(),
+                                              [&](const PourPiece& other) { return other.measure != i; });
+                std::vector<PourPiece> pieces(piece, end);
+                piece = end;
+                finish(layer, i, pieces);
+            }
+            for (std::size_t i = 0; i < metres_.size(); ++i) {
+                edits_.replace(frame(i, layer.number), std::move(layer.frames[i]));
+            }
+        }
+        dropLooseTies(document_, edits_, {staff_, first_, last_});
+        edits_.markRebarred({staff_, first_, last_});
+    }
+
+  private:
+    struct Layer {
+        short number = 0;
+        std::vector<PourItem> items;
+        std::vector<PourPiece> pieces;
+        std::vector<PackedEntries> frames;
+    };
+
+    [[nodiscard]] FrameAddress frame(std::size_t index, short layer) const {
+        return {staff_, static_cast<short>(first_ + static_cast<short>(index)), layer};
+    }
+    void markReal(std::size_t index, short layer) { real_[index] |= 1U << layer; }
+    [[nodiscard]] bool hasOtherMusic(std::size_t index, short layer) const {
+        return (real_[index] & ~(1U << layer)) != 0;
+    }
+    static bool isSilent(const PourItem& item, const PourPiece& piece) {
+        return item.isRest() && piece.silence != Silence::rest;
+    }
+
+    bool planLayer(short number) {
+        Layer& layer = layers_.emplace_back();
+        layer.number = number;
+        origins_.collect(staff_, number, first_, last_);
+        const bool present = mendTies(number);
+        if (!present) {
+            layers_.pop_back();
+            return true;
+        }
+        gather(layer);
+        PourResult poured = pour(layer.items, metres_);
+        if (!poured.fault.empty()) {
+            refuse(poured.fault, poured.measure, number);
+            return false;
+        }
+        layer.pieces = std::move(poured.pieces);
+        for (const PourPiece& piece : layer.pieces) {
+            if (!isSilent(layer.items[piece.item], piece)) markReal(piece.measure, number);
+        }
+        return true;
+    }
+
+    void refuse(const std::string& fault, std::size_t index, short layer) {
+        const FrameAddress address = frame(index, layer);
+        session_.refusal = Problem{.message = fault + " (staff " + std::to_string(staff_) + ", layer " +
+                                              std::to_string(layer + 1) + ")",
+                                   .file = {},
+                                   .line = 0,
+                                   .measure = document_.measure(address.measure).label,
+                                   .remedy = "Correct the durations there, or select other measures"};
+    }
+
+    // A note that kept its ties while its neighbours changed sides leaves half ties behind: where the two
+    // notes were tied the other way round before, they are tied again. False when the layer is empty.
+    bool mendTies(short layer) {
+        StoredEntry* earlier = nullptr;
+        short earlierMeasure = 0;
+        bool present = false;
+        for (std::size_t i = 0; i < metres_.size(); ++i) {
+            if (document_.entries(frame(i, layer)).empty()) continue;
+            present = true;
+            for (StoredEntry& entry : edits_.editable(frame(i, layer))) {
+                if (entryState(entry).grace != Grace::none || (entry.entryFlags & ENTRY_VOICE2)) continue;
+                const short measure = frame(i, layer).measure;
+                if (earlier) mendTies(*earlier, earlierMeasure, entry, measure);
+                earlier = &entry;
+                earlierMeasure = measure;
+            }
+        }
+        return present;
+    }
+
+    void mendTies(StoredEntry& earlier, short earlierMeasure, StoredEntry& later, short laterMeasure) {
+        const Origins::Place& from = origins_.of(later);
+        const Origins::Place& to = origins_.of(earlier);
+        if (!from.entry || !to.entry || to.index != from.index + 1) return;
+        for (ENOTE& note : earlier.notes()) {
+            for (ENOTE& next : later.notes()) {
+                const bool half =
+                    ((note.noteFlags & NOTE_TIE_START) != 0) != ((next.noteFlags & NOTE_TIE_END) != 0);
+                if (!half || origins_.pitchOf(staff_, earlier, note, earlierMeasure) !=
+                                 origins_.pitchOf(staff_, later, next, laterMeasure)) {
+                    continue;
+                }
+                if (!hadFlag(*from.entry, next, NOTE_TIE_START) || !hadFlag(*to.entry, note, NOTE_TIE_END)) {
+                    continue;
+                }
+                note.noteFlags |= NOTE_TIE_START;
+                next.noteFlags |= NOTE_TIE_END;
+            }
+        }
+    }
+
+    static bool hadFlag(const StoredEntry& before, const ENOTE& now, std::uint32_t flag) {
+        return std::ranges::any_of(before.notes(), [&](const ENOTE& note) {
+            return note.noteId == now.noteId && (note.noteFlags & flag) != 0;
+        });
+    }
+
+    void gather(Layer& layer) {
+        std::uint32_t lastTimed = 0;
+        for (std::size_t i = 0; i < metres_.size(); ++i) {
+            for (const StoredEntry& entry : std::as_const(document_).entries(frame(i, layer.number))) {
+                PourItem item{&entry};
+                item.aside = (entry.entryFlags & ENTRY_VOICE2) != 0;
+                if (entryState(entry).grace != Grace::none) {
+                    item.graceOfBefore = lastTimed != 0 && origins_.ownerOf(entry) == lastTimed;
+                } else if (!item.aside) {
+                    lastTimed = entry.entryNumber;
+                }
+                layer.items.push_back(item);
+            }
+        }
+    }
+
+    // Makes the frame of one measure.
+    void finish(Layer& layer, std::size_t index, std::vector<PourPiece>& pieces) {
+        const bool otherMusic = hasOtherMusic(index, layer.number);
+        const bool silent = std::ranges::all_of(
+            pieces, [&](const PourPiece& piece) { return isSilent(layer.items[piece.item], piece); });
+        if (silent) {
+            // The first silent layer of a staff without music keeps a rest.
+            if (otherMusic || pieces.empty()) {
+                layer.frames.emplace_back();
+                return;
+            }
+            markReal(index, layer.number);
+        }
+        for (PourPiece& piece : pieces) {
+            if (piece.silence != Silence::filler) continue;
+            piece.silence = otherMusic ? Silence::gap : Silence::rest;
+            piece.loose = true;
+        }
+        if (silent && pieces.size() > 1) pieces.front().loose = true;
+        groupRests(pieces, layer.items, metres_[index]);
+        joinTied(layer, index, pieces);
+        std::size_t bytes = 0;
+        for (const PourPiece& piece : pieces) {
+            bytes += PackedEntries::bytesFor(layer.items[piece.item].entry->noteCount);
+        }
+        PackedEntries entries = PackedEntries::withRoom(bytes);
+        for (const PourPiece& piece : pieces) entries.append(entryOf(layer, index, piece));
+        layer.frames.push_back(std::move(entries));
+    }
+
+    void joinTied(const Layer& layer, std::size_t index, std::vector<PourPiece>& pieces) const {
+        std::vector<PourPiece> joined;
+        for (const PourPiece& piece : pieces) {
+            if (!joined.empty() && isDivided(layer, index, joined.back(), piece)) {
+                PourPiece& whole = joined.back();
+                whole.duration += piece.duration;
+                whole.continued = piece.continued;
+                whole.lastItem = piece.lastItem;
+                const bool firstIsMarked = entryState(*layer.items[whole.item].entry).marked;
+                if (whole.renumbered || !firstIsMarked) {
+                    whole.item = piece.item;
+                    whole.renumbered = false;
+                }
+            } else {
+                joined.push_back(piece);
+            }
+        }
+        pieces = std::move(joined);
+    }
+
+    // Whether two pieces in one measure are one note that only a barline had divided.
+    [[nodiscard]] bool isDivided(const Layer& layer, std::size_t index, const PourPiece& earlier,
+                                 const PourPiece& later) const {
+        const StoredEntry& first = *layer.items[earlier.lastItem].entry;
+        const StoredEntry& second = *layer.items[later.item].entry;
+        const Origins::Place& to = origins_.of(first);
+        const Origins::Place& from = origins_.of(second);
+        if (earlier.lastItem == later.item || earlier.continued || later.continues) return false;
+        if (layer.items[earlier.lastItem].isRest() || layer.items[later.item].isRest()) return false;
+        const bool wasOne = document_.originOf(first.entryNumber) == document_.originOf(second.entryNumber);
+        const bool barlineBetween = to.entry && from.entry && to.measure != from.measure &&
+                                    (to.index == from.index + 1 || from.index == to.index + 1);
+        if (!wasOne && !barlineBetween) return false;
+        const EntryState one = entryState(*layer.items[earlier.item].entry);
+        const EntryState two = entryState(second);
+        const bool bothMarked = one.marked && two.marked && !earlier.renumbered;
+        if (one.actual != one.normal || two.actual != two.normal || bothMarked) return false;
+        if (one.grace != Grace::none || two.grace != Grace::none) return false;
+        if (!isWritable(earlier.duration + later.duration, wasOne ? kMaxDots : 1)) return false;
+        const short measure = frame(index, layer.number).measure;
+        return std::ranges::equal(first.notes(), second.notes(), [&](const ENOTE& a, const ENOTE& b) {
+            return (a.noteFlags & NOTE_TIE_START) != 0 && (b.noteFlags & NOTE_TIE_END) != 0 &&
+                   origins_.pitchOf(staff_, first, a, measure) ==
+                       origins_.pitchOf(staff_, second, b, measure);
+        });
+    }
+
+    [[nodiscard]] EXENTRY entryOf(const Layer& layer, std::size_t index, const PourPiece& piece) {
+        const StoredEntry& source = *layer.items[piece.item].entry;
+        const short measure = frame(index, layer.number).measure;
+        EXENTRY entry = source.expanded();
+        if (piece.renumbered) entry.entryNumber = document_.continuationOf(source.entryNumber);
+        entry.duration = piece.duration;
+        entry.elapsed = piece.start.floor();
+        EntryState state = entryState(source);
+        state.silence = piece.silence;
+        if (piece.renumbered) state.marked = false;
+        setEntryState(entry, state);
+        const KeySignature& key = document_.staffMeasure(staff_, measure).key;
+        const auto arrivals = layer.items[piece.firstItem].entry->notes();
+        const auto departures = layer.items[piece.lastItem].entry->notes();
+        for (std::size_t i = 0; i < static_cast<std::size_t>(entry.noteCount); ++i) {
+            ENOTE& note = entry.notes[i];
+            key.store(origins_.pitchOf(staff_, source, note, measure), note);
+            const std::uint32_t arrives =
+                piece.continues ? NOTE_TIE_END : arrivals[i].noteFlags & NOTE_TIE_END;
+            const std::uint32_t leaves =
+                piece.continued ? NOTE_TIE_START : departures[i].noteFlags & NOTE_TIE_START;
+            note.noteFlags = (note.noteFlags & ~NOTE_TIES) | arrives | leaves;
+        }
+        if (entry.noteCount > 0) entry.reserved13 |= kDecideAccidentals;
+        return entry;
+    }
+
+    Session& session_;
+    Document& document_;
+    MassEdits& edits_;
+    Origins& origins_;
+    const short staff_;
+    const short first_;
+    const short last_;
+    std::vector<Metre> metres_;
+    std::vector<unsigned> real_;  // by measure, a bit for each layer with music
+    std::vector<Layer> layers_;
+};
+
+// Keeps the written pitches of a frame that was not poured again, but whose measure has got another key.
+void respell(Document& document, MassEdits& edits, const FrameAddress& address) {
+    const KeySignature& now = std::as_const(document).staffMeasure(address.staff, address.measure).key;
+    const KeySignature& before = edits.keyBefore(address.staff, address.measure);
+    if (now == before || std::as_const(document).entries(address).empty()) return;
+    for (StoredEntry& entry : edits.editable(address)) {
+        for (ENOTE& note : entry.notes()) now.store(before.spell(note), note);
+        if (entry.noteCount > 0) entry.reserved13 |= kDecideAccidentals;
+    }
+}
+
+}  // namespace
+
+bool rebar(Session& session, const EREGION& region) {
+    const Document& document = session.document;
+    const short first = std::max<short>(region.start.measure, 1);
+    const short last = std::min(region.end.measure, document.measureCount());
+    const short firstStaff = std::max<short>(region.start.slot, 1);
+    const short lastStaff = std::min(region.end.slot, document.staffCount());
+    if (region.start.staffList != 0 || last < first || !session.massEdits.isOpen()) return false;
+
+    Origins origins(document, session.massEdits);
+    std::vector<StaffRebar> staves;
+    for (short staff = firstStaff; staff <= lastStaff; ++staff) {
+        staves.emplace_back(session, origins, staff, first, last);
+        if (!staves.back().plan()) return false;
+    }
+    for (StaffRebar& staff : staves) staff.apply();
+    for (short staff = 1; staff <= document.staffCount(); ++staff) {
+        const bool inRegion = staff >= firstStaff && staff <= lastStaff;
+        for (short layer = 0; layer < kMaxLayers; ++layer) {
+            if (inRegion && session.layerShown[static_cast<std::size_t>(layer)]) continue;
+            for (short measure = first; measure <= last; ++measure) {
+                respell(session.document, session.massEdits, {staff, measure, layer});
+            }
+        }
+    }
+    ++session.rebars;
+    return true;
+}
+
+}  // namespace rovescio::engine

@@ -1,0 +1,21 @@
+// Pours the music of a region again into its measures, after a transformation has changed what lies where.
+#pragma once
+
+#include "contract/records.h"
+
+namespace rovescio::engine {
+
+class Session;
+
+// In every shown layer of the region, puts the entries one after the other from the start of its first
+// measure to the end of its last. Notes that cross a barline are cut and tied, notes that only a barline had
+// divided are joined again, rests that were cut are grouped by the metre, and grace entries stay with their
+// notes. Layers filled with nothing but silence become empty again where the staff has other music. Ties are
+// mended to have two ends, written pitches stay what they were before the open mass edit in whatever key the
+// notes stand now, and which accidentals show is decided anew.
+//
+// False, with the reason in Session::refusal and no entry moved, when a layer does not fill its measures
+// exactly or the region is none.
+bool rebar(Session& session, const EREGION& region);
+
+}  // namespace rovescio::engine

@@ -1,0 +1,13 @@
+// Host function that pours the music of a region into its measures anew.
+#include "engine/functions.h"
+#include "engine/rebar.h"
+#include "engine/session.h"
+
+namespace rovescio::engine::functions {
+
+// This host has one way of rebarring, so the choices that a caller may make change nothing.
+short SX_RebarRegion(const EREGION* region, short, short, short, short) {
+    return region && rebar(Session::current(), *region);
+}
+
+}  // namespace rovescio::engine::functions

@@ -1,0 +1,127 @@
+// Layers poured again into their measures.
+#include "engine/rebar.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <string>
+#include <vector>
+
+#include "engine/note_values.h"
+#include "engine/session.h"
+#include "support/memory_user_interface.h"
+#include "support/reversal.h"
+#include "support/score_text.h"
+
+namespace rovescio::test {
+namespace {
+
+using engine::Document;
+
+constexpr std::int32_t kThree = 3072;
+
+struct Rebarred {
+    explicit Rebarred(const std::vector<std::string>& lines) : document(scoreFromText(lines)) {}
+
+    bool turn() { return turnStaff(session, 1); }
+
+    Document document;
+    MemoryUserInterface front;
+    engine::Session session{document, front};
+};
+
+struct Case {
+    const char* name;
+    const char* score;
+    std::vector<std::int32_t> durations;  // of the measures where the time signature does not hold
+    const char* turned;
+    bool restored = true;  // turned twice it is the first score again
+};
+
+class Rebar : public testing::TestWithParam<Case> {};
+
+TEST_P(Rebar, PoursReversedEntriesIntoTheirMeasures) {
+    Rebarred run({GetParam().score});
+    for (std::size_t i = 0; i < GetParam().durations.size(); ++i) {
+        run.document.staffMeasure(1, static_cast<short>(i + 1)).duration = GetParam().durations[i];
+    }
+    const std::string before = textOf(run.document);
+    ASSERT_TRUE(run.turn()) << run.session.refusal->text();
+    EXPECT_EQ(textOf(run.document), GetParam().turned);
+    ASSERT_TRUE(run.turn());
+    if (GetParam().restored) {
+        EXPECT_EQ(textOf(run.document), before);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Engine, Rebar,
+    testing::Values(
+        Case{"equalMeasures", "C 4/4 c4:q d4:h e4:q | f4:h. g4:q", {}, "g4:q f4:h. | e4:q d4:h c4:q"},
+        Case{"noteOverBarline", "C 4/4 c4:q d4:h | e4:h f4:h", {kThree}, "f4:h e4~:q | e4^:q d4:h c4:q"},
+        Case{"rejoined", "C 4/4 c4:q d4~:h | d4^:q e4:h.", {kThree}, "e4:h. | d4:h. c4:q", true},
+        Case{"tieInMeasureStays", "C 4/4 c4~:q c4^:q d4:h", {}, "d4:h c4~:q c4^:q"},
+        Case{"middleOfThreeTied", "C 3/4 c4~:q c4^:q d4:q", {}, "d4:q c4~:q c4^:q"},
+        Case{"tieChain", "C 3/4 c4~:q c4~^:q c4^:q", {}, "c4~:q c4~^:q c4^:q"},
+        Case{"halfTieDropped", "C 3/4 c4:q d4:q e4~:q", {}, "e4:q d4:q c4:q", false},
+        Case{"tripletWhole", "C 2/4 c4:e*3:2 d4:e*3:2 e4:e*3:2 f4:q", {}, "f4:q e4:e*3:2 d4:e*3:2 c4:e*3:2"},
+        Case{"tripletCut",
+             "C 4/4 c4:h. g4:e | d4:e*3:2 e4:e*3:2 f4:e*3:2 g4:h.",
+             {3584},
+             "g4:h. f4:e*3:2 e4~:s*3:2 | e4^:s*3:2 d4:e*3:2 g4:e c4:h.",
+             false},
+        Case{"restRegrouped",
+             "C 4/4 c4:q r:w | d4:q r:h",
+             {5120, kThree},
+             "r:h d4:q r:q r:q | r:h c4:q",
+             false},
+        Case{"graceStaysWithItsNote", "C 2/4 c4:h | /d4:e e4:h", {}, "e4:h /d4:e | c4:h"},
+        Case{"keepsAccidentals", "G 2/4 f4!:q f#4!:q | f#4:h", {}, "f#4:h | f#4:q f4!:q", false}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST(Rebar, EmptiesLayersThatHoldNothingButFillers) {
+    Rebarred run({"C 2/4 c4:h | d4:h"});
+    addLayer(run.document, 1, 1, "| e4:h");
+    const SXMassEdit edit = run.session.massEdits.start();
+    EXTGF2005a* const frame = run.session.frames.load({1, 1, 1});
+    ASSERT_TRUE(run.session.frames.insert(frame, 0, 1));
+    frame->entries[0].duration = 2048;
+    ASSERT_TRUE(run.session.frames.save(frame));
+    run.session.frames.free(frame);
+    reverse(run.session, 1, 1);
+    ASSERT_TRUE(engine::rebar(run.session, {{0, 1, 1, 0}, {0, 1, 2, 0x7FFFFFFF}}));
+    run.session.massEdits.end(edit, false);
+    EXPECT_EQ(textOf(run.document, 1, 1), "e4:h |");
+}
+
+TEST(Rebar, RefusesLayersThatDoNotFillTheirMeasures) {
+    for (const char* score : {"C 4/4 c4:q | d4:w", "C 4/4 c4:w e4:q | d4:w"}) {
+        Rebarred run({score});
+        const std::string before = textOf(run.document);
+        EXPECT_FALSE(run.turn()) << score;
+        ASSERT_TRUE(run.session.refusal);
+        EXPECT_NE(run.session.refusal->text().find("staff 1, layer 1"), std::string::npos);
+        EXPECT_EQ(textOf(run.document), before);
+    }
+}
+
+TEST(NoteValues, DivideRestsByTheMetre) {
+    struct {
+        std::int32_t position, length;
+        engine::Metre metre;
+        std::vector<std::int32_t> values;
+    } const cases[] = {
+        {1024, 3072, {4096, 1024}, {1024, 2048}}, {0, 3072, {4096, 1024}, {3072}},
+        {512, 1024, {4096, 1024}, {512, 512}},    {1024, 2048, {3072, 1024}, {1024, 1024}},
+        {0, 2560, {3072, 512}, {1536, 1024}},     {512, 2560, {3072, 512}, {512, 512, 1536}},
+        {256, 768, {2048, 1024}, {256, 512}},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(engine::splitByMetre(c.position, c.length, c.metre), c.values)
+            << c.position << ' ' << c.length;
+    }
+}
+
+}  // namespace
+}  // namespace rovescio::test
