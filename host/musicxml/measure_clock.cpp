@@ -75,4 +75,11 @@ std::int32_t MeasureClock::toUnits(std::int64_t ticks) const {
                                      ticks % unit_ * engine::kQuarter / unit_);
 }
 
+engine::Fraction MeasureClock::exact(std::int64_t ticks) const {
+    const std::int64_t whole = ticks / unit_ * engine::kQuarter;
+    const std::int64_t rest = ticks % unit_ * engine::kQuarter;
+    const engine::Fraction units(whole + rest / unit_);
+    return rest % unit_ == 0 ? units : units + engine::Fraction(rest % unit_, unit_);
+}
+
 }  // namespace rovescio::musicxml

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "engine/entry_state.h"
+#include "engine/fraction.h"
 #include "musicxml/numbers.h"
 
 namespace rovescio::musicxml {
@@ -38,9 +39,16 @@ class MeasureClock {
     [[nodiscard]] std::int32_t now() const { return toUnits(now_); }
     // The latest time reached in this measure.
     [[nodiscard]] std::int32_t end() const { return toUnits(end_); }
+    // The same in exact duration units.
+    [[nodiscard]] engine::Fraction exactNow() const { return exact(now_); }
+    [[nodiscard]] engine::Fraction exactEnd() const { return exact(end_); }
+    [[nodiscard]] engine::Fraction exact(const Span& span) const { return exact(span.ticks); }
+    // Divisions of a quarter.
+    [[nodiscard]] const Decimal& divisions() const { return divisions_; }
 
   private:
     [[nodiscard]] std::int32_t toUnits(std::int64_t ticks) const;
+    [[nodiscard]] engine::Fraction exact(std::int64_t ticks) const;
     bool refine(std::int64_t factor);
 
     Decimal divisions_{1, 1};

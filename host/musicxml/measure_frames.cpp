@@ -2,6 +2,7 @@
 #include "musicxml/measure_frames.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 #include <optional>
 #include <tuple>
@@ -65,8 +66,9 @@ EXENTRY MeasureFrames::finish(GatheredEntry& entry, const engine::FrameAddress& 
     const auto first = static_cast<std::uint32_t>(sources.notes.size());
     const std::ptrdiff_t elements = std::max<std::ptrdiff_t>(record.noteCount, 1);
     sources.notes.insert(sources.notes.end(), entry.offsets.begin(), entry.offsets.begin() + elements);
-    sources.entries.push_back({first, record.duration, record.elapsed, address,
-                               static_cast<std::uint8_t>(record.noteCount), entry.sharesStem, false});
+    EntrySource& source = sources.entries.emplace_back(
+        EntrySource{first, record.duration, record.elapsed, 0, address,
+                    static_cast<std::uint8_t>(record.noteCount), false, entry.sharesStem, false});
 
     ENOTE* const end = record.notes + record.noteCount;
     std::sort(record.notes, end, [](const ENOTE& left, const ENOTE& right) {
@@ -74,9 +76,54 @@ EXENTRY MeasureFrames::finish(GatheredEntry& entry, const engine::FrameAddress& 
                std::tuple(right.displacement, right.alteration);
     });
     for (ENOTE* note = record.notes; note != end; ++note) {
-        key.store({note->displacement, note->alteration}, *note);
+        const engine::SpelledPitch pitch{note->displacement, note->alteration};
+        source.look += lookOf(pitch, *note);
+        key.store(pitch, *note);
     }
     return record;
+}
+
+EXENTRY MeasureFrames::finishGap(const Slot& gap, const engine::FrameAddress& address,
+                                 engine::Document& document, SourceMap& sources) {
+    EXENTRY record{};
+    record.entryNumber = document.nextEntryNumber();
+    record.entryFlags = ENTRY_VALID;
+    // A gap of parts of a unit is told like an entry of a tuplet.
+    record.duration = static_cast<std::int32_t>(gap.length.numerator());
+    record.elapsed = gap.start.floor();
+    engine::setEntryState(record, {.actual = static_cast<std::uint16_t>(gap.length.denominator()),
+                                   .silence = engine::Silence::gap});
+    sources.entries.push_back({static_cast<std::uint32_t>(sources.notes.size()), record.duration,
+                               record.elapsed, 0, address, 0, true, false, false});
+    return record;
+}
+
+// The entries of a voice with the gaps between them. A gap that cannot be counted is left out, so that the
+// measure is known to be short.
+void MeasureFrames::listVoice(std::span<const std::uint32_t> voice, std::vector<Slot>& slots) {
+    constexpr std::int64_t kMaxLength = 1 << 30;
+    slots.clear();
+    engine::Fraction reached;
+    const auto fill = [&](const engine::Fraction& until) {
+        if (!(reached < until)) return;
+        const engine::Fraction length = until - reached;
+        // Less than a unit is the rounding of durations that are no exact fraction.
+        const bool countable = length >= engine::Fraction(1) && length.isSound() &&
+                               length.denominator() <= std::numeric_limits<std::uint16_t>::max() &&
+                               length.numerator() <= kMaxLength;
+        if (countable) slots.push_back({nullptr, reached, length});
+        reached = until;
+    };
+    for (const std::uint32_t index : voice) {
+        GatheredEntry& entry = entries_[index];
+        fill(entry.start);
+        slots.push_back({&entry, entry.start, {}});
+        const engine::EntryState state = engine::entryState(entry.record);
+        if (state.grace == engine::Grace::none) {
+            reached += engine::Fraction(entry.record.duration).times(state.normal, state.actual);
+        }
+    }
+    fill(end_);
 }
 
 // The second voice of a layer stands directly after the first entry of the
@@ -90,21 +137,27 @@ GatheredFrame MeasureFrames::makeFrame(short measure, short layer, std::span<con
     frame.layer = layer;
     finished_.clear();
     const engine::FrameAddress address{static_cast<short>(frame.staff + 1), measure, layer};
-    const auto append = [&](std::uint32_t index, std::uint32_t flag) {
-        entries_[index].record.entryFlags |= flag;
-        finished_.push_back(finish(entries_[index], address, key, document, sources));
+    const auto append = [&](const Slot& slot, std::uint32_t flag) {
+        finished_.push_back(slot.entry ? finish(*slot.entry, address, key, document, sources)
+                                       : finishGap(slot, address, document, sources));
+        finished_.back().entryFlags |= flag;
     };
-    append(first.front(), second.empty() ? 0 : ENTRY_STARTS_VOICE2);
-    for (const std::uint32_t index : second) append(index, ENTRY_VOICE2);
-    for (const std::uint32_t index : first.subspan(1)) append(index, 0);
+    listVoice(first, firstVoice_);
+    append(firstVoice_.front(), second.empty() ? 0 : ENTRY_STARTS_VOICE2);
+    if (!second.empty()) {
+        listVoice(second, secondVoice_);
+        for (const Slot& slot : secondVoice_) append(slot, ENTRY_VOICE2);
+    }
+    for (std::size_t i = 1; i < firstVoice_.size(); ++i) append(firstVoice_[i], 0);
     sources.entries.back().endsFrame = true;
     frame.entries = engine::PackedEntries(finished_);
     return frame;
 }
 
-void MeasureFrames::layOut(short measure, const std::vector<engine::KeySignature>& keys,
-                           engine::Document& document, SourceMap& sources,
-                           std::vector<GatheredFrame>& frames) {
+void MeasureFrames::layOut(short measure, const engine::Fraction& end,
+                           const std::vector<engine::KeySignature>& keys, engine::Document& document,
+                           SourceMap& sources, std::vector<GatheredFrame>& frames) {
+    end_ = end;
     rankVoices();
     order_.resize(entries_.size());
     std::iota(order_.begin(), order_.end(), 0U);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "engine/entry_state.h"
+#include "musicxml/note_types.h"
 #include "musicxml/tag_names.h"
 
 namespace rovescio::musicxml {
@@ -20,43 +21,6 @@ constexpr int kMaxRatio = 0xFFFF;
 
 std::string quoted(std::string_view text) {
     return '"' + std::string(text.substr(0, 40)) + '"';
-}
-
-// Note value of a type's name in duration units; 0 when unknown.
-std::int32_t noteValue(std::string_view type) {
-    constexpr std::int32_t kQuarter = engine::kQuarter;
-    switch (tag(type)) {
-        case tag("1024th"):
-            return kQuarter / 256;
-        case tag("512th"):
-            return kQuarter / 128;
-        case tag("256th"):
-            return kQuarter / 64;
-        case tag("128th"):
-            return kQuarter / 32;
-        case tag("64th"):
-            return kQuarter / 16;
-        case tag("32nd"):
-            return kQuarter / 8;
-        case tag("16th"):
-            return kQuarter / 4;
-        case tag("eighth"):
-            return kQuarter / 2;
-        case tag("quarter"):
-            return kQuarter;
-        case tag("half"):
-            return kQuarter * 2;
-        case tag("whole"):
-            return kQuarter * 4;
-        case tag("breve"):
-            return kQuarter * 8;
-        case tag("long"):
-            return kQuarter * 16;
-        case tag("maxima"):
-            return kQuarter * 32;
-        default:
-            return 0;
-    }
 }
 
 // A pitch, or the place of an unpitched note, which without one stands on the
@@ -126,7 +90,10 @@ void readNotations(TreeWalk& walk, NoteReading& note) {
                 note.hasShapes |= type == "start" || type == "stop";
                 break;
             }
+            case tag("tuplet"):
+                break;
             default:
+                note.marked = true;
                 break;
         }
     }
@@ -216,6 +183,9 @@ bool readNote(TreeWalk& walk, NoteReading& note, Journal& journal) {
             case tag("voice"):
                 note.voice = walk.text();
                 break;
+            case tag("instrument"):
+                note.instrument = walk.attribute("id");
+                break;
             case tag("type"):
                 note.nominal = noteValue(walk.text());
                 break;
@@ -233,6 +203,9 @@ bool readNote(TreeWalk& walk, NoteReading& note, Journal& journal) {
                 break;
             case tag("notations"):
                 readNotations(walk, note);
+                break;
+            case tag("lyric"):
+                note.marked = true;
                 break;
             default:
                 break;

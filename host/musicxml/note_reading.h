@@ -18,6 +18,7 @@ struct NoteReading {
     bool rest = true;        // has neither a pitch nor a place on the staff
     bool unpitched = false;  // has a place on the staff only
     bool hasShapes = false;  // a slur, glissando or slide starts or ends here
+    bool marked = false;     // carries lyrics, articulations, ornaments or the like
     bool hasDuration = false;
     engine::SpelledPitch pitch;
     Decimal duration;          // in divisions
@@ -26,6 +27,7 @@ struct NoteReading {
     std::uint16_t normal = 1;
     std::uint32_t noteFlags = 0;  // ties and accidental
     std::string_view voice;       // empty when the note names none
+    std::string_view instrument;  // likewise
     int staff = 0;                // within the part, from 1; 0 when the note names none
 };
 

@@ -99,6 +99,14 @@ bool PartReader::applyTime(TreeWalk& walk) {
     if (!numberedStaves(walk, range)) return false;
     const TimeSignature time = readTime(walk, journal_);
     for (std::size_t index = range.first; index < range.last; ++index) staves_[index].time = time;
+    if (range.first == 0) performance_.addTime(measureCount_, time);
+    return true;
+}
+
+bool PartReader::applyTransposition(TreeWalk& walk) {
+    StaffRange range;
+    if (!numberedStaves(walk, range)) return false;
+    performance_.readTransposition(walk, measureCount_, clock_, range.first, range.last);
     return true;
 }
 
@@ -122,6 +130,9 @@ bool PartReader::readAttributes(TreeWalk& walk) {
             }
             case tag("clef"):
                 fine = applyClef(walk);
+                break;
+            case tag("transpose"):
+                fine = applyTransposition(walk);
                 break;
             default:
                 break;

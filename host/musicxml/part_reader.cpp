@@ -4,19 +4,20 @@
 #include <algorithm>
 #include <optional>
 
+#include "musicxml/measure_layout.h"
 #include "musicxml/tag_names.h"
 
 namespace rovescio::musicxml {
 
 namespace {
 
+constexpr std::int64_t kMaxParts = 1 << 10;  // of a duration unit that are told exactly
+constexpr std::int64_t kMaxDuration = 1 << 30;
+
 // Elements of a measure that hold nothing the document needs; they stay in the
 // text as they are.
 bool isKeptSilently(std::uint64_t name) {
     switch (name) {
-        case tag("direction"):
-        case tag("print"):
-        case tag("sound"):
         case tag("listening"):
         case tag("barline"):
         case tag("grouping"):
@@ -44,8 +45,9 @@ void PartReader::beginMeasure() {
     }
 }
 
-bool PartReader::readMeasure(TreeWalk& walk, bool implicit) {
+bool PartReader::readMeasure(TreeWalk& walk) {
     beginMeasure();
+    offsets_.push_back(static_cast<std::uint32_t>(walk.offset()));
     if (!needStaves(static_cast<int>(staves_.size()), walk.offset())) return false;
     for (const std::size_t level = walk.enter(); walk.next(level);) {
         bool fine = true;
@@ -62,10 +64,22 @@ bool PartReader::readMeasure(TreeWalk& walk, bool implicit) {
             case tag("forward"):
                 fine = move(walk, false);
                 break;
+            case tag("direction"):
+                shapes_.addDirection(walk.node(), measureCount_, clock_.now());
+                performance_.readDirection(walk, measureCount_, clock_);
+                break;
+            case tag("sound"):
+                performance_.readSound(walk, measureCount_, clock_);
+                break;
             case tag("harmony"):
             case tag("figured-bass"):
                 if (harmony_.empty() || harmony_.back().measure != measureCount_) {
                     harmony_.push_back({0, 0, measureCount_, static_cast<std::uint32_t>(walk.offset())});
+                }
+                break;
+            case tag("print"):
+                if (const std::int16_t distance = distanceIn(walk.node()); distance != 0) {
+                    distances_.emplace_back(measureCount_, distance);
                 }
                 break;
             default:
@@ -79,13 +93,14 @@ bool PartReader::readMeasure(TreeWalk& walk, bool implicit) {
         }
         if (!fine) return false;
     }
-    finishMeasure(implicit);
+    finishMeasure();
     return true;
 }
 
 void PartReader::skipMeasure() {
     beginMeasure();
-    finishMeasure(false);
+    offsets_.push_back(0);
+    finishMeasure();
 }
 
 bool PartReader::move(TreeWalk& walk, bool backwards) {
@@ -122,7 +137,7 @@ bool PartReader::move(TreeWalk& walk, bool backwards) {
 // chord notes sound with it.
 bool PartReader::timeNote(const NoteReading& note) {
     chordState_ = {};
-    chordElapsed_ = clock_.now();
+    chordStart_ = clock_.exactNow();
     if (note.grace) {
         chordState_.grace = engine::Grace::grace;
         chordDuration_ = note.nominal > 0 ? note.nominal : engine::kQuarter / 2;
@@ -147,6 +162,11 @@ bool PartReader::timeNote(const NoteReading& note) {
         chordState_.normal = note.normal;
     } else {
         chordDuration_ = clock_.units(span);
+        const engine::Fraction exact = clock_.exact(span);
+        if (!exact.isWhole() && exact.denominator() <= kMaxParts && exact.numerator() <= kMaxDuration) {
+            chordDuration_ = static_cast<std::int32_t>(exact.numerator());
+            chordState_.actual = static_cast<std::uint16_t>(exact.denominator());
+        }
     }
     if (!clock_.forward(span)) {
         journal_.fail("the measure is too long", note.offset, "Correct the durations in it.");
@@ -157,7 +177,9 @@ bool PartReader::timeNote(const NoteReading& note) {
 
 bool PartReader::addNote(TreeWalk& walk) {
     NoteReading note;
+    element_ = walk.node();
     if (!readNote(walk, note, journal_)) return false;
+    if (!note.instrument.empty()) performance_.addNoteInstrument(note.offset, note.instrument);
     if (!needStaves(note.staff, note.offset)) return false;
     if (note.chord && inChord_) return joinEntry(note);
     if (note.chord) {
@@ -183,6 +205,7 @@ bool PartReader::joinEntry(const NoteReading& note) {
         if (static_cast<std::size_t>(entry.staff) == staff && sounding && alike &&
             entry.record.noteCount < kMaxNotes) {
             addPitch(entry, note);
+            if (note.hasShapes) shapes_.addNote(element_, i, chordVoice_);
             return true;
         }
     }
@@ -205,12 +228,14 @@ bool PartReader::startEntry(const NoteReading& note, std::size_t staff, bool con
     entry.offsets[0] = static_cast<std::uint32_t>(note.offset);
     entry.record.entryFlags = ENTRY_VALID | (note.rest ? 0U : ENTRY_NOTE);
     entry.record.duration = chordDuration_;
-    entry.record.elapsed = chordElapsed_;
+    entry.start = chordStart_;
+    entry.record.elapsed = chordStart_.floor();
     engine::EntryState state = chordState_;
     state.unpitched = note.unpitched ? 1 : 0;
+    state.marked = note.marked;
     engine::setEntryState(entry.record, state);
     if (!note.rest) addPitch(entry, note);
-    if (note.hasShapes) entry.record.updateFlags |= ENTRY_HAS_SHAPES;
+    if (note.hasShapes) shapes_.addNote(element_, gathered_.entries().size() - 1, chordVoice_);
     return true;
 }
 
@@ -222,19 +247,28 @@ void PartReader::addPitch(GatheredEntry& entry, const NoteReading& note) {
     record.noteId = static_cast<std::uint16_t>(index + 1);
     record.noteFlags = note.noteFlags | (static_cast<std::uint32_t>(record.noteId & 31) << 16);
     entry.offsets[static_cast<std::size_t>(index)] = static_cast<std::uint32_t>(note.offset);
-    if (note.hasShapes) entry.record.updateFlags |= ENTRY_HAS_SHAPES;
+    if (note.marked && index > 0) {
+        engine::EntryState state = engine::entryState(entry.record);
+        state.marked = true;
+        engine::setEntryState(entry.record, state);
+    }
 
     StaffReading& staff = staves_[static_cast<std::size_t>(entry.staff)];
     (note.unpitched ? staff.unpitchedNote : staff.pitchedNote) = true;
 }
 
-void PartReader::finishMeasure(bool implicit) {
+void PartReader::finishMeasure() {
     const std::int32_t contents = clock_.end();
+    lengths_.push_back({contents, staves_.front().time.length});
+    if (divisions_.empty() || divisions_.back().divisions.value != clock_.divisions().value ||
+        divisions_.back().divisions.scale != clock_.divisions().scale) {
+        divisions_.push_back({measureCount_, clock_.divisions()});
+    }
     keys_.clear();
     for (StaffReading& staff : staves_) {
         engine::StaffMeasure& measure = staff.measures.back();
-        const bool byContents = contents > 0 && (implicit || staff.time.length == 0);
-        if (byContents) {
+        // What is in a measure says more than its signature: pick-ups, measures divided by a repeat.
+        if (contents > 0) {
             measure.duration = contents;
         } else if (staff.time.length > 0) {
             measure.duration = staff.time.length;
@@ -254,7 +288,8 @@ void PartReader::finishMeasure(bool implicit) {
                 {static_cast<short>(change.staff + 1), measureCount_, change.position, change.key});
         }
     }
-    gathered_.layOut(measureCount_, keys_, document_, sources_, frames_);
+    gathered_.layOut(measureCount_, clock_.exactEnd(), keys_, document_, sources_, frames_);
+    shapes_.endMeasure(gathered_.entries(), measureCount_);
 }
 
 }  // namespace rovescio::musicxml

@@ -11,6 +11,8 @@
 #include "musicxml/measure_clock.h"
 #include "musicxml/measure_frames.h"
 #include "musicxml/note_reading.h"
+#include "musicxml/performance_reader.h"
+#include "musicxml/shape_reader.h"
 #include "musicxml/source_map.h"
 
 namespace rovescio::musicxml {
@@ -40,13 +42,18 @@ class PartReader {
     // 17,000 measures.
     static constexpr std::size_t kMaxCells = std::size_t{1} << 20;
 
-    PartReader(std::string name, Journal& journal, engine::Document& document, SourceMap& sources)
-        : name_(std::move(name)), journal_(journal), document_(document), sources_(sources), staves_(1) {}
+    PartReader(std::string name, PartInstruments instruments, Journal& journal, engine::Document& document,
+               SourceMap& sources)
+        : name_(std::move(name)),
+          journal_(journal),
+          document_(document),
+          sources_(sources),
+          performance_(std::move(instruments)),
+          staves_(1) {}
 
     // Reads the next measure from the element that the walk is at, which holds
-    // its contents; an implicit measure, such as a pick-up, is as long as they
-    // are. False when the journal has a problem.
-    bool readMeasure(TreeWalk& walk, bool implicit);
+    // its contents. False when the journal has a problem.
+    bool readMeasure(TreeWalk& walk);
     // The part has nothing for the next measure.
     void skipMeasure();
 
@@ -57,7 +64,20 @@ class PartReader {
     [[nodiscard]] const std::vector<engine::KeyChange>& keyChanges() const { return keyChanges_; }
     // Without their staves.
     [[nodiscard]] const std::vector<HarmonyMark>& harmony() const { return harmony_; }
+    [[nodiscard]] ShapeReader& shapes() { return shapes_; }
+    // Extra space before measures, hundredths of a staff space.
+    [[nodiscard]] const std::vector<std::pair<short, std::int16_t>>& distances() const { return distances_; }
+    [[nodiscard]] PerformanceReader& performance() { return performance_; }
     [[nodiscard]] short measureCount() const { return measureCount_; }
+    // What a measure lasts by its contents and by its time signature, duration units; 0 for unknown.
+    struct Lengths {
+        std::int32_t contents = 0;
+        std::int32_t signature = 0;
+    };
+    [[nodiscard]] const std::vector<Lengths>& lengths() const { return lengths_; }
+    // Where the measures stand in the text; 0 where the part has none.
+    [[nodiscard]] std::vector<std::uint32_t>& offsets() { return offsets_; }
+    [[nodiscard]] std::vector<DivisionsMark>& divisions() { return divisions_; }
 
   private:
     // A key or clef at some point of the measure.
@@ -69,12 +89,13 @@ class PartReader {
     };
 
     void beginMeasure();
-    void finishMeasure(bool implicit);
+    void finishMeasure();
     bool readAttributes(TreeWalk& walk);
     bool readDivisions(TreeWalk& walk);
     bool applyKey(TreeWalk& walk);
     bool applyClef(TreeWalk& walk);
     bool applyTime(TreeWalk& walk);
+    bool applyTransposition(TreeWalk& walk);
     bool addNote(TreeWalk& walk);
     bool timeNote(const NoteReading& note);
     bool joinEntry(const NoteReading& note);
@@ -94,11 +115,17 @@ class PartReader {
     Journal& journal_;
     engine::Document& document_;
     SourceMap& sources_;
+    PerformanceReader performance_;
+    ShapeReader shapes_;
+    std::vector<std::pair<short, std::int16_t>> distances_;
     std::vector<StaffReading> staves_;
     std::vector<GatheredFrame> frames_;
     std::vector<ClefMark> clefs_;
     std::vector<engine::KeyChange> keyChanges_;
     std::vector<HarmonyMark> harmony_;
+    std::vector<Lengths> lengths_;
+    std::vector<std::uint32_t> offsets_;
+    std::vector<DivisionsMark> divisions_;
     short measureCount_ = 0;
 
     // Of the measure being read.
@@ -108,8 +135,9 @@ class PartReader {
     std::vector<engine::KeySignature> keys_;
 
     // Of the note or chord being read.
+    pugi::xml_node element_;
     std::size_t chordBegin_ = 0;  // its first entry
-    std::int32_t chordElapsed_ = 0;
+    engine::Fraction chordStart_;
     std::int32_t chordDuration_ = 0;
     engine::EntryState chordState_;
     std::string_view chordVoice_;

@@ -63,6 +63,7 @@ class ScoreFile {
     }
     // What the user should know about the reading, each once.
     [[nodiscard]] const std::vector<std::string>& notices() const { return reading_.notices; }
+    [[nodiscard]] const engine::Performance& performance() const { return reading_.performance; }
     [[nodiscard]] const ScoreSummary& summary() const { return reading_.summary; }
 
   private:

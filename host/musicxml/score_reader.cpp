@@ -8,6 +8,7 @@
 #include <tuple>
 #include <unordered_map>
 
+#include "musicxml/measure_layout.h"
 #include "musicxml/part_reader.h"
 #include "musicxml/tag_names.h"
 #include "musicxml/tree_walk.h"
@@ -39,16 +40,19 @@ class ScoreReader {
     bool assemble();
     void assemblePart(PartReader& part, short firstStaff);
     void moveToUnpitched(PartReader& part);
+    void takeLengths(PartReader& part) const;
 
     TreeWalk walk_;
     engine::Document& document_;
     Journal& journal_;
     ScoreReading reading_;
     std::string movementTitle_;
-    std::unordered_map<std::string_view, std::string> names_;  // of the part list, by part id
+    // Names and instruments of the part list, by part id.
+    std::unordered_map<std::string_view, std::pair<std::string, PartInstruments>> listed_;
     std::unordered_map<std::string_view, std::size_t> partIndex_;
     std::vector<PartReader> parts_;
-    std::vector<std::string> labels_;  // of the measures
+    std::vector<std::string> labels_;   // of the measures
+    std::vector<std::int16_t> widths_;  // likewise, hundredths of a staff space
 };
 
 void ScoreReader::readWork() {
@@ -69,10 +73,13 @@ void ScoreReader::listParts() {
         if (walk_.tagNumber() != tag("score-part")) continue;
         const std::string_view id = walk_.attribute("id");
         std::string name;
+        PartInstruments instruments;
         for (const std::size_t inner = walk_.enter(); walk_.next(inner);) {
             if (walk_.tagNumber() == tag("part-name")) name = walk_.text();
+            if (walk_.tagNumber() == tag("score-instrument")) instruments.addInstrument(walk_);
+            if (walk_.tagNumber() == tag("midi-instrument")) instruments.addMidi(walk_);
         }
-        names_.emplace(id, name.empty() ? id : name);
+        listed_.try_emplace(id, name.empty() ? std::string(id) : name, std::move(instruments));
     }
 }
 
@@ -82,14 +89,15 @@ PartReader* ScoreReader::openPart() {
     const std::string_view id = walk_.attribute("id");
     const auto known = partIndex_.find(id);
     if (known != partIndex_.end()) return &parts_[known->second];
-    const auto name = names_.find(id);
-    if (name == names_.end()) {
+    const auto listed = listed_.find(id);
+    if (listed == listed_.end()) {
         journal_.fail("the part \"" + std::string(id.substr(0, 40)) + "\" is not in the part list",
                       walk_.offset(), "Add a <score-part> with that id to the <part-list>.");
         return nullptr;
     }
     partIndex_.emplace(id, parts_.size());
-    parts_.emplace_back(name->second, journal_, document_, reading_.sources);
+    const auto& [name, instruments] = listed->second;
+    parts_.emplace_back(name, instruments, journal_, document_, reading_.sources);
     return &parts_.back();
 }
 
@@ -105,6 +113,7 @@ bool ScoreReader::noteLabel(std::size_t index) {
         return false;
     }
     labels_.emplace_back(label);
+    widths_.push_back(hundredths(walk_.attribute("width")));
     return true;
 }
 
@@ -120,8 +129,7 @@ bool ScoreReader::readPart() {
     std::size_t index = 0;
     for (const std::size_t level = walk_.enter(); walk_.next(level);) {
         if (walk_.tagNumber() != tag("measure")) continue;
-        const bool implicit = walk_.attribute("implicit") == "yes";
-        if (!noteLabel(index++) || !part->readMeasure(walk_, implicit)) return false;
+        if (!noteLabel(index++) || !part->readMeasure(walk_)) return false;
     }
     journal_.setMeasure({});
     return true;
@@ -129,7 +137,6 @@ bool ScoreReader::readPart() {
 
 bool ScoreReader::readTimewiseMeasure() {
     const std::size_t index = labels_.size();
-    const bool implicit = walk_.attribute("implicit") == "yes";
     if (!noteLabel(index)) return false;
     for (const std::size_t level = walk_.enter(); walk_.next(level);) {
         if (walk_.tagNumber() != tag("part")) continue;
@@ -141,7 +148,7 @@ bool ScoreReader::readTimewiseMeasure() {
                           "Keep one <part> with that id in the measure.");
             return false;
         }
-        if (!part->readMeasure(walk_, implicit)) return false;
+        if (!part->readMeasure(walk_)) return false;
     }
     journal_.setMeasure({});
     return true;
@@ -164,8 +171,32 @@ void ScoreReader::moveToUnpitched(PartReader& part) {
     }
 }
 
+// A measure that is short by its contents is a short measure, such as a pick-up, only when no other part
+// fills it; where a part has nothing at all, it is as long as the others are.
+void ScoreReader::takeLengths(PartReader& part) const {
+    for (std::size_t measure = 0; measure < part.lengths().size(); ++measure) {
+        const PartReader::Lengths& own = part.lengths()[measure];
+        if (own.contents > 0 && own.contents >= own.signature) continue;
+        const auto other = std::find_if(parts_.begin(), parts_.end(), [&](const PartReader& candidate) {
+            const std::int32_t contents = candidate.lengths()[measure].contents;
+            return own.contents == 0 ? contents > 0 : contents == own.signature;
+        });
+        if (other == parts_.end()) continue;
+        const std::int32_t length = other->lengths()[measure].contents;
+        for (StaffReading& staff : part.staves()) staff.measures[measure].duration = length;
+    }
+}
+
 void ScoreReader::assemblePart(PartReader& part, short firstStaff) {
     moveToUnpitched(part);
+    takeLengths(part);
+    reading_.sources.parts.push_back({firstStaff, static_cast<short>(part.staves().size()),
+                                      std::move(part.offsets()), std::move(part.divisions())});
+    part.shapes().finish(firstStaff, part.frames(), document_, reading_.sources, journal_);
+    for (const auto& [measure, distance] : part.distances()) {
+        engine::MeasureLayout& layout = document_.layout(measure);
+        if (layout.spaceBefore == 0) layout.spaceBefore = distance;
+    }
     const auto global = [&](int staffInPart) { return static_cast<short>(firstStaff + staffInPart); };
     short number = firstStaff;
     for (const StaffReading& staff : part.staves()) {
@@ -196,6 +227,8 @@ void ScoreReader::assemblePart(PartReader& part, short firstStaff) {
         mark.lastStaff = global(static_cast<int>(part.staves().size()) - 1);
         reading_.sources.harmony.push_back(mark);
     }
+    part.performance().finish(firstStaff, static_cast<short>(part.staves().size()), reading_.sources,
+                              reading_.performance);
 }
 
 bool ScoreReader::assemble() {
@@ -212,10 +245,13 @@ bool ScoreReader::assemble() {
     }
     for (PartReader& part : parts_) {
         for (const StaffReading& staff : part.staves()) {
-            document_.addStaff({part.name(), staff.isUnpitched()});
+            const auto number = static_cast<short>(&staff - part.staves().data() + 1);
+            document_.addStaff({part.name(), staff.isUnpitched(), part.performance().fifths(number)});
         }
     }
-    for (std::string& label : labels_) document_.addMeasure({std::move(label)});
+    for (std::size_t i = 0; i < labels_.size(); ++i) {
+        document_.addMeasure({std::move(labels_[i]), {.width = widths_[i]}});
+    }
     document_.layOut();
     short firstStaff = 1;
     for (PartReader& part : parts_) {
@@ -314,6 +350,7 @@ void ScoreReader::explainFault() {
 
 ScoreReading ScoreReader::take() {
     if (reading_.summary.title.empty()) reading_.summary.title = std::move(movementTitle_);
+    reading_.performance.title = reading_.summary.title;
     reading_.notices = std::move(journal_.notices());
     return std::move(reading_);
 }

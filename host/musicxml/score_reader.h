@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "engine/document.h"
+#include "engine/performance.h"
 #include "engine/problem.h"
 #include "musicxml/source_map.h"
 
@@ -19,6 +20,7 @@ struct ScoreSummary {
 struct ScoreReading {
     SourceMap sources;
     ScoreSummary summary;
+    engine::Performance performance;
     std::vector<std::string> notices;  // for the user, each once
 };
 

@@ -3,13 +3,18 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <tuple>
 #include <utility>
 #include <vector>
 
 #include "engine/entry_state.h"
 #include "musicxml/journal.h"
+#include "musicxml/key_edits.h"
+#include "musicxml/measure_layout.h"
+#include "musicxml/measure_rewriter.h"
 #include "musicxml/note_edits.h"
+#include "musicxml/shape_edits.h"
 #include "musicxml/stem_edits.h"
 
 namespace rovescio::musicxml {
@@ -37,11 +42,17 @@ class ScoreWriter {
 
   private:
     const EntrySource* sourceOf(const engine::StoredEntry& entry) const;
-    bool hasSameEntries(const FrameAddress& address) const;
+    std::uint32_t offsetOf(const engine::PackedEntries& entries) const;
+    bool hadEntries(const FrameAddress& address);
+    bool hasSameEntries(const FrameAddress& address);
     bool hasSameNotes(const engine::StoredEntry& entry, const EntrySource& source) const;
     bool isAlone(const FrameAddress& address) const;
     const Clef& clefAt(const FrameAddress& address, std::int32_t position) const;
+    [[nodiscard]] PartMeasure partMeasure(const FrameAddress& address) const;
     bool writeFrame(const FrameAddress& address);
+    bool writeMoved(const FrameAddress& address);
+    bool refuseMoved(const FrameAddress& address);
+    bool refuseOctave(std::uint32_t offset);
     bool writeEntry(const engine::StoredEntry& entry, const FrameAddress& address, bool alone);
     void noteMove(const FrameAddress& address);
 
@@ -53,7 +64,14 @@ class ScoreWriter {
     StemEdits stems_;
     NoteText note_;
     Clef treble_;
+    std::vector<FrameAddress> sourceFrames_;  // that have entries in the text, in order
+    std::vector<bool> written_;  // entries whose pitches are in the edits, where measures are written anew
 };
+
+bool comesBefore(const FrameAddress& left, const FrameAddress& right) {
+    return std::tuple(+left.staff, +left.measure, +left.layer) <
+           std::tuple(+right.staff, +right.measure, +right.layer);
+}
 
 // Notes of an entry; a rest may carry a placeholder.
 std::span<const ENOTE> notesOf(const engine::StoredEntry& entry) {
@@ -79,13 +97,22 @@ bool ScoreWriter::hasSameNotes(const engine::StoredEntry& entry, const EntrySour
     return true;
 }
 
+bool ScoreWriter::hadEntries(const FrameAddress& address) {
+    if (sourceFrames_.empty()) {
+        for (const EntrySource& source : sources_.entries) {
+            if (source.endsFrame) sourceFrames_.push_back(source.address);
+        }
+        std::sort(sourceFrames_.begin(), sourceFrames_.end(), comesBefore);
+    }
+    return std::binary_search(sourceFrames_.begin(), sourceFrames_.end(), address, comesBefore);
+}
+
 // Whether a frame has the entries that the text has there: the same ones in the
 // same order and time.
-bool ScoreWriter::hasSameEntries(const FrameAddress& address) const {
+bool ScoreWriter::hasSameEntries(const FrameAddress& address) {
     const engine::PackedEntries& entries = document_.entries(address);
     if (entries.empty()) {
-        return std::none_of(sources_.entries.begin(), sources_.entries.end(),
-                            [&](const EntrySource& source) { return source.address == address; });
+        return !hadEntries(address);
     }
     // Entries of a frame are numbered without gaps, so the first and last tell
     // whether it is whole.
@@ -163,13 +190,7 @@ bool ScoreWriter::writeEntry(const engine::StoredEntry& entry, const FrameAddres
         scanNote(walk_, offset, note_);
         const NoteChange change =
             editNote(note_, *byId[i], key.spell(*byId[i]), state.unpitched != 0, edits_);
-        if (!change.possible) {
-            journal_.fail(
-                "a note would leave the octaves 0 to 9, which is all that "
-                "the file format has",
-                offset, "Choose a smaller interval or a nearer axis.");
-            return false;
-        }
+        if (!change.possible) return refuseOctave(offset);
         if (change.tiesAdded) {
             journal_.fail("a note has gained a tie that the score lacks", offset,
                           "Choose another transformation: this one cannot be written yet.");
@@ -190,18 +211,65 @@ bool ScoreWriter::writeEntry(const engine::StoredEntry& entry, const FrameAddres
     return true;
 }
 
+// Whether the notes have the pitches and accidentals that the text has.
+bool looksTheSame(const engine::StoredEntry& entry, const EntrySource& source,
+                  const engine::KeySignature& key) {
+    std::uint32_t look = 0;
+    for (const ENOTE& note : notesOf(entry)) look += lookOf(key.spell(note), note);
+    return look == source.look;
+}
+
+// The pitches of entries that stand elsewhere or otherwise than in the text; their measures are written anew.
+bool ScoreWriter::writeMoved(const FrameAddress& address) {
+    journal_.setMeasure(document_.measure(address.measure).label);
+    const engine::KeySignature& key = document_.staffMeasure(address.staff, address.measure).key;
+    for (const engine::StoredEntry& entry : document_.entries(address)) {
+        const std::uint32_t origin = document_.originOf(entry.entryNumber);
+        if (origin > sources_.entries.size() || written_[origin - 1]) continue;
+        written_[origin - 1] = true;
+        const EntrySource& source = sources_.entries[origin - 1];
+        if (source.isGap) continue;
+        if (!hasSameNotes(entry, source)) return refuseMoved(address);
+        if (looksTheSame(entry, source, key)) continue;
+        for (const ENOTE& note : notesOf(entry)) {
+            const std::uint32_t offset = sources_.notes[source.firstNote + note.noteId - 1U];
+            scanNote(walk_, offset, note_);
+            // Ties are written with the measure.
+            ENOTE untied = note;
+            untied.noteFlags |= NOTE_TIES;
+            const NoteChange change =
+                editNote(note_, untied, key.spell(note), engine::entryState(entry).unpitched != 0, edits_);
+            if (!change.possible) return refuseOctave(offset);
+        }
+    }
+    edits_.settleNew();
+    return true;
+}
+
+bool ScoreWriter::refuseMoved(const FrameAddress& address) {
+    journal_.fail("notes were added to chords or taken from them, which cannot be written",
+                  offsetOf(document_.entries(address)), "Choose another transformation.");
+    return false;
+}
+
+bool ScoreWriter::refuseOctave(std::uint32_t offset) {
+    journal_.fail(
+        "a note would leave the octaves 0 to 9, which is all that "
+        "the file format has",
+        offset, "Choose a smaller interval or a nearer axis.");
+    return false;
+}
+
+PartMeasure ScoreWriter::partMeasure(const FrameAddress& address) const {
+    const auto behind =
+        std::upper_bound(sources_.parts.begin(), sources_.parts.end(), address.staff,
+                         [](short staff, const PartSource& part) { return staff < part.firstStaff; });
+    return {static_cast<std::size_t>(behind - sources_.parts.begin()) - 1, address.measure};
+}
+
 bool ScoreWriter::writeFrame(const FrameAddress& address) {
     journal_.setMeasure(document_.measure(address.measure).label);
     const engine::PackedEntries& entries = document_.entries(address);
-    if (!hasSameEntries(address)) {
-        const EntrySource* const source = entries.empty() ? nullptr : sourceOf(entries[0]);
-        journal_.fail(
-            "entries were added, removed or changed in time, which "
-            "cannot be written yet",
-            source == nullptr ? 0 : sources_.notes[source->firstNote],
-            "Choose a transformation that changes pitches only.");
-        return false;
-    }
     const bool alone = isAlone(address);
     stems_.clear();
     for (const engine::StoredEntry& entry : entries) {
@@ -212,18 +280,43 @@ bool ScoreWriter::writeFrame(const FrameAddress& address) {
     return true;
 }
 
+// Where a frame's first note or rest stands in the text; 0 when it has none there.
+std::uint32_t ScoreWriter::offsetOf(const engine::PackedEntries& entries) const {
+    for (const engine::StoredEntry& entry : entries) {
+        const EntrySource* const source = sourceOf(entry);
+        if (source != nullptr && !source->isGap) return sources_.notes[source->firstNote];
+    }
+    return 0;
+}
+
 // Goes through the frames as they stand in the text.
 bool ScoreWriter::write() {
     std::vector<std::pair<std::uint32_t, FrameAddress>> frames;
     for (const FrameAddress& address : document_.changedFrames()) {
-        const engine::PackedEntries& entries = document_.entries(address);
-        const EntrySource* const source = entries.empty() ? nullptr : sourceOf(entries[0]);
-        frames.emplace_back(source == nullptr ? 0 : sources_.notes[source->firstNote], address);
+        frames.emplace_back(offsetOf(document_.entries(address)), address);
     }
     std::sort(frames.begin(), frames.end(),
               [](const auto& left, const auto& right) { return left.first < right.first; });
-    return std::all_of(frames.begin(), frames.end(),
-                       [&](const auto& frame) { return writeFrame(frame.second); });
+    std::set<PartMeasure> anew;
+    for (const auto& [offset, address] : frames) {
+        if (!hasSameEntries(address)) anew.insert(partMeasure(address));
+    }
+    if (!anew.empty()) written_.resize(sources_.entries.size());
+    for (const auto& [offset, address] : frames) {
+        const bool done = anew.contains(partMeasure(address)) ? writeMoved(address) : writeFrame(address);
+        if (!done) return false;
+    }
+    const bool measuresChanged = !document_.changedMeasures().empty();
+    if (anew.empty() && !document_.recordsChanged() && !measuresChanged) return true;
+    edits_.settleAll();
+    if (document_.recordsChanged() && !editShapes(sources_, document_, journal_, edits_)) return false;
+    if (measuresChanged) {
+        if (!editKeys(sources_, document_, journal_, edits_)) return false;
+        editLayouts(sources_, document_, edits_);
+    }
+    if (anew.empty()) return true;
+    edits_.settleAll();
+    return rewriteMeasures(anew, sources_, document_, journal_, edits_);
 }
 
 }  // namespace

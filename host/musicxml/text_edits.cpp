@@ -17,7 +17,7 @@ void TextEdits::replace(std::size_t begin, std::size_t end, std::string_view rep
     const auto poolBegin = static_cast<std::uint32_t>(pool_.size());
     pool_ += replacement;
     edits_.push_back({static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end), poolBegin,
-                      static_cast<std::uint32_t>(pool_.size())});
+                      static_cast<std::uint32_t>(pool_.size()), false});
 }
 
 void TextEdits::remove(const Element& element) {
@@ -37,7 +37,37 @@ void TextEdits::settleNew() {
 }
 
 void TextEdits::settleAll() {
+    std::erase_if(edits_, [](const Edit& edit) { return edit.gone; });
     if (!std::is_sorted(edits_.begin(), edits_.end())) std::sort(edits_.begin(), edits_.end());
+    settled_ = edits_.size();
+}
+
+std::pair<std::size_t, std::size_t> TextEdits::within(std::size_t begin, std::size_t end) const {
+    const auto settled = edits_.begin() + static_cast<std::ptrdiff_t>(settled_);
+    const auto before = [](const Edit& edit, std::size_t place) { return edit.begin < place; };
+    const auto first = std::lower_bound(edits_.begin(), settled, begin, before);
+    const auto last = std::lower_bound(first, settled, end, before);
+    return {static_cast<std::size_t>(first - edits_.begin()),
+            static_cast<std::size_t>(last - edits_.begin())};
+}
+
+std::string TextEdits::edited(std::size_t begin, std::size_t end) const {
+    std::string result;
+    std::size_t copied = begin;
+    const auto [first, last] = within(begin, end);
+    for (std::size_t i = first; i < last; ++i) {
+        const Edit& edit = edits_[i];
+        result += text_.substr(copied, edit.begin - copied);
+        result += std::string_view(pool_).substr(edit.poolBegin, edit.poolEnd - edit.poolBegin);
+        copied = edit.end;
+    }
+    return result += text_.substr(copied, end - copied);
+}
+
+void TextEdits::replaceStretch(std::size_t begin, std::size_t end, std::string_view replacement) {
+    const auto [first, last] = within(begin, end);
+    for (std::size_t i = first; i < last; ++i) edits_[i].gone = true;
+    replace(begin, end, replacement);
 }
 
 bool TextEdits::applyTo(const ByteSink& sink) const {

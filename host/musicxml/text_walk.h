@@ -49,6 +49,8 @@ class TextWalk {
     [[nodiscard]] std::uint64_t tagNumber() const { return tagNumber_; }
     [[nodiscard]] std::string_view attribute(std::string_view name) const;
     [[nodiscard]] const Element& element() const { return element_; }
+    // How far the walk has come: behind the last tag that it has seen.
+    [[nodiscard]] std::size_t reached() const { return next_; }
     // Walks to the end of that element and returns its place, or its character data.
     Element whole();
     std::string value();

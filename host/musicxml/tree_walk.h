@@ -40,6 +40,8 @@ class TreeWalk {
     [[nodiscard]] std::string_view name() const { return path_.back().name(); }
     [[nodiscard]] std::uint64_t tagNumber() const { return tagNumber_; }
     [[nodiscard]] std::size_t offset() const;
+    // The element itself, for a second look at what it holds.
+    [[nodiscard]] const pugi::xml_node& node() const { return path_.back(); }
     // Value of one of its attributes; empty when it has none of that name.
     [[nodiscard]] std::string_view attribute(const char* name) const {
         return path_.back().attribute(name).value();

@@ -1,0 +1,30 @@
+// Beams and tuplet brackets of notes that have got new neighbours.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "engine/fraction.h"
+#include "engine/note_values.h"
+#include "musicxml/note_rewrite.h"
+
+namespace rovescio::musicxml {
+
+// One chord or rest of a voice inside a measure, in order.
+struct GroupMember {
+    engine::Fraction start;  // duration units from the start of the measure
+    engine::Fraction length;
+    std::int32_t value = 0;  // written
+    bool rest = false;
+    bool grace = false;
+    bool tuplet = false;    // its length is not that of its value
+    bool mirrored = false;  // the order around it has turned round
+    bool cut = false;       // it is a part of what it was
+    NoteGroups groups;      // as they were; afterwards as they are to be
+};
+
+// A beam or bracket that is whole is kept, turned round where the order is. Beams that have lost a member are
+// made anew inside the beat; brackets that have lost an end are closed inside the measure.
+void mendGroups(std::vector<GroupMember*>& members, const engine::Metre& metre);
+
+}  // namespace rovescio::musicxml

@@ -1,0 +1,42 @@
+// The groups that a note belongs to: beams, tuplet brackets, its voice and its chord.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "musicxml/text_walk.h"
+
+namespace rovescio::musicxml {
+
+// A <tuplet> of a note.
+struct TupletMark {
+    std::string number;  // as written; empty for none
+    bool start = false;
+    std::string text;  // the whole element
+};
+
+// A <beam> of a note.
+struct BeamMark {
+    std::string number;
+    std::string value;  // begin, continue, end, forward hook, backward hook
+};
+
+// What a note's text says about its groups.
+struct NoteGroups {
+    std::vector<TupletMark> tuplets;
+    std::vector<BeamMark> beams;
+    std::string voice;
+    bool inChord = false;
+};
+
+// Takes in a child of a note that the walk over `text` is at, if it says something about groups.
+void readGroup(TextWalk& walk, std::string_view text, NoteGroups& groups);
+
+// An element whose type, start or stop, is the other one.
+std::string turned(std::string_view element);
+// Exchanges the ends of a group that is now read backwards.
+std::string_view mirroredBeam(std::string_view value);
+TupletMark retyped(TupletMark mark, bool start);
+
+}  // namespace rovescio::musicxml

@@ -1,0 +1,124 @@
+// Measures written anew after their notes have changed places.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "engine/session.h"
+#include "musicxml/score_builder.h"
+#include "support/memory_user_interface.h"
+#include "support/reversal.h"
+
+namespace rovescio::test {
+namespace {
+
+// A score with its first staff turned round, as it is written.
+std::string turned(const std::string& score) {
+    OpenScore file = open(score);
+    MemoryUserInterface front;
+    engine::Session session(file.document, front);
+    EXPECT_TRUE(turnStaff(session, 1)) << (session.refusal ? session.refusal->text() : "");
+    return file.written();
+}
+
+std::string attributes(const std::string& divisions, const std::string& time) {
+    return "<attributes><divisions>" + divisions + "</divisions>" + time + "</attributes>";
+}
+std::string beam(const std::string& value) {
+    return "<beam number=\"1\">" + value + "</beam>";
+}
+std::string tuplet(const std::string& type, const std::string& look = "") {
+    return "<notations><tuplet type=\"" + type + "\"" + look + "/></notations>";
+}
+// A triplet eighth on C with the notations given.
+std::string third(const std::string& step, const std::string& notations) {
+    return "<note><pitch><step>" + step + "</step><octave>4</octave></pitch><duration>2</duration>" +
+           "<type>eighth</type><time-modification><actual-notes>3</actual-notes><normal-notes>2</"
+           "normal-notes>"
+           "</time-modification>" +
+           notations + "</note>";
+}
+// A tie in both of its elements around a note's type.
+std::string tiedNote(const std::string& pitch, const std::string& duration, const std::string& type,
+                     const std::vector<std::string>& ends) {
+    std::string sound;
+    std::string look;
+    for (const std::string& end : ends) {
+        sound += "<tie type=\"" + end + "\"/>";
+        look += "<tied type=\"" + end + "\"/>";
+    }
+    return "<note><pitch><step>" + pitch + "</step><octave>4</octave></pitch><duration>" + duration +
+           "</duration>" + sound + "<type>" + type + "</type><notations>" + look + "</notations></note>";
+}
+
+struct Case {
+    const char* name;
+    std::vector<std::string> before;
+    std::vector<std::string> after;
+    std::string attributes = kCommonAttributes;
+    bool restored = true;
+};
+
+TEST(Rewriting, putsNotesInTheirNewPlaces) {
+    const std::string sung =
+        "<notations><articulations><accent/></articulations></notations><lyric><text>la</text></lyric>";
+    const std::string words = "<direction><direction-type><words>dolce</words></direction-type></direction>";
+    const std::string harmony =
+        "<harmony><root><root-step>C</root-step></root><kind>major</kind><offset>2</offset></harmony>";
+    const std::string grace =
+        "<note><grace/><pitch><step>A</step><octave>4</octave></pitch><type>eighth</type></note>";
+    const std::vector<Case> cases = {
+        {"what belongs to a note goes with it",
+         {note("c4:q", sung) + note("d4:q") + note("e4:h")},
+         {note("e4:h") + note("d4:q") + note("c4:q", sung)}},
+        {"directions and harmony keep their time",
+         {note("c4:h") + words + note("d4:q") + harmony + note("e4:q")},
+         {note("e4:q") + note("d4:q") + words + note("c4:h") + "<backup><duration>4</duration></backup>" +
+          harmony + "<forward><duration>4</duration></forward>"},
+         kCommonAttributes,
+         false},
+        {"chords stay together",
+         {note("c4:q") + chordNote("e4:q") + note("r:q") + note("d4:h")},
+         {note("d4:h") + note("r:q") + note("c4:q") + chordNote("e4:q")}},
+        {"ties turn round",
+         {tiedNote("C", "4", "quarter", {"start"}) + tiedNote("C", "4", "quarter", {"stop"}) + note("d4:h")},
+         {note("d4:h") + tiedNote("C", "4", "quarter", {"start"}) + tiedNote("C", "4", "quarter", {"stop"})}},
+        {"a note over the barline is cut and joined again",
+         {note("c4:h", sung), note("d4:h") + note("e4:q")},
+         {note("e4:q") + tiedNote("D", "4", "quarter", {"start"}),
+          tiedNote("D", "4", "quarter", {"stop"}) + note("c4:h", sung)}},
+        {"whole beams are mirrored",
+         {note("c4:e", beam("begin")) + note("d4:e", beam("end")) + note("e4:q") + note("f4:h")},
+         {note("f4:h") + note("e4:q") + note("d4:e", beam("begin")) + note("c4:e", beam("end"))}},
+        {"brackets keep their look at their start",
+         {third("C", tuplet("start", " bracket=\"yes\"")) + third("D", "") + third("E", tuplet("stop")) +
+          "<note><rest/><duration>6</duration><type>quarter</type></note>"},
+         {"<note><rest/><duration>6</duration><type>quarter</type></note>" +
+          third("E", tuplet("start", " bracket=\"yes\"")) + third("D", "") + third("C", tuplet("stop"))},
+         attributes("6", "<time><beats>2</beats><beat-type>4</beat-type></time>")},
+        {"grace notes stay behind their note",
+         {note("c4:h") + grace + note("d4:h")},
+         {note("d4:h") + grace + note("c4:h")}},
+        {"voices follow each other",
+         {voice("1", "c5:h d5:h") + backup(4) + voice("2", "e4:q f4:h r:q")},
+         {voice("1", "d5:h c5:h") + backup(4) + voice("2", "r:q f4:h e4:q")}},
+        {"an absent voice stays absent at the mirrored time",
+         {voice("1", "c5:h d5:h") + backup(1) + voice("2", "e4:q")},
+         {voice("1", "d5:h c5:h") + backup(4) + voice("2", "e4:q") +
+          "<forward><duration>12</duration></forward>"},
+         kCommonAttributes,
+         false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::string before = scoreOf(c.before, c.attributes);
+        const std::string after = turned(before);
+        EXPECT_EQ(after, scoreOf(c.after, c.attributes));
+        if (c.restored) {
+            EXPECT_EQ(turned(after), before);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace rovescio::test

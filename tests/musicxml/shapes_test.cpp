@@ -1,0 +1,376 @@
+// Slurs, hairpins, keys and spacing of measures as data records, and back in the text.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "contract/data_records.h"
+#include "engine/session.h"
+#include "engine/smart_shapes.h"
+#include "musicxml/score_builder.h"
+#include "support/memory_user_interface.h"
+
+namespace rovescio::test {
+namespace {
+
+using engine::Shape;
+
+std::string slur(const std::string& type, const std::string& number = "", const std::string& beside = "") {
+    const std::string which = number.empty() ? "" : " number=\"" + number + "\"";
+    return "<notations>" + beside + "<slur type=\"" + type + "\"" + which + "/></notations>";
+}
+std::string wedge(const std::string& type, const std::string& beside = "") {
+    return "<direction><direction-type><wedge type=\"" + type + "\"/></direction-type>" + beside +
+           "</direction>";
+}
+std::string inVoice(std::string noteText, const std::string& number, int staff = 1) {
+    noteText.insert(noteText.find("<type>"), "<voice>" + number + "</voice>");
+    const std::string place = "<staff>" + std::to_string(staff) + "</staff>";
+    const std::size_t notations = noteText.find("<notations>");
+    noteText.insert(notations == std::string::npos ? noteText.find("</note>") : notations, place);
+    return noteText;
+}
+
+// An open score with the records that the plug-in sees.
+struct Records {
+    explicit Records(const std::string& score) : open(test::open(score)) {}
+
+    OpenScore open;
+    MemoryUserInterface front;
+    engine::Session session{open.document, front};
+    engine::DataRecords& records = session.dataRecords;
+
+    template <class Record, class Key>
+    std::optional<Record> load(std::uint32_t tag, Key key) const {
+        const auto bytes = records.load(tag, &key);
+        Record record{};
+        if (!bytes || bytes->size() != sizeof record) return std::nullopt;
+        std::memcpy(&record, bytes->data(), sizeof record);
+        return record;
+    }
+    template <class Record, class Key>
+    bool create(std::uint32_t tag, Key& key, const Record& record) {
+        return records.create(tag, &key, std::as_bytes(std::span(&record, 1)));
+    }
+    template <class Change>
+    void edit(Change&& change, bool cancelled = false) {
+        const SXMassEdit massEdit = session.massEdits.start();
+        change();
+        session.massEdits.end(massEdit, cancelled);
+    }
+
+    // Shapes as "kind first-last", entries by number.
+    std::string shapes() const {
+        std::string text;
+        for (const Shape& shape : open.document.shapes().asRead()) {
+            text += std::to_string(shape.kind) + " " + std::to_string(shape.firstEntry) + "-" +
+                    std::to_string(shape.lastEntry) + "; ";
+        }
+        return text;
+    }
+    // The entries of a frame that carry shapes.
+    std::string carriers(short measure, short staff = 1, short layer = 0) {
+        std::string text;
+        EXTGF2005a* const frame = session.frames.load({staff, measure, layer});
+        for (int i = 0; i < frame->entryCount; ++i) {
+            text += frame->entries[i].updateFlags & ENTRY_HAS_SHAPES ? 's' : '.';
+        }
+        session.frames.free(frame);
+        return text;
+    }
+    // The walk of the removal that a repair makes: by the marks of one entry.
+    void removeShapesOf(std::uint32_t entry, short measure = 1) {
+        EENTRYKEY entryKey{entry, 0};
+        while (const auto mark = load<EntryMarkRecord>(kEntryMarkTag, entryKey)) {
+            const auto shape = load<EDTOldSmartShape>(kSmartShapeTag, EDATAKEY{mark->shapeNumber, 0});
+            const int last = shape ? shape->lastMeasure : measure;
+            for (int m = shape ? shape->firstMeasure : measure; m <= last; ++m) {
+                EDATAKEY key{static_cast<std::uint16_t>(m), 0};
+                while (const auto at = load<MeasureMarkRecord>(kMeasureMarkTag, key)) {
+                    if (at->shapeNumber != mark->shapeNumber) {
+                        ++key.inci;
+                        continue;
+                    }
+                    EDETAILKEY center{at->shapeNumber, at->centerNumber, 0};
+                    EXPECT_EQ(records.remove(kCenterShapeTag, &center), at->centerNumber != 0);
+                    EXPECT_TRUE(records.remove(kMeasureMarkTag, &key));
+                }
+            }
+            ASSERT_TRUE(records.remove(kEntryMarkTag, &entryKey));
+        }
+    }
+    // A shape with all its marks.
+    void make(std::uint16_t kind, std::uint32_t first, std::uint32_t last, short lastMeasure) {
+        EDTOldSmartShape shape{};
+        shape.kind = kind;
+        shape.flags = SHAPE_ON_ENTRIES;
+        shape.firstStaff = shape.lastStaff = shape.firstMeasure = 1;
+        shape.lastMeasure = lastMeasure;
+        shape.firstEntry = static_cast<std::int32_t>(first);
+        shape.lastEntry = static_cast<std::int32_t>(last);
+        EDATAKEY key{kAppendNumber, 0};
+        ASSERT_TRUE(create(kSmartShapeTag, key, shape));
+        for (std::uint16_t m = 1; m <= lastMeasure; ++m) {
+            EDATAKEY mark{m, kAppendNumber};
+            ASSERT_TRUE(create(kMeasureMarkTag, mark, MeasureMarkRecord{key.cmper, 0, {}}));
+        }
+        for (const std::uint32_t entry : {first, last}) {
+            EENTRYKEY mark{entry, kAppendNumber};
+            ASSERT_TRUE(create(kEntryMarkTag, mark, EntryMarkRecord{key.cmper, {}}));
+        }
+    }
+};
+
+TEST(Shapes, areFoundByTheirEnds) {
+    const std::string up = inVoice(note("e4:w", slur("start")), "1");
+    const std::string down = inVoice(note("c3:w", slur("start")), "5", 2);
+    const struct {
+        const char* what;
+        std::vector<std::string> measures;
+        std::string shapes;
+    } cases[] = {
+        {"one measure", {note("c4:h", slur("start")) + note("d4:h", slur("stop"))}, "1 1-2; "},
+        {"a chain, stop written last",
+         {note("c4:h", slur("start")) +
+          note("d4:q", "<notations><slur type=\"start\"/><slur type=\"stop\"/></notations>") +
+          note("e4:q", slur("stop"))},
+         "1 1-2; 1 2-3; "},
+        {"nested and over measures",
+         {note("c4:h", slur("start", "1")) + note("d4:h", slur("start", "2")), note("e4:w"),
+          note("f4:h", slur("stop", "2")) + note("g4:h", slur("stop", "1"))},
+         "1 2-4; 1 1-5; "},
+        {"voices with the same number",
+         {up + backup(4) + inVoice(note("c4:h", slur("start")), "2") +
+              inVoice(note("d4:h", slur("stop")), "2"),
+          note("g4:w", slur("stop"))},
+         "1 2-3; 1 1-4; "},
+        {"from the lower staff to the upper",
+         {up, inVoice(note("g4:w", slur("stop")), "1") + backup(4) + down,
+          inVoice(note("f4:w", slur("stop")), "1")},
+         "1 1-2; 1 3-4; "},
+        {"to the upper staff, end first in the text",
+         {inVoice(note("e4:h"), "1") + inVoice(note("f4:h", slur("stop")), "1") + backup(4) + down},
+         "1 3-2; "},
+        {"a chord's later note",
+         {note("c4:h") + chordNote("e4:h", slur("start")) + note("d4:h", slur("stop"))},
+         "1 1-2; "},
+        {"without another end", {note("c4:h", slur("stop")) + note("d4:h", slur("start"))}, ""},
+        {"hairpins at notes",
+         {wedge("crescendo") + note("c4:h") + note("d4:q") + wedge("stop") + wedge("diminuendo") +
+              note("e4:q"),
+          wedge("stop") + note("f4:w")},
+         "2 1-3; 3 3-4; "},
+        {"a hairpin inside a note",
+         {note("c4:w") + backup(2) + wedge("crescendo") + "<forward><duration>8</duration></forward>" +
+          wedge("stop")},
+         "2 1-1; "},
+        {"a glissando",
+         {note("c4:h", "<notations><glissando type=\"start\"/></notations>") +
+          note("d4:h", "<notations><glissando type=\"stop\"/></notations>")},
+         "4 1-2; "},
+    };
+    for (const auto& c : cases) {
+        const Records score(scoreOf(c.measures));
+        EXPECT_EQ(score.shapes(), c.shapes) << c.what;
+        EXPECT_EQ(score.open.written(), scoreOf(c.measures)) << c.what;
+    }
+}
+
+TEST(Shapes, areRecordsWithMarks) {
+    Records score(
+        scoreOf({note("c4:w", slur("start")), note("d4:w"), note("e4:w"), note("f4:w", slur("stop"))}));
+    const auto shape = score.load<EDTOldSmartShape>(kSmartShapeTag, EDATAKEY{1, 0});
+    ASSERT_TRUE(shape);
+    EXPECT_EQ(std::vector<int>({shape->kind, shape->firstMeasure, shape->firstEntry, shape->lastMeasure,
+                                shape->lastEntry}),
+              std::vector<int>({SHAPE_SLUR, 1, 1, 4, 4}));
+    EXPECT_EQ(shape->flags, SHAPE_ON_ENTRIES);
+    for (std::uint16_t m = 1; m <= 4; ++m) {
+        const auto mark = score.load<MeasureMarkRecord>(kMeasureMarkTag, EDATAKEY{m, 0});
+        ASSERT_TRUE(mark);
+        EXPECT_EQ(mark->shapeNumber, 1);
+        EXPECT_EQ(mark->centerNumber, m == 2 ? 1 : m == 3 ? 2 : 0);
+        EXPECT_FALSE(score.load<MeasureMarkRecord>(kMeasureMarkTag, EDATAKEY{m, 1}));
+        EXPECT_EQ(score.carriers(static_cast<short>(m)), m == 1 || m == 4 ? "s" : ".");
+        EXPECT_EQ(score.load<EntryMarkRecord>(kEntryMarkTag, EENTRYKEY{m, 0}).has_value(), m == 1 || m == 4);
+        EXPECT_EQ(score.load<CenterShapeRecord>(kCenterShapeTag, EDETAILKEY{1, m, 0}).has_value(), m <= 2);
+    }
+}
+
+TEST(Shapes, leaveTheTextWithTheirMarks) {
+    const std::string tie = "<tied type=\"start\"/>";
+    const auto scoreWith = [&](const std::string& start, const std::string& chained, const std::string& stop,
+                               const std::string& opening, const std::string& closing) {
+        return scoreOf({opening + note("c4:h", start) + note("d4:h", chained), note("e4:w"),
+                        note("f4:w", stop) + closing});
+    };
+    const std::string both = "<notations><slur type=\"stop\"/><slur type=\"start\"/></notations>";
+    const std::string text = scoreWith(slur("start", "", tie), both, slur("stop"), wedge("crescendo"),
+                                       wedge("stop", "<sound dynamics=\"80\"/>"));
+    const std::string without = scoreWith("<notations>" + tie + "</notations>", slur("start"), slur("stop"),
+                                          "", "<sound dynamics=\"80\"/>");
+    Records score(text);
+    ASSERT_EQ(score.shapes(), "1 1-2; 1 2-4; 2 1-4; ");
+    score.edit([&] { score.removeShapesOf(1); }, true);
+    EXPECT_EQ(score.carriers(1), "ss");
+    EXPECT_EQ(score.open.written(), text);
+
+    score.edit([&] {
+        score.removeShapesOf(1);
+        EXPECT_EQ(score.carriers(1), ".s");
+        // A record that goes by mistake takes nothing with it while its marks show the shape.
+        EDATAKEY other{2, 0};
+        EXPECT_TRUE(score.records.remove(kSmartShapeTag, &other));
+    });
+    EXPECT_EQ(score.open.written(), without);
+    ASSERT_TRUE(score.session.massEdits.undo());
+    EXPECT_EQ(score.open.written(), text);
+    EXPECT_EQ(score.carriers(1), "ss");
+    ASSERT_TRUE(score.session.massEdits.redo());
+    EXPECT_EQ(score.open.written(), without);
+    EXPECT_EQ(score.carriers(1), ".s");
+    score.edit([&] { score.removeShapesOf(2); });
+    EXPECT_EQ(score.open.written(),
+              scoreWith("<notations>" + tie + "</notations>", "", "", "", "<sound dynamics=\"80\"/>"));
+}
+
+TEST(Shapes, enterTheText) {
+    const std::string lyric = "<lyric><text>la</text></lyric>";
+    Records score(scoreOf({note("c4:h", slur("start", "1") + lyric) + note("d4:h"),
+                           note("e4:h", slur("stop", "1")) + note("f4:h") + chordNote("a4:h", lyric)}));
+    score.edit([&] {
+        score.make(SHAPE_SLUR, 1, 4, 2);
+        score.make(SHAPE_CRESCENDO, 2, 4, 2);
+    });
+    EXPECT_EQ(score.open.written(),
+              scoreOf({note("c4:h",
+                            "<notations><slur type=\"start\" number=\"1\"/><slur type=\"start\" "
+                            "number=\"2\"/></notations>" +
+                                lyric) +
+                           wedge("crescendo") + note("d4:h"),
+                       note("e4:h", slur("stop", "1")) + note("f4:h", slur("stop", "2")) +
+                           chordNote("a4:h", lyric) + wedge("stop")}));
+    EXPECT_EQ(test::open(score.open.written()).document.shapes().asRead().size(), 3U);
+}
+
+std::string keyed(int fifths, const std::string& more = "") {
+    return "<key><fifths>" + std::to_string(fifths) + "</fifths>" + more + "</key>";
+}
+
+TEST(MeasureSpecifications, bringKeysAndSpacingIntoTheText) {
+    // Measures with a width each; an oboe and a clarinet in B flat.
+    const auto scoreWith = [](const std::vector<std::string>& widths, const std::vector<std::string>& oboe,
+                              const std::vector<std::string>& clarinet) {
+        std::string text =
+            "<score-partwise><part-list><score-part id=\"A\"><part-name>Oboe</part-name></score-part>"
+            "<score-part id=\"B\"><part-name>Clarinet</part-name></score-part></part-list>";
+        for (const auto* part : {&oboe, &clarinet}) {
+            text += part == &oboe ? "<part id=\"A\">" : "<part id=\"B\">";
+            for (std::size_t m = 0; m < part->size(); ++m) {
+                text += "<measure number=\"" + std::to_string(m + 1) + "\"" + widths[m] + ">" + (*part)[m] +
+                        note("c4:w") + "</measure>";
+            }
+            text += "</part>";
+        }
+        return text + "</score-partwise>";
+    };
+    const auto first = [](const std::string& key, const std::string& more = "") {
+        return "<attributes><divisions>4</divisions>" + key + more + "</attributes>";
+    };
+    const auto change = [](const std::string& key) { return "<attributes>" + key + "</attributes>"; };
+    const std::string transpose = "<transpose><diatonic>-1</diatonic><chromatic>-2</chromatic></transpose>";
+    const std::string staves = "<staves>1</staves>";
+    const std::string text =
+        scoreWith({" width=\"200.5\"", "", " width=\"90\"", ""},
+                  {first(keyed(-1), staves), "", change(keyed(2, "<mode>major</mode>")), ""},
+                  {first(keyed(1), transpose), "", change(keyed(4)), ""});
+    Records score(text);
+    const auto spec = [&](std::uint16_t m) {
+        return *score.load<EDTMeasureSpec2014>(kMeasureSpecTag, EDATAKEY{m, 0});
+    };
+    const auto save = [&](std::uint16_t m, const EDTMeasureSpec2014& wanted) {
+        EDATAKEY key{m, 0};
+        return score.records.save(kMeasureSpecTag, &key, std::as_bytes(std::span(&wanted, 1)));
+    };
+    EXPECT_EQ(spec(1).width, 2005);
+    EXPECT_EQ(spec(1).keySignature, 0x00FF);
+    EXPECT_EQ(spec(3).keySignature, 2);
+    EXPECT_EQ(std::vector<int>({spec(1).beats, spec(1).beatDuration}), std::vector<int>({4, 1024}));
+
+    score.edit([&] {
+        EDTMeasureSpec2014 one = spec(1);
+        EDTMeasureSpec2014 four = spec(4);
+        std::swap(one.keySignature, four.keySignature);
+        std::swap(one.width, four.width);
+        EXPECT_TRUE(save(1, one) && save(4, four));
+        EXPECT_EQ(score.session.massEdits.keyBefore(2, 1).word(), 1);
+        EXPECT_EQ(score.open.document.staffMeasure(2, 1).key.word(), 4);
+        EXPECT_EQ(score.open.document.staffMeasure(2, 4).key.word(), 1);
+    });
+    EXPECT_EQ(score.open.written(),
+              scoreWith({"", "", " width=\"90\"", " width=\"200.5\""},
+                        {first(keyed(2), staves), change(keyed(-1)), change(keyed(2, "<mode>major</mode>")),
+                         change(keyed(-1))},
+                        {first(keyed(4), transpose), change(keyed(1)), change(keyed(4)), change(keyed(1))}));
+    ASSERT_TRUE(score.session.massEdits.undo());
+    EXPECT_EQ(score.open.written(), text);
+
+    score.edit([&] {
+        EDTMeasureSpec2014 three = spec(3);
+        three.keySignature = 0x01FF;
+        three.spaceBefore = 125;
+        EXPECT_TRUE(save(3, three));
+        three.keySignature = 0x0003;
+        EXPECT_FALSE(save(5, three));
+        three.keySignature = 0x0520;
+        EXPECT_FALSE(save(3, three));
+    });
+    const std::string print =
+        "<print><measure-layout><measure-distance>12.5</measure-distance></measure-layout></print>";
+    EXPECT_EQ(
+        score.open.written(),
+        scoreWith(
+            {" width=\"200.5\"", "", " width=\"90\"", ""},
+            {first(keyed(-1), staves), "", print + change(keyed(-1, "<mode>minor</mode>")), change(keyed(2))},
+            {first(keyed(1), transpose), "", change(keyed(1, "<mode>minor</mode>")), change(keyed(4))}));
+}
+
+TEST(DataRecords, refuseWhatCannotBe) {
+    Records score(scoreOf({note("c4:w")}));
+    const std::vector<std::byte> bytes(92);
+    const auto with = [&](std::size_t size) { return std::span(bytes).first(size); };
+    EENTRYKEY strange{99, kAppendNumber};
+    EDATAKEY gap{1, 3};
+    EDATAKEY beyond{9, kAppendNumber};
+    EDATAKEY fresh{kAppendNumber, 0};
+    EDETAILKEY center{7, kAppendNumber, 0};
+    score.edit([&] {
+        EXPECT_FALSE(score.records.create(kEntryMarkTag, &strange, with(10)));
+        EXPECT_FALSE(score.records.create(kMeasureMarkTag, &gap, with(12)));
+        EXPECT_FALSE(score.records.create(kMeasureMarkTag, &beyond, with(12)));
+        EXPECT_FALSE(score.records.create(kSmartShapeTag, &fresh, with(84)));
+        EXPECT_FALSE(score.records.create(0x31313131, &fresh, with(12)));
+        EXPECT_FALSE(score.records.save(kSmartShapeTag, &fresh, with(92)));
+        EXPECT_FALSE(score.records.remove(kSmartShapeTag, &fresh));
+        EXPECT_EQ(fresh.cmper, kAppendNumber);
+        for (std::uint16_t number = 1; number <= 3; ++number) {
+            center.cmper2 = kAppendNumber;
+            EXPECT_TRUE(score.records.create(kCenterShapeTag, &center, with(22)));
+            EXPECT_EQ(center.cmper2, number);
+        }
+        EXPECT_TRUE(score.records.create(kSmartShapeTag, &fresh, with(92)));
+        EXPECT_EQ(fresh.cmper, 1);
+        // Center shapes keep their numbers when one goes.
+        center.cmper2 = 2;
+        EXPECT_TRUE(score.records.remove(kCenterShapeTag, &center));
+        center.cmper2 = 0;
+        EXPECT_TRUE(score.records.step(kCenterShapeTag, &center, true) &&
+                    score.records.step(kCenterShapeTag, &center, true));
+        EXPECT_EQ(center.cmper2, 3);
+        EXPECT_FALSE(score.records.step(kCenterShapeTag, &center, true));
+    });
+}
+
+}  // namespace
+}  // namespace rovescio::test
