@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <filesystem>
 #include <iostream>
 #include <string_view>
 
@@ -27,11 +28,15 @@ constexpr const char* kFooter = R"(Examples:
   rovescio - --steps 2 -o - < song.musicxml > new.musicxml
   rovescio song.musicxml --invert chromatic --axis "B-flat 3" -o mirrored.musicxml
   rovescio scores/*.mxl --transpose "down P5" --out-dir transposed
+  rovescio song.musicxml --measures 5-8 --play
+  rovescio song.musicxml --octaves -1 --midi low.mid -o low.musicxml
+  rovescio --row-forms "0 11 3 4 8 7 9 5 6 1 2 10" -o forms.musicxml
   rovescio validate Other.bundle     checks a plug-in; see rovescio validate --help
 
 Exit codes:
   0 done   1 could not be applied to this music   2 wrong command line
-  3 score cannot be read   4 result cannot be written   5 installation damaged
+  3 score cannot be read, MIDI not heard   4 result cannot be written or played
+  5 installation damaged
   70 the plug-in broke a rule   130 cancelled)";
 
 // Help in which each option shows its value's name and nothing of the checks behind it.
@@ -62,10 +67,18 @@ struct RawOptions {
 void define(CLI::App& app, Options& options, RawOptions& raw) {
     const char* what = "What to do";
     app.add_option("SCORE", options.scores, "MusicXML files (.musicxml, .xml, .mxl); - is standard input")
-        ->type_name("")
-        ->required();
+        ->type_name("");
     defineTransformations(app, what, raw.transformation);
+    app.add_flag("--check", options.check,
+                 "Tell what stands in the way of a retrograde and where, and change nothing")
+        ->group(what);
     app.add_flag("--info", options.info, "Show staves, measures, keys and layers, and change nothing")
+        ->group(what);
+    app.add_option("--row-forms", options.row,
+                   "Write all forms of a twelve-note row, given as numbers 0 to 11 or note names")
+        ->type_name("ROW")
+        ->group(what);
+    app.add_flag("--play", options.play, "Play the music through FluidSynth, as it is after all changes")
         ->group(what);
 
     const char* where = "Where (default: everywhere)";
@@ -83,6 +96,9 @@ void define(CLI::App& app, Options& options, RawOptions& raw) {
         app.add_option("-o,--output", options.output, "The result; .mxl is compressed, - is standard output")
             ->type_name("FILE")
             ->group(files);
+    app.add_option("--midi", options.midiFile, "The music as a MIDI file; - is standard output")
+        ->type_name("FILE")
+        ->group(files);
     app.add_option("--out-dir", options.outputFolder, "Folder for the results of several scores")
         ->type_name("FOLDER")
         ->excludes(output)
@@ -99,6 +115,9 @@ void define(CLI::App& app, Options& options, RawOptions& raw) {
         ->group(files);
 
     const char* more = "More";
+    app.add_option("--midi-port", options.midiPort, "Where --axis midi listens: a port's name or part of it")
+        ->type_name("NAME")
+        ->group(more);
     app.add_option("--plugin", options.plugin, "Another plug-in bundle")->type_name("BUNDLE")->group(more);
     app.add_flag("--trace", options.trace, "Print every call of the host's functions")->group(more);
     app.add_option("--fail", raw.faults, "Let the N-th call of a host function fail; for developers")
@@ -160,25 +179,102 @@ Result<engine::Done> understand(const RawOptions& raw, Options& options) {
     return engine::Done{};
 }
 
+bool isSameFile(const std::string& left, const std::string& right) {
+    std::error_code error;
+    return left == right || std::filesystem::equivalent(left, right, error);
+}
+
+// The same for playback.
+Result<engine::Done> checkPlayback(const Options& options) {
+    if (!options.wantsPlayback()) return engine::Done{};
+    if (options.scores.size() > 1 || !options.outputFolder.empty()) {
+        return problemWith("--play and --midi are for one score", "Leave the other scores and --out-dir out");
+    }
+    if (options.midiFile.empty()) return engine::Done{};
+    if (options.midiFile == kStandardStream) {
+        if (options.output != kStandardStream) return engine::Done{};
+        return problemWith("--midi - and -o - cannot both be standard output", "Name a file for one of them");
+    }
+    if (options.midiFile == options.output) {
+        return problemWith("--midi and -o name the same file", "Name two files");
+    }
+    if (isSameFile(options.midiFile, options.scores.front())) {
+        return problemWith("--midi " + options.midiFile + " would replace the score itself",
+                           "Name another file, such as one that ends in .mid");
+    }
+    return engine::Done{};
+}
+
+// The same for row forms, which need no score.
+Result<engine::Done> checkRowForms(const Options& options) {
+    const bool alone = options.scores.empty() && options.transformation.stepCount() == 0 && !options.info &&
+                       !options.wantsPlayback() && options.outputFolder.empty() &&
+                       !options.selection.isGiven();
+    if (!alone) {
+        return problemWith("--row-forms makes a score of its own",
+                           "Use it with -o alone; play or change its result afterwards");
+    }
+    if (options.output.empty()) {
+        return problemWith("the result needs a name", "Give it with -o, or - for standard output");
+    }
+    return engine::Done{};
+}
+
+// The same for the axis of an inversion that is played.
+Result<engine::Done> checkMidiInput(const Options& options) {
+    const auto& inversion = options.transformation.inversion;
+    const bool listens = inversion && inversion->axisIsPlayed;
+    if (!listens && !options.midiPort.empty()) {
+        return problemWith("--midi-port is for --axis midi", "Leave it out, or let the axis be played");
+    }
+    if (listens && (options.scores.size() > 1 || !options.outputFolder.empty())) {
+        return problemWith("--axis midi is for one score", "Write the pitch for several, such as --axis E4");
+    }
+    return engine::Done{};
+}
+
 // Finds combinations that make no sense.
 Result<engine::Done> checkTogether(const Options& options) {
+    if (!options.row.empty()) return checkRowForms(options);
     const bool several = options.scores.size() > 1;
     const bool nothing = options.transformation.stepCount() == 0;
+    if (options.scores.empty()) {
+        return problemWith("SCORE is required", "Name a MusicXML file, or - for standard input");
+    }
     if (options.info) {
-        if (!nothing || !options.output.empty() || !options.outputFolder.empty()) {
+        if (!nothing || options.wantsPlayback() || !options.output.empty() || !options.outputFolder.empty()) {
             return problemWith("--info shows scores and changes nothing", "Leave the other options out");
         }
         return engine::Done{};
     }
+    if (options.check) {
+        const bool changes = options.transformation.stepCount() > (options.transformation.retrograde ? 1 : 0);
+        if (changes || several || options.wantsPlayback() || !options.output.empty() ||
+            !options.outputFolder.empty()) {
+            return problemWith("--check looks at one score and changes nothing",
+                               "Leave the other options out");
+        }
+        return engine::Done{};
+    }
+    for (const auto check : {checkPlayback, checkMidiInput}) {
+        if (const Result<engine::Done> checked = check(options); !checked) return checked.problem();
+    }
+    if (nothing && options.wantsPlayback()) {
+        if (options.output.empty()) return engine::Done{};
+        return problemWith("there is nothing to change for -o",
+                           "Say what to do with the music, or leave -o out to play it as it is");
+    }
     if (nothing) {
-        return problemWith("there is nothing to do",
-                           "Say it with --transpose, --semitones, --steps, --octaves, --invert, "
-                           "--invert-chords, --notes or --remove-ties, or look with --info");
+        return problemWith(
+            "there is nothing to do",
+            "Say it with --retrograde, --transpose, --semitones, --steps, --octaves, --invert, "
+            "--invert-chords, --notes or --remove-ties, hear it with --play or --midi, or "
+            "look with --info");
     }
     if (several && options.outputFolder.empty()) {
         return problemWith("several scores need a folder for their results", "Name one with --out-dir");
     }
-    if (options.output.empty() && options.outputFolder.empty()) {
+    if (options.output.empty() && options.outputFolder.empty() && !options.wantsPlayback()) {
         return problemWith("the result needs a name", "Give it with -o, or - for standard output");
     }
     if (!options.outputFolder.empty()) {
@@ -210,7 +306,7 @@ std::vector<std::string> argumentsToPassOn(const Options& options, const RawOpti
 }  // namespace
 
 std::variant<Options, ExitCode> parseOptions(int argc, const char* const* argv) {
-    CLI::App app("Transposes and inverts selected music of MusicXML scores.", "rovescio");
+    CLI::App app("Transposes, inverts, turns round and plays selected music of MusicXML scores.", "rovescio");
     app.formatter(std::make_shared<HelpFormatter>());
     app.get_formatter()->column_width(28);
     app.footer(kFooter);

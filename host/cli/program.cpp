@@ -1,8 +1,11 @@
-// The way of one score through the program, and the choice between one, several, --info and validate.
+// The way of one score through the program, and the choice between one, several, row forms, --info and
+// validate.
 #include "cli/program.h"
 
 #include <filesystem>
 #include <iostream>
+#include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -12,12 +15,15 @@
 #include "cli/installation.h"
 #include "cli/messages.h"
 #include "cli/options.h"
+#include "cli/playback_run.h"
+#include "cli/row_forms.h"
 #include "cli/score_bytes.h"
 #include "cli/score_info.h"
 #include "cli/selection.h"
 #include "cli/transformation_run.h"
 #include "cli/validate_command.h"
 #include "musicxml/score_file.h"
+#include "playback/midi_input.h"
 
 namespace rovescio::cli {
 
@@ -85,35 +91,120 @@ void summarise(const Options& options, const TransformationOutcome& outcome, con
         (options.output == kStandardStream ? "standard output" : options.output));
 }
 
-ExitCode transformScore(const Options& options, const Installation& installation) {
-    const std::string& path = options.scores.front();
-    const Result<engine::Done> target = checkTarget(options.output);
-    if (!target) return fail(ExitCode::badOutput, target.problem());
+// Everything that a score needs around it while it is worked on; found before any work begins.
+struct Surroundings {
+    RunOptions run;
+    std::optional<PlaybackRun> playback;
+    std::shared_ptr<playback::MidiInput> instrument;
+};
 
+RunOptions runOptions(const Options& options, const Installation& installation) {
+    return {.engineBundle = installation.engineBundle,
+            .pluginBundle = options.plugin.empty() ? installation.pluginBundle : options.plugin,
+            .trace = options.trace,
+            .quiet = options.quiet,
+            .faults = options.faults,
+            .check = options.check,
+            .playback = options.wantsPlayback()};
+}
+
+// The code tells what is missing, after a message.
+ExitCode prepare(const Options& options, const Installation& installation, Surroundings& around) {
+    if (!options.output.empty()) {
+        const Result<engine::Done> target = checkTarget(options.output);
+        if (!target) return fail(ExitCode::badOutput, target.problem());
+    }
+    around.run = runOptions(options, installation);
+    if (options.wantsPlayback()) {
+        Result<PlaybackRun> run = PlaybackRun::prepare(options);
+        if (!run) return fail(ExitCode::badOutput, run.problem());
+        around.playback = std::move(*run);
+    }
+    if (options.transformation.inversion && options.transformation.inversion->axisIsPlayed) {
+        Result<playback::MidiInput> input = playback::MidiInput::open(options.midiPort);
+        if (!input) return fail(ExitCode::badInput, input.problem());
+        around.instrument = std::make_shared<playback::MidiInput>(std::move(*input));
+        around.run.midiInput = [instrument = around.instrument] {
+            say("play the axis on " + instrument->port());
+            return instrument->waitForNote([] { return DeferredCancel::requested(); });
+        };
+    }
+    return ExitCode::ok;
+}
+
+// Writes what is wanted and says what was done.
+ExitCode finishScore(const Options& options, const ScoreFile& score, const Document& document,
+                     const Selection& selection, const TransformationOutcome& outcome, Surroundings& around) {
+    const std::string& path = options.scores.front();
+    std::vector<std::string> notices = score.notices();
+    std::optional<musicxml::WrittenFile> written;
+    if (!options.output.empty()) {
+        Result<musicxml::WrittenFile> result = score.write(document, containerFor(options.output));
+        if (!result) return failScore(ExitCode::refused, result.problem(), path);
+        written = std::move(*result);
+        notices.insert(notices.end(), written->notices().begin(), written->notices().end());
+    }
+    if (around.playback) {
+        const Result<engine::Done> stored =
+            around.playback->write(document, score.performance(), *outcome.playback, selection);
+        if (!stored) return fail(ExitCode::badOutput, stored.problem());
+    }
+    if (written) {
+        const Result<engine::Done> stored = writeScoreBytes(
+            options.output, [&](const musicxml::ByteSink& sink) { return written->writeTo(sink); });
+        if (!stored) return fail(ExitCode::badOutput, stored.problem());
+    }
+    for (const std::string& notice : notices) say(notice);
+    if (!options.quiet && written) summarise(options, outcome, selection);
+    return around.playback ? around.playback->play(options.quiet) : ExitCode::ok;
+}
+
+// Tells what the check found; the exit status says whether that was anything.
+ExitCode showCheck(const TransformationOutcome& outcome, const Selection& selection) {
+    std::cout << selection.description << ": "
+              << (outcome.findings.empty() ? "nothing stands in the way of a retrograde" : outcome.findings)
+              << '\n';
+    for (const std::string& line : outcome.obstacles) std::cout << line << '\n';
+    std::cout.flush();
+    if (!std::cout) {
+        say("standard output cannot be written");
+        return ExitCode::badOutput;
+    }
+    return outcome.findings.empty() ? ExitCode::ok : ExitCode::refused;
+}
+
+ExitCode workOnScore(const Options& options, const Installation& installation) {
+    Surroundings around;
+    if (const ExitCode code = prepare(options, installation, around); code != ExitCode::ok) return code;
+    const std::string& path = options.scores.front();
     Document document;
-    Result<ScoreFile> score = readScore(path, options.maximumBytes, document);
+    const Result<ScoreFile> score = readScore(path, options.maximumBytes, document);
     if (!score) return fail(ExitCode::badInput, score.problem());
     const Result<Selection> selection = select(document, options.selection);
     if (!selection) return failScore(ExitCode::refused, selection.problem(), path);
-
-    const RunOptions run{.engineBundle = installation.engineBundle,
-                         .pluginBundle = options.plugin.empty() ? installation.pluginBundle : options.plugin,
-                         .trace = options.trace,
-                         .quiet = options.quiet,
-                         .faults = options.faults};
-    const TransformationOutcome outcome = transform(document, selection.value(), options.transformation, run);
+    const TransformationOutcome outcome =
+        transform(document, selection.value(), options.transformation, around.run);
     if (outcome.code == ExitCode::refused) return failScore(outcome.code, outcome.problem, path);
     if (outcome.code != ExitCode::ok) return fail(outcome.code, outcome.problem);
+    if (options.check) return showCheck(outcome, selection.value());
+    return finishScore(options, score.value(), document, selection.value(), outcome, around);
+}
 
-    const auto written = score->write(document, containerFor(options.output));
-    if (!written) return failScore(ExitCode::refused, written.problem(), path);
-    const Result<engine::Done> stored = writeScoreBytes(
-        options.output, [&](const musicxml::ByteSink& sink) { return written.value().writeTo(sink); });
+ExitCode makeRowForms(const Options& options, const Installation& installation) {
+    const Result<Row> row = parseRow(options.row);
+    if (!row) return fail(ExitCode::usage, row.problem());
+    const Result<engine::Done> target = checkTarget(options.output);
+    if (!target) return fail(ExitCode::badOutput, target.problem());
+    const RowForms forms =
+        rowForms(row.value(), containerFor(options.output), runOptions(options, installation));
+    if (forms.code != ExitCode::ok) return fail(forms.code, forms.problem);
+    const Result<engine::Done> stored =
+        writeScoreBytes(options.output, [&](const musicxml::ByteSink& sink) { return sink(forms.bytes); });
     if (!stored) return fail(ExitCode::badOutput, stored.problem());
-
-    for (const std::string& notice : score->notices()) say(notice);
-    for (const std::string& notice : written.value().notices()) say(notice);
-    if (!options.quiet) summarise(options, outcome, selection.value());
+    if (!options.quiet) {
+        say("wrote " + counted(forms.count, "form") + " of the row -> " +
+            (options.output == kStandardStream ? "standard output" : options.output));
+    }
     return ExitCode::ok;
 }
 
@@ -131,10 +222,12 @@ int run(int argc, char** argv) {
     ExitCode code = ExitCode::ok;
     if (options.info) {
         code = showInfo(options);
+    } else if (!options.row.empty()) {
+        code = makeRowForms(options, installation);
     } else if (!options.outputFolder.empty()) {
         code = runBatch(options, installation.program);
     } else {
-        code = transformScore(options, installation);
+        code = workOnScore(options, installation);
     }
     return static_cast<int>(code);
 }

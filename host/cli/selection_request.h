@@ -34,6 +34,10 @@ struct SelectionRequest {
     MeasureRange measures;
     NumberRuns staves;
     NumberRuns layers;
+
+    [[nodiscard]] bool isGiven() const {
+        return measures.first || measures.last || !staves.empty() || !layers.empty();
+    }
 };
 
 // "3-10", "7", "3:2-10:1.5", "3-", "-10", "#5-#8".

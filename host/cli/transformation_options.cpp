@@ -1,4 +1,4 @@
-// Definition and meaning of the options for transposition, inversion, accidentals and ties.
+// Definition and meaning of the options for retrograde, transposition, inversion, accidentals and ties.
 #include "cli/transformation_options.h"
 
 #include <CLI/CLI.hpp>
@@ -44,6 +44,24 @@ CLI::Validator upTo(int most) {
     return CLI::Range(-most, most).description("");
 }
 
+void defineRetrograde(CLI::App& app, const std::string& group, TransformationTexts& texts) {
+    auto* retrograde =
+        app.add_flag("-r,--retrograde", texts.retrograde, "Turn the music round, its last note first")
+            ->group(group);
+    app.add_flag("--mirror-keys", texts.mirrorKeys,
+                 "With --retrograde: the key signatures of the measures change places too")
+        ->needs(retrograde)
+        ->group(group);
+    app.add_flag("--mirror-spacing", texts.mirrorSpacing,
+                 "With --retrograde: and so do their widths and margins")
+        ->needs(retrograde)
+        ->group(group);
+    app.add_flag("--repair", texts.repair,
+                 "With --retrograde: delete the second voices, slurs and hairpins that stand in its way")
+        ->needs(retrograde)
+        ->group(group);
+}
+
 void defineTransposition(CLI::App& app, const std::string& group, TransformationTexts& texts) {
     auto* byName = app.add_option("-t,--transpose", texts.transpose,
                                   "Transpose by an interval: \"up minor third\", \"down P5\", m-3")
@@ -79,8 +97,10 @@ void defineInversion(CLI::App& app, const std::string& group, TransformationText
                        ->type_name("diatonic|chromatic")
                        ->check(CLI::IsMember({"diatonic", "chromatic"}).description(""))
                        ->group(group);
-    auto* axis = app.add_option("--axis", texts.axis, "Pitch that is its own mirror: E4, \"B-flat 3\", F#5")
-                     ->type_name("PITCH")
+    auto* axis = app.add_option("--axis", texts.axis,
+                                "Pitch that is its own mirror: E4, \"B-flat 3\", F#5; or the next "
+                                "note played on a MIDI instrument")
+                     ->type_name("PITCH|midi")
                      ->needs(invert)
                      ->group(group);
     invert->needs(axis);
@@ -132,13 +152,16 @@ Result<std::optional<Inversion>> understandInversion(const TransformationTexts& 
         return std::optional(result);
     }
     if (texts.invert.empty()) return std::optional<Inversion>();
-    Result<engine::SpelledPitch> axis = parsePitch(texts.axis);
-    if (!axis) {
-        engine::Problem problem = axis.problem();
-        problem.message = "--axis " + problem.message;
-        return problem;
+    result.axisIsPlayed = texts.axis == "midi";
+    if (!result.axisIsPlayed) {
+        Result<engine::SpelledPitch> axis = parsePitch(texts.axis);
+        if (!axis) {
+            engine::Problem problem = axis.problem();
+            problem.message = "--axis " + problem.message;
+            return problem;
+        }
+        result.axis = *axis;
     }
-    result.axis = *axis;
     result.simplify = texts.simplify;
     if (texts.invert == "chromatic") {
         result.kind = Inversion::Kind::chromatic;
@@ -159,6 +182,7 @@ Result<std::optional<Inversion>> understandInversion(const TransformationTexts& 
 }  // namespace
 
 void defineTransformations(CLI::App& app, const std::string& group, TransformationTexts& texts) {
+    defineRetrograde(app, group, texts);
     defineTransposition(app, group, texts);
     defineInversion(app, group, texts);
     defineNotes(app, group, texts);
@@ -169,7 +193,13 @@ Result<Transformation> understandTransformation(const TransformationTexts& texts
     if (!transposition) return transposition.problem();
     const auto inversion = understandInversion(texts);
     if (!inversion) return inversion.problem();
-    Transformation result{.transposition = transposition.value(),
+    std::optional<dialogs::Retrograde> retrograde;
+    if (texts.retrograde) {
+        retrograde = {
+            .mirrorKeys = texts.mirrorKeys, .mirrorSpacing = texts.mirrorSpacing, .repair = texts.repair};
+    }
+    Transformation result{.retrograde = retrograde,
+                          .transposition = transposition.value(),
                           .inversion = inversion.value(),
                           .accidentals = {},
                           .removeTies = texts.removeTies};
@@ -193,8 +223,14 @@ std::vector<std::string> argumentsOf(const TransformationTexts& texts) {
                                       {"--notes", texts.notes}}) {
         if (!value.empty()) arguments.emplace_back(name).append("=").append(value);
     }
-    if (texts.simplify) arguments.emplace_back("--simplify");
-    if (texts.removeTies) arguments.emplace_back("--remove-ties");
+    for (const auto& [name, given] : {std::pair{"--retrograde", texts.retrograde},
+                                      {"--mirror-keys", texts.mirrorKeys},
+                                      {"--mirror-spacing", texts.mirrorSpacing},
+                                      {"--repair", texts.repair},
+                                      {"--simplify", texts.simplify},
+                                      {"--remove-ties", texts.removeTies}}) {
+        if (given) arguments.emplace_back(name);
+    }
     return arguments;
 }
 

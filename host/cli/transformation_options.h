@@ -16,6 +16,10 @@ namespace rovescio::cli {
 
 // The options as they are written, before they are understood.
 struct TransformationTexts {
+    bool retrograde = false;
+    bool mirrorKeys = false;
+    bool mirrorSpacing = false;
+    bool repair = false;
     std::string transpose;
     std::optional<int> semitones;
     std::optional<int> steps;

@@ -9,6 +9,7 @@
 #include "cli/cancel.h"
 #include "cli/messages.h"
 #include "cli/progress_bar.h"
+#include "cli/retrograde_check.h"
 #include "dialogs/scripted_user_interface.h"
 #include "engine/plugin_bundle.h"
 #include "engine/session.h"
@@ -148,13 +149,39 @@ int regionsReached(const Document& document, const Selection& selection,
     return count;
 }
 
+// What the plug-in's check found in any of the selections; each finding once, nothing where it found nothing.
+std::string findings(const dialogs::ScriptedUserInterface& userInterface, const std::string& nothing) {
+    std::string all;
+    for (const dialogs::CheckReport& report : dialogs::checkReports(userInterface.readings())) {
+        if (report.findings.empty() || report.findings == nothing ||
+            all.find(report.findings) != std::string::npos) {
+            continue;
+        }
+        all += (all.empty() ? "" : "; ") + report.findings;
+    }
+    return all;
+}
+
 // What the user interface and the document say about a run that has ended.
 TransformationOutcome judge(const dialogs::ScriptedUserInterface& userInterface,
-                            const NotesBefore::Counts& counts, int expectedRedraws) {
+                            const NotesBefore::Counts& counts, int expectedRedraws, bool transforms,
+                            const std::optional<Problem>& refusal, bool turned) {
     if (userInterface.cancelled()) {
         return failed(ExitCode::cancelled, problemWith("cancelled, nothing was written", ""));
     }
+    if (refusal) {
+        Problem problem = *refusal;
+        problem.message += "; nothing was written";
+        return failed(ExitCode::refused, std::move(problem));
+    }
     if (!userInterface.alerts().empty()) return failed(ExitCode::refused, {});
+    if (!turned) {
+        const std::string obstacles = findings(userInterface, {});
+        return failed(ExitCode::refused,
+                      problemWith("the music cannot be turned round" +
+                                      (obstacles.empty() ? "" : ": " + obstacles) + "; nothing was written",
+                                  "See where with --check; --repair deletes what can be deleted"));
+    }
     if (userInterface.problem()) {
         return failed(ExitCode::refused, problemWith("the plug-in's dialogs do not offer this: " +
                                                          userInterface.problem()->message,
@@ -170,13 +197,33 @@ TransformationOutcome judge(const dialogs::ScriptedUserInterface& userInterface,
                       problemWith("the plug-in changed music outside the selection, nothing was written",
                                   "Use a plug-in that fits this version"));
     }
-    if (expectedRedraws == 0) {
+    if (transforms && expectedRedraws == 0) {
         return failed(ExitCode::refused,
                       problemWith("nothing in the selection can be inverted, nothing was written",
                                   "An inversion around an axis leaves staves without pitches and keys that "
                                   "are neither major nor minor as they are"));
     }
     return {.problem = {}, .notesSelected = counts.selected, .notesChanged = counts.changed};
+}
+
+// All that is to be heard, together: the plug-in asks for each selection by itself. None when that is no
+// music of the document.
+std::optional<engine::PlaybackRequest> joined(const std::vector<engine::PlaybackRequest>& requests,
+                                              const Document& document) {
+    if (requests.empty()) return std::nullopt;
+    engine::PlaybackRequest all{requests.front().startMeasure, requests.front().endMeasure, {}};
+    for (const engine::PlaybackRequest& request : requests) {
+        const bool sameMeasures =
+            request.startMeasure == all.startMeasure && request.endMeasure == all.endMeasure;
+        if (!sameMeasures || all.startMeasure > all.endMeasure) return std::nullopt;
+        for (const short staff : request.staves) {
+            if (!document.has(staff, all.startMeasure) || !document.has(staff, all.endMeasure))
+                return std::nullopt;
+            all.staves.push_back(staff);
+        }
+    }
+    if (all.staves.empty()) return std::nullopt;
+    return all;
 }
 
 }  // namespace
@@ -198,13 +245,23 @@ TransformationOutcome transform(Document& document, const Selection& selection,
         furtherSelections.emplace_back(
             [&openSession, &selection, i] { openSession->selection = selection.regions[i]; });
     }
-    ProgressBar bar("frames", options.quiet);
-    dialogs::ScriptedUserInterface userInterface(
-        resources.value(), dialogs::transformationScripts(transformation, furtherSelections),
-        [&bar](const engine::Progress& progress) {
-            bar.update(progress.position, progress.total);
-            return !DeferredCancel::requested();
+    const bool transforms = transformation.stepCount() > 0 && !options.check;
+    dialogs::Scripts scripts;
+    if (transforms) scripts = dialogs::transformationScripts(transformation, furtherSelections);
+    if (options.check) scripts = dialogs::checkScripts(false, furtherSelections);
+    if (options.playback) {
+        furtherSelections.insert(furtherSelections.begin(), [&openSession, &selection] {
+            openSession->selection = selection.regions.front();
         });
+        scripts = dialogs::withPlayback(std::move(scripts), furtherSelections);
+    }
+    ProgressBar bar("frames", options.quiet);
+    dialogs::ScriptedUserInterface userInterface(resources.value(), std::move(scripts),
+                                                 [&bar](const engine::Progress& progress) {
+                                                     bar.update(progress.position, progress.total);
+                                                     return !DeferredCancel::requested();
+                                                 });
+    userInterface.listenTo(options.midiInput);
     engine::Session session(document, userInterface);
     openSession = &session;
     session.selection = selection.regions.front();
@@ -215,19 +272,41 @@ TransformationOutcome transform(Document& document, const Selection& selection,
     session.pluginString = [&plugin](std::uint32_t stringId) { return plugin->string(stringId); };
 
     const NotesBefore before(document);
-    const int expectedRedraws = regionsReached(document, selection, transformation);
+    // Where notes change places, all of them count as changed.
+    NotesBefore::Counts turned = before.compare(document, selection, false);
+    turned.changed = turned.selected;
+    const int expectedRedraws = transforms ? regionsReached(document, selection, transformation) : 0;
     if (options.trace) engine::traceCalls(&std::cerr);
     for (const auto& [function, call] : options.faults) engine::planFault(function, call);
     const DeferredCancel deferred;
     const engine::Result<engine::Done> started = plugin->start();
     if (!started) return failed(ExitCode::installation, started.problem());
     plugin->invoke(0, nullptr);
+    std::vector<std::string> obstacles;
+    if (options.check) obstacles = retrogradeObstacles(session, selection);
     session.checkBalanced();
     plugin->stop();
     engine::traceCalls(nullptr);
     bar.clear();
-    return judge(userInterface, before.compare(document, selection, transformation.isTransposition()),
-                 expectedRedraws);
+    TransformationOutcome outcome = judge(
+        userInterface,
+        transformation.retrograde ? turned
+                                  : before.compare(document, selection, transformation.isTransposition()),
+        expectedRedraws, transforms, session.refusal,
+        !transforms || !transformation.retrograde ||
+            session.rebars == static_cast<int>(selection.regions.size()));
+    if (outcome.code == ExitCode::ok && options.check) {
+        outcome.findings = findings(userInterface, plugin->string(dialogs::kNoProblemsString));
+        outcome.obstacles = std::move(obstacles);
+    }
+    if (outcome.code == ExitCode::ok && options.playback) {
+        outcome.playback = joined(userInterface.playbacks(), document);
+        if (!outcome.playback) {
+            return failed(ExitCode::refused, problemWith("the plug-in did not say what music it wants played",
+                                                         "Use a plug-in that fits this version"));
+        }
+    }
+    return outcome;
 }
 
 }  // namespace rovescio::cli

@@ -2,15 +2,18 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "cli/exit_code.h"
 #include "cli/selection.h"
+#include "dialogs/scripted_user_interface.h"
 #include "dialogs/transformation_script.h"
 #include "engine/document.h"
 #include "engine/gate.h"
+#include "engine/playback_list.h"
 #include "engine/problem.h"
 
 namespace rovescio::cli {
@@ -24,6 +27,9 @@ struct RunOptions {
     bool trace = false;
     bool quiet = false;
     std::vector<PlannedFault> faults;
+    bool check = false;     // only have the selection checked for a retrograde
+    bool playback = false;  // have the selection played once it is transformed
+    dialogs::ScriptedUserInterface::MidiInput midiInput = nullptr;
 };
 
 struct TransformationOutcome {
@@ -32,9 +38,13 @@ struct TransformationOutcome {
     std::size_t notesSelected = 0;  // notes inside the selection
     std::size_t notesChanged = 0;   // those that are not as they were: for a transposition alone in pitch,
                                     // else in pitch, in showing an accidental or in ties
+    std::string findings = {};      // what a check had to report; empty for nothing
+    std::vector<std::string> obstacles = {};                         // and where
+    std::optional<engine::PlaybackRequest> playback = std::nullopt;  // what the plug-in wants to be heard
 };
 
-// Loads the bundles and lets the plug-in transform the selection. Unless the outcome is ok, the document is
+// Loads the bundles and lets the plug-in transform the selection and play it; a transformation without steps
+// leaves the music as it is. Unless the outcome is ok, the document is
 // not to be written.
 TransformationOutcome transform(engine::Document& document, const Selection& selection,
                                 const dialogs::Transformation& transformation, const RunOptions& options);

@@ -1,8 +1,11 @@
 // What a scripted hand does in a dialog, step by step.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <functional>
 #include <map>
+#include <string>
 #include <variant>
 #include <vector>
 
@@ -17,6 +20,22 @@ struct Set {
 // Presses a button.
 struct Press {
     short item = 0;
+    bool ifEnabled = false;  // a disabled one is passed over, where else it is a fault of the script
+};
+
+// Reads a text out.
+struct Read {
+    short item = 0;
+};
+
+// From here on answers questions with yes or no; at first with no.
+struct Answer {
+    bool yes = false;
+};
+
+// Plays on a MIDI instrument: status, note and velocity, which the next listening hears.
+struct Strike {
+    std::array<std::uint8_t, 3> message = {};
 };
 
 // Something done outside the dialog while it is open, such as selecting other music.
@@ -24,10 +43,19 @@ struct Meanwhile {
     std::function<void()> action;
 };
 
-using Step = std::variant<Set, Press, Meanwhile>;
+using Step = std::variant<Set, Press, Read, Answer, Strike, Meanwhile>;
 using Script = std::vector<Step>;
 
 // Scripts by dialog number. A dialog opened several times uses its scripts in turn.
 using Scripts = std::multimap<short, Script>;
+
+// What a script read out.
+struct Reading {
+    short dialog = 0;
+    short item = 0;
+    std::string text;
+
+    friend bool operator==(const Reading&, const Reading&) = default;
+};
 
 }  // namespace rovescio::dialogs

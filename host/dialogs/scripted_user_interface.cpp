@@ -86,6 +86,12 @@ void ScriptedUserInterface::perform(OpenDialog& dialog, const Step& step) {
         set(dialog, *setting);
     } else if (const auto* pressing = std::get_if<Press>(&step)) {
         press(dialog, *pressing);
+    } else if (const auto* reading = std::get_if<Read>(&step)) {
+        read(dialog, *reading);
+    } else if (const auto* answer = std::get_if<Answer>(&step)) {
+        answerYes_ = answer->yes;
+    } else if (const auto* strike = std::get_if<Strike>(&step)) {
+        struck_.push_back(strike->message);
     } else {
         std::get<Meanwhile>(step).action();
     }
@@ -118,7 +124,9 @@ void ScriptedUserInterface::set(OpenDialog& dialog, const Set& step) {
 }
 
 void ScriptedUserInterface::press(OpenDialog& dialog, const Press& step) {
-    Control* control = reach(dialog, step.item);
+    Control* control = dialog.control(step.item);
+    if (step.ifEnabled && control != nullptr && !control->enabled) return;
+    control = reach(dialog, step.item);
     if (control == nullptr) return;
     if (control->item.kind != ItemKind::button) {
         refuse(itemOf(step.item, dialog.number()) + " is no button but a " +
@@ -126,6 +134,17 @@ void ScriptedUserInterface::press(OpenDialog& dialog, const Press& step) {
         return;
     }
     dialog.command(step.item, 0);
+}
+
+void ScriptedUserInterface::read(OpenDialog& dialog, const Read& step) {
+    const Control* control = reach(dialog, step.item);
+    if (control == nullptr) return;
+    if (control->item.kind != ItemKind::text) {
+        refuse(itemOf(step.item, dialog.number()) + " is no text but a " +
+               std::string(itemKindName(control->item.kind)));
+        return;
+    }
+    readings_.push_back({dialog.number(), step.item, control->text});
 }
 
 void ScriptedUserInterface::endDialog(SXWindow window) {
@@ -194,10 +213,13 @@ void ScriptedUserInterface::show(SXWindow dialog, short item, bool shown) {
 // --- alerts, progress, playback ---
 
 short ScriptedUserInterface::alert(SXWindow /*parent*/, std::uint16_t style, const std::string& text) {
+    if (style == kAlertYesNo) {
+        questions_.push_back(text);
+        return answerYes_ ? kAnswerYes : kAnswerNo;
+    }
     alerts_.push_back(text);
     std::cerr << "rovescio: " << text << std::endl;
-    if (style != kAlertYesNo) return kAnswerOk;
-    return answerYes_ ? kAnswerYes : kAnswerNo;
+    return kAnswerOk;
 }
 
 bool ScriptedUserInterface::progress(const engine::Progress& progress) {
@@ -205,9 +227,23 @@ bool ScriptedUserInterface::progress(const engine::Progress& progress) {
     return !cancelled_;
 }
 
-void ScriptedUserInterface::play(short /*startMeasure*/, short /*endMeasure*/,
-                                 const std::vector<short>& /*staves*/) {
-    refuse("this host has no playback");
+bool ScriptedUserInterface::listenToMidi(std::uint8_t event[3]) {
+    std::optional<MidiMessage> heard;
+    if (!struck_.empty()) {
+        heard = struck_.front();
+        struck_.pop_front();
+    } else if (midiInput_) {
+        heard = midiInput_();
+        if (!heard) cancelled_ = true;
+    } else {
+        refuse("a MIDI note is waited for, and nobody plays one");
+    }
+    if (heard) std::copy(heard->begin(), heard->end(), event);
+    return heard.has_value();
+}
+
+void ScriptedUserInterface::play(short startMeasure, short endMeasure, const std::vector<short>& staves) {
+    playbacks_.push_back({startMeasure, endMeasure, staves});
 }
 
 }  // namespace rovescio::dialogs

@@ -1,7 +1,9 @@
 // The person in front of the engine, played by a script: works dialogs through the plug-in's own procedures.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -11,6 +13,7 @@
 #include "dialogs/dialog_resources.h"
 #include "dialogs/open_dialog.h"
 #include "dialogs/script.h"
+#include "engine/playback_list.h"
 #include "engine/problem.h"
 #include "engine/user_interface.h"
 
@@ -21,18 +24,28 @@ class ScriptedUserInterface : public engine::UserInterface {
     // Shows progress; false cancels, as the user's key would.
     using ProgressDisplay = std::function<bool(const engine::Progress&)>;
 
+    using MidiMessage = std::array<std::uint8_t, 3>;
+    // Waits for a note on a MIDI instrument; none when the user gave up, which cancels.
+    using MidiInput = std::function<std::optional<MidiMessage>()>;
+
     ScriptedUserInterface(const DialogResources& resources, Scripts scripts, ProgressDisplay progressDisplay);
 
-    // Answers yes to the alerts to come that ask; without this they are answered no.
-    void answerYes(bool yes) { answerYes_ = yes; }
+    // Who is listened to when the script strikes no note; without, nobody.
+    void listenTo(MidiInput input) { midiInput_ = std::move(input); }
 
     // The first thing that the script asked for and a hand could not do; the dialogs were closed there.
     [[nodiscard]] const std::optional<engine::Problem>& problem() const { return problem_; }
-    // Texts of the alerts shown, in order.
+    // Texts of the warnings shown, in order.
     [[nodiscard]] const std::vector<std::string>& alerts() const { return alerts_; }
+    // Texts of the questions asked, in order; the script says how they are answered.
+    [[nodiscard]] const std::vector<std::string>& questions() const { return questions_; }
+    // What the script read out, in order.
+    [[nodiscard]] const std::vector<Reading>& readings() const { return readings_; }
     [[nodiscard]] bool cancelled() const { return cancelled_; }
     // How often the plug-in had changed music to draw anew.
     [[nodiscard]] int redraws() const { return redraws_; }
+    // What the plug-in asked to be played, in order.
+    [[nodiscard]] const std::vector<engine::PlaybackRequest>& playbacks() const { return playbacks_; }
 
     std::intptr_t runDialog(short resourceId, SXDialogProc procedure, SXWindow parent, short flags,
                             void* userData) override;
@@ -45,8 +58,7 @@ class ScriptedUserInterface : public engine::UserInterface {
     short alert(SXWindow parent, std::uint16_t style, const std::string& text) override;
     bool progress(const engine::Progress& progress) override;
     void redraw() override { ++redraws_; }
-    // Nobody plays: there is no MIDI input.
-    bool listenToMidi(std::uint8_t[3]) override { return false; }
+    bool listenToMidi(std::uint8_t event[3]) override;
     void play(short startMeasure, short endMeasure, const std::vector<short>& staves) override;
 
   private:
@@ -56,6 +68,7 @@ class ScriptedUserInterface : public engine::UserInterface {
     void perform(OpenDialog& dialog, const Step& step);
     void set(OpenDialog& dialog, const Set& step);
     void press(OpenDialog& dialog, const Press& step);
+    void read(OpenDialog& dialog, const Read& step);
     // The control that a hand wants to use; null, with the problem kept, when it cannot.
     Control* reach(OpenDialog& dialog, short item);
     void refuse(const std::string& what);
@@ -68,9 +81,14 @@ class ScriptedUserInterface : public engine::UserInterface {
     const DialogResources& resources_;
     Scripts scripts_;
     ProgressDisplay progressDisplay_;
+    MidiInput midiInput_;
+    std::deque<MidiMessage> struck_;  // and not heard yet
+    std::vector<engine::PlaybackRequest> playbacks_;
     std::vector<std::unique_ptr<OpenDialog>> open_;  // the innermost last
     std::optional<engine::Problem> problem_;
     std::vector<std::string> alerts_;
+    std::vector<std::string> questions_;
+    std::vector<Reading> readings_;
     bool answerYes_ = false;
     bool cancelled_ = false;
     int redraws_ = 0;

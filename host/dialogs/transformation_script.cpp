@@ -15,13 +15,19 @@ namespace main_dialog {
 constexpr short kNumber = 20130;
 constexpr short kApply = 1;
 constexpr short kClose = 2;
+constexpr short kPlay = 3;
 constexpr short kInversion = 4;
 constexpr short kAxisSettings = 5;
+constexpr short kTransposition = 6;
 constexpr short kTranspositionSettings = 7;
 constexpr short kAccidentals = 8;
+constexpr short kRetrograde = 9;
+constexpr short kRetrogradeSettings = 10;
 constexpr short kRemoveTies = 11;
+constexpr short kCheck = 12;
 
-// The first entry of both pop-ups chooses nothing.
+// The first entry of the pop-ups chooses nothing.
+constexpr int kNone = 1;
 constexpr int kFirstChoice = 2;
 }  // namespace main_dialog
 
@@ -29,6 +35,7 @@ namespace axis_dialog {
 constexpr short kNumber = 20140;
 constexpr short kOk = 1;
 constexpr short kPitch = 3;
+constexpr short kListen = 4;
 constexpr short kOctave = 5;
 constexpr short kSimplify = 6;
 
@@ -63,6 +70,21 @@ constexpr short kOk = 1;
 constexpr short kSteps = 4;
 constexpr short kAlteration = 6;
 }  // namespace other_interval_dialog
+
+namespace retrograde_dialog {
+constexpr short kNumber = 20190;
+constexpr short kOk = 1;
+constexpr short kMirrorKeys = 3;
+constexpr short kMirrorSpacing = 4;
+}  // namespace retrograde_dialog
+
+namespace report_dialog {
+constexpr short kNumber = 20230;
+constexpr short kClose = 1;
+constexpr short kMeasures = 2;
+constexpr short kReport = 3;
+constexpr short kRepair = 7;
+}  // namespace report_dialog
 
 // The intervals of the chromatic pop-up in its order, as steps and alteration.
 constexpr std::array<std::pair<int, int>, 26> kChromaticEntries = {
@@ -109,6 +131,30 @@ void chooseInterval(const Transposition& transposition, Script& script, Scripts&
     }
 }
 
+// Reads the report out; a repair closes the dialog by itself.
+Script reportScript(bool repair) {
+    using namespace report_dialog;
+    Script script{Read{kMeasures}, Read{kReport}};
+    if (repair) {
+        script.emplace_back(Answer{true});
+        script.emplace_back(Press{kRepair, true});
+    }
+    script.emplace_back(Press{kClose});
+    return script;
+}
+
+void reverse(const Retrograde& retrograde, std::size_t selections, Script& main, Scripts& scripts) {
+    using namespace retrograde_dialog;
+    main.emplace_back(Set{main_dialog::kRetrograde, 1});
+    scripts.emplace(kNumber, Script{Set{kMirrorKeys, retrograde.mirrorKeys ? 1 : 0},
+                                    Set{kMirrorSpacing, retrograde.mirrorSpacing ? 1 : 0}, Press{kOk}});
+    main.emplace_back(Press{main_dialog::kRetrogradeSettings});
+    // The report opens only where there are problems; a script too many does no harm.
+    for (std::size_t i = 0; i < selections; ++i) {
+        scripts.emplace(report_dialog::kNumber, reportScript(retrograde.repair));
+    }
+}
+
 void transpose(const Transposition& transposition, Script& main, Scripts& scripts) {
     using namespace transposition_dialog;
     Script settings;
@@ -129,11 +175,35 @@ void invert(const Inversion& inversion, Script& main, Scripts& scripts) {
     const bool altered = inversion.kind == Inversion::Kind::chromatic;
     const int pitch =
         kCNatural + kEntriesOfLetter * engine::floorMod(axis.step, 7) + (altered ? axis.alter : 0);
-    // What the dialog shows at first need not be what it keeps, so everything in it is entered.
-    scripts.emplace(kNumber,
-                    Script{Set{kPitch, pitch}, Set{kOctave, engine::floorDiv(axis.step, 7) + kMiddleOctave},
-                           Set{kSimplify, inversion.simplify ? 1 : 0}, Press{kOk}});
+    Script script;
+    if (inversion.axisIsPlayed) {
+        script.emplace_back(Press{kListen});
+    } else {
+        // What the dialog shows at first need not be what it keeps, so everything in it is entered.
+        script.emplace_back(Set{kPitch, pitch});
+        script.emplace_back(Set{kOctave, engine::floorDiv(axis.step, 7) + kMiddleOctave});
+    }
+    script.emplace_back(Set{kSimplify, inversion.simplify ? 1 : 0});
+    script.emplace_back(Press{kOk});
+    scripts.emplace(kNumber, std::move(script));
     main.emplace_back(Press{main_dialog::kAxisSettings});
+}
+
+// The dialog opens with what was chosen in it last, so everything is put back first.
+Script nothingChosen() {
+    using namespace main_dialog;
+    return {Set{kRetrograde, 0}, Set{kTransposition, kNone}, Set{kInversion, kNone}, Set{kAccidentals, kNone},
+            Set{kRemoveTies, 0}};
+}
+
+// Presses a button of the main dialog for every selection and closes the dialog.
+void pressForEach(short button, const std::vector<std::function<void()>>& furtherSelections, Script& main) {
+    main.emplace_back(Press{button});
+    for (const std::function<void()>& select : furtherSelections) {
+        main.emplace_back(Meanwhile{select});
+        main.emplace_back(Press{button});
+    }
+    main.emplace_back(Press{main_dialog::kClose});
 }
 
 }  // namespace
@@ -141,7 +211,10 @@ void invert(const Inversion& inversion, Script& main, Scripts& scripts) {
 Scripts transformationScripts(const Transformation& transformation,
                               const std::vector<std::function<void()>>& furtherSelections) {
     Scripts scripts;
-    Script main;
+    Script main = nothingChosen();
+    if (transformation.retrograde) {
+        reverse(*transformation.retrograde, furtherSelections.size() + 1, main, scripts);
+    }
     if (transformation.transposition) transpose(*transformation.transposition, main, scripts);
     if (transformation.inversion) invert(*transformation.inversion, main, scripts);
     if (transformation.accidentals) {
@@ -149,15 +222,48 @@ Scripts transformationScripts(const Transformation& transformation,
                               main_dialog::kFirstChoice + static_cast<int>(*transformation.accidentals)});
     }
     if (transformation.removeTies) main.emplace_back(Set{main_dialog::kRemoveTies, 1});
-
-    main.emplace_back(Press{main_dialog::kApply});
-    for (const std::function<void()>& select : furtherSelections) {
-        main.emplace_back(Meanwhile{select});
-        main.emplace_back(Press{main_dialog::kApply});
-    }
-    main.emplace_back(Press{main_dialog::kClose});
+    pressForEach(main_dialog::kApply, furtherSelections, main);
     scripts.emplace(main_dialog::kNumber, std::move(main));
     return scripts;
+}
+
+Scripts withPlayback(Scripts scripts, const std::vector<std::function<void()>>& selections) {
+    const auto found = scripts.find(main_dialog::kNumber);
+    Script main = found == scripts.end() ? Script{Press{main_dialog::kClose}}
+                                         : std::move(scripts.extract(found).mapped());
+    const Step close = std::move(main.back());
+    main.pop_back();
+    for (const std::function<void()>& select : selections) {
+        main.emplace_back(Meanwhile{select});
+        main.emplace_back(Press{main_dialog::kPlay});
+    }
+    main.push_back(close);
+    scripts.emplace(main_dialog::kNumber, std::move(main));
+    return scripts;
+}
+
+Scripts checkScripts(bool repair, const std::vector<std::function<void()>>& furtherSelections) {
+    Scripts scripts;
+    Script main;
+    pressForEach(main_dialog::kCheck, furtherSelections, main);
+    scripts.emplace(main_dialog::kNumber, std::move(main));
+    for (std::size_t i = 0; i <= furtherSelections.size(); ++i) {
+        scripts.emplace(report_dialog::kNumber, reportScript(repair));
+    }
+    return scripts;
+}
+
+std::vector<CheckReport> checkReports(const std::vector<Reading>& readings) {
+    std::vector<CheckReport> reports;
+    for (const Reading& reading : readings) {
+        if (reading.dialog != report_dialog::kNumber) continue;
+        if (reading.item == report_dialog::kMeasures) {
+            reports.push_back({.measures = reading.text, .findings = {}});
+        } else if (!reports.empty()) {
+            reports.back().findings = reading.text;
+        }
+    }
+    return reports;
 }
 
 }  // namespace rovescio::dialogs

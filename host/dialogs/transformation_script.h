@@ -1,14 +1,25 @@
 // What a person would do in the plug-in's dialogs to transform the selected music.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "dialogs/script.h"
 #include "engine/key_signature.h"
 
 namespace rovescio::dialogs {
+
+// The music from its end to its beginning.
+struct Retrograde {
+    bool mirrorKeys = false;     // the key signatures of the measures change places too
+    bool mirrorSpacing = false;  // and so do their widths and margins
+    bool repair = false;         // what stands in the way is deleted; else the plug-in leaves the music alone
+
+    friend bool operator==(const Retrograde&, const Retrograde&) = default;
+};
 
 // An interval as the transposition dialog takes it. All numbers count in the interval's direction.
 struct Transposition {
@@ -41,6 +52,7 @@ struct Inversion {
 
     Kind kind = Kind::diatonic;
     engine::SpelledPitch axis = {};  // not for chords; altered by a semitone at most
+    bool axisIsPlayed = false;       // in place of it the note that the dialog hears when it listens to MIDI
     bool simplify = false;           // chromatic: respell double accidentals and enharmonic white keys
 
     [[nodiscard]] bool hasAxis() const { return kind == Kind::diatonic || kind == Kind::chromatic; }
@@ -57,6 +69,7 @@ enum class Accidentals {
 
 // What is chosen to be done, in the plug-in's order.
 struct Transformation {
+    std::optional<Retrograde> retrograde = std::nullopt;
     std::optional<Transposition> transposition = std::nullopt;
     std::optional<Inversion> inversion = std::nullopt;
     std::optional<Accidentals> accidentals = std::nullopt;
@@ -65,13 +78,34 @@ struct Transformation {
     [[nodiscard]] bool isTransposition() const { return transposition && stepCount() == 1; }
     // Each step goes through the selected music once.
     [[nodiscard]] int stepCount() const {
-        return (transposition ? 1 : 0) + (inversion ? 1 : 0) + (accidentals || removeTies ? 1 : 0);
+        return (retrograde ? 1 : 0) + (transposition ? 1 : 0) + (inversion ? 1 : 0) +
+               (accidentals || removeTies ? 1 : 0);
     }
 };
 
-// Enters what is chosen, leaves all other controls alone, and applies it; once for the music selected now,
-// and once more after each of the further selections.
+// Enters what is chosen and nothing else, and applies it; once for the music selected now,
+// and once more after each of the further selections. Where the check before a retrograde finds problems, its
+// report is read out.
 Scripts transformationScripts(const Transformation& transformation,
                               const std::vector<std::function<void()>>& furtherSelections);
+
+// Has each selection played, after whatever the scripts do in the main dialog.
+Scripts withPlayback(Scripts scripts, const std::vector<std::function<void()>>& selections);
+
+// Has each selection checked for a retrograde and its report read out; with `repair` has deleted what stands
+// in the way.
+Scripts checkScripts(bool repair, const std::vector<std::function<void()>>& furtherSelections);
+
+// What the plug-in's check had to say about one selection.
+struct CheckReport {
+    std::string measures;  // which measures it looked at
+    std::string findings;  // one of the plug-in's texts or several, with commas between them
+};
+
+// The reports that a run's scripts read out, in order.
+std::vector<CheckReport> checkReports(const std::vector<Reading>& readings);
+
+// The plug-in's string with which the check reports that nothing stands in the way.
+inline constexpr std::uint32_t kNoProblemsString = 0x4EA6000A;
 
 }  // namespace rovescio::dialogs

@@ -18,6 +18,28 @@ DialogResources pluginResources() {
     return DialogResources::parse(json, DIALOG_DESCRIPTIONS).value();
 }
 
+// What the script does in a dialog, in order: "9=1" sets, "press 7?" presses if it can, "read 3" reads.
+std::string actions(const Scripts& scripts, short dialog) {
+    std::string text;
+    for (auto [script, end] = scripts.equal_range(dialog); script != end; ++script) {
+        for (const Step& step : script->second) {
+            if (const auto* set = std::get_if<Set>(&step)) {
+                text += std::to_string(set->item) + "=" + std::to_string(set->value);
+            } else if (const auto* press = std::get_if<Press>(&step)) {
+                text += "press " + std::to_string(press->item) + (press->ifEnabled ? "?" : "");
+            } else if (const auto* read = std::get_if<Read>(&step)) {
+                text += "read " + std::to_string(read->item);
+            } else if (const auto* answer = std::get_if<Answer>(&step)) {
+                text += answer->yes ? "yes" : "no";
+            } else {
+                text += "select";
+            }
+            text += ", ";
+        }
+    }
+    return text;
+}
+
 // What the script sets in a dialog, as "item=value" in order.
 std::string settings(const Scripts& scripts, short dialog) {
     std::string text;
@@ -41,6 +63,9 @@ void expectPossible(const Scripts& scripts, const DialogResources& resources) {
             if (const auto* press = std::get_if<Press>(&step)) {
                 ASSERT_NE(open.control(press->item), nullptr);
                 EXPECT_EQ(open.control(press->item)->item.kind, ItemKind::button);
+            } else if (const auto* read = std::get_if<Read>(&step)) {
+                ASSERT_NE(open.control(read->item), nullptr);
+                EXPECT_EQ(open.control(read->item)->item.kind, ItemKind::text);
             } else if (const auto* set = std::get_if<Set>(&step)) {
                 ASSERT_NE(open.control(set->item), nullptr);
                 EXPECT_TRUE(canHold(open.control(set->item)->item, set->value)) << set->item;
@@ -99,7 +124,7 @@ TEST(TransformationScripts, ChooseInversionsAndNoteOptionsAndLeaveTheRestAlone) 
     const DialogResources resources = pluginResources();
     for (const auto& [transformation, main, axis] : cases) {
         const Scripts scripts = transformationScripts(transformation, {});
-        EXPECT_EQ(settings(scripts, 20130), main);
+        EXPECT_EQ(settings(scripts, 20130), std::string("9=0 6=1 4=1 8=1 11=0 ") + main);
         EXPECT_EQ(settings(scripts, 20140), axis);
         EXPECT_EQ(settings(scripts, 20150), "not opened");
         expectPossible(scripts, resources);
@@ -115,13 +140,45 @@ TEST(TransformationScripts, ApplyOnceForEachSelectionBeforeClosing) {
     for (const Step& step : main) {
         if (const auto* press = std::get_if<Press>(&step)) {
             order += std::to_string(press->item) + " ";
-        } else {
-            std::get<Meanwhile>(step).action();
+        } else if (const auto* meanwhile = std::get_if<Meanwhile>(&step)) {
+            meanwhile->action();
             order += "select ";
         }
     }
     EXPECT_EQ(order, "7 1 select 1 select 1 2 ");
     EXPECT_EQ(selected, 2);
+}
+
+TEST(TransformationScripts, ReverseOrCheckAndReadTheReports) {
+    const std::string nothing = "9=0, 6=1, 4=1, 8=1, 11=0, ";
+    const std::string report = "read 2, read 3, press 1, ";
+    const std::string repair = "read 2, read 3, yes, press 7?, press 1, ";
+    const struct {
+        Scripts scripts;
+        std::string main, options, report;
+    } cases[] = {
+        {transformationScripts({.retrograde = Retrograde{}}, {}),
+         nothing + "9=1, press 10, press 1, press 2, ", "3=0, 4=0, press 1, ", report},
+        {transformationScripts(
+             {.retrograde = Retrograde{.mirrorKeys = true, .repair = true}, .removeTies = true}, {[] {}}),
+         nothing + "9=1, press 10, 11=1, press 1, select, press 1, press 2, ", "3=1, 4=0, press 1, ",
+         repair + repair},
+        {transformationScripts({.retrograde = Retrograde{.mirrorSpacing = true}}, {}),
+         nothing + "9=1, press 10, press 1, press 2, ", "3=0, 4=1, press 1, ", report},
+        {checkScripts(false, {}), "press 12, press 2, ", "", report},
+        {checkScripts(true, {[] {}}), "press 12, select, press 12, press 2, ", "", repair + repair},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(actions(c.scripts, 20130), c.main);
+        EXPECT_EQ(actions(c.scripts, 20190), c.options);
+        EXPECT_EQ(actions(c.scripts, 20230), c.report);
+        expectPossible(c.scripts, pluginResources());
+    }
+    const auto reports = checkReports(
+        {{20230, 2, "1 to 4"}, {20230, 3, "a, b"}, {20180, 5, "C"}, {20230, 2, ""}, {20230, 3, "c"}});
+    ASSERT_EQ(reports.size(), 2U);
+    EXPECT_EQ(reports[0].measures + ": " + reports[0].findings, "1 to 4: a, b");
+    EXPECT_EQ(reports[1].measures + ": " + reports[1].findings, ": c");
 }
 
 }  // namespace

@@ -12,9 +12,12 @@
 
 namespace {
 
+using rovescio::dialogs::Answer;
 using rovescio::dialogs::DialogResources;
 using rovescio::dialogs::Meanwhile;
 using rovescio::dialogs::Press;
+using rovescio::dialogs::Read;
+using rovescio::dialogs::Reading;
 using rovescio::dialogs::Script;
 using rovescio::dialogs::ScriptedUserInterface;
 using rovescio::dialogs::Scripts;
@@ -196,14 +199,37 @@ TEST_F(ScriptedDialog, StopsAtTheUsersCancel) {
     EXPECT_FALSE(front->problem()) << "a cancel is no fault of the script";
 }
 
-TEST_F(ScriptedDialog, AnswersAlertsAndRemembersThem) {
-    front = std::make_unique<ScriptedUserInterface>(resources, scripts, nullptr);
+TEST_F(ScriptedDialog, AnswersQuestionsAsTheScriptSaysAndRemembersWarnings) {
+    std::vector<short> answers;
+    handler = [&](SXWindow, std::uint16_t, short item, std::uint32_t) {
+        if (item == 2) answers.push_back(front->alert(nullptr, kAlertYesNo, "Repair it?"));
+        if (item == 4) front->alert(nullptr, kAlertWarning, "It was broken");
+    };
     testing::internal::CaptureStderr();
-    EXPECT_NE(front->alert(nullptr, kAlertYesNo, "Repair it?"), kAnswerYes);
-    front->answerYes(true);
-    EXPECT_EQ(front->alert(nullptr, kAlertYesNo, "Repair it now?"), kAnswerYes);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "rovescio: Repair it?\nrovescio: Repair it now?\n");
-    EXPECT_EQ(front->alerts(), (std::vector<std::string>{"Repair it?", "Repair it now?"}));
+    const ScriptedUserInterface& after =
+        open({Set{2, 1}, Answer{true}, Set{2, 0}, Set{4, 0}, Answer{false}, Set{2, 1}, Press{1}});
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "rovescio: It was broken\n");
+    ASSERT_EQ(answers.size(), 3U);
+    EXPECT_NE(answers[0], kAnswerYes);
+    EXPECT_EQ(answers[1], kAnswerYes);
+    EXPECT_NE(answers[2], kAnswerYes);
+    EXPECT_EQ(after.alerts(), std::vector<std::string>{"It was broken"});
+    EXPECT_EQ(after.questions(), std::vector<std::string>(3, "Repair it?"));
+}
+
+TEST_F(ScriptedDialog, ReadsTextsOutAndPassesDisabledButtonsOver) {
+    handler = [&](SXWindow dialog, std::uint16_t message, short item, std::uint32_t) {
+        if (message == kDialogInit) front->setText(dialog, 5, "fine");
+        if (item == 2) front->setText(dialog, 5, "better");
+        if (item == 2) front->enable(dialog, 1, front->value(dialog, 2, kCheckValue) == 0);
+    };
+    const ScriptedUserInterface& after =
+        open({Read{5}, Set{2, 1}, Press{1, true}, Read{5}, Set{2, 0}, Press{1, true}, Read{5}});
+    EXPECT_EQ(after.readings(), (std::vector<Reading>{{100, 5, "fine"}, {100, 5, "better"}}));
+    EXPECT_FALSE(after.problem());
+
+    EXPECT_EQ(open({Read{3}, Press{1}}).problem()->message, "item 3 of dialog 100 is no text but a popup");
+    EXPECT_EQ(open({Press{6, true}, Press{1}}).problem()->message, "there is no item 6 of dialog 100");
 }
 
 }  // namespace

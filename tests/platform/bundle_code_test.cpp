@@ -13,109 +13,98 @@ namespace platform_tests {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 using Function = int (*)();
 
 class BundleCodeTest : public BundleTest {
   protected:
     BundleCodeTest() {
-        writeInfo("<key>CFBundleExecutable</key><string>Sample</string>");
-        fs::create_directories(folder() / "Contents/MacOS");
+        writeInfo(entry("CFBundleExecutable", "Sample"));
+        fs::create_directories(executable_.parent_path());
+    }
+    ~BundleCodeTest() override {
+        if (bundle_) CFBundleUnloadExecutable(bundle_.get());
     }
 
     /// A copy of its own for each bundle, so that no test finds code that another one loaded.
-    [[nodiscard]] Held<CFBundleRef> openWithCode() const {
-        fs::copy_file(SAMPLE_CODE, folder() / "Contents/MacOS/Sample");
-        return open();
+    CFBundleRef openWithCode() {
+        fs::copy_file(SAMPLE_CODE, executable_);
+        bundle_ = open();
+        return bundle_.get();
     }
 
-    static int call(CFBundleRef bundle, CFStringRef name) {
+    static int call(CFBundleRef bundle, CFStringRef name = CFSTR("sampleFunction")) {
         void* found = CFBundleGetFunctionPointerForName(bundle, name);
         return found != nullptr ? reinterpret_cast<Function>(found)() : -1;
     }
+
+    const fs::path executable_ = folder() / "Contents/MacOS/Sample";
+    Held<CFBundleRef> bundle_;
 };
 
-TEST_F(BundleCodeTest, IsLoadedByTheFirstLookup) {
-    const auto bundle = openWithCode();
-    EXPECT_FALSE(CFBundleIsExecutableLoaded(bundle.get()));
-    EXPECT_EQ(call(bundle.get(), CFSTR("sampleFunction")), 1);
-    EXPECT_TRUE(CFBundleIsExecutableLoaded(bundle.get()));
-    CFBundleUnloadExecutable(bundle.get());
-    EXPECT_FALSE(CFBundleIsExecutableLoaded(bundle.get()));
-    EXPECT_EQ(call(bundle.get(), CFSTR("sampleFunction")), 1);
-    CFBundleUnloadExecutable(bundle.get());
-}
-
-TEST_F(BundleCodeTest, GivesVariables) {
-    const auto bundle = openWithCode();
-    const void* variable = CFBundleGetDataPointerForName(bundle.get(), CFSTR("sampleVariable"));
+TEST_F(BundleCodeTest, IsLoadedByTheFirstLookupAndHidesNamesThatItDoesNotDefine) {
+    auto* const bundle = openWithCode();
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_FALSE(CFBundleIsExecutableLoaded(bundle));
+        EXPECT_EQ(call(bundle), 1);
+        EXPECT_TRUE(CFBundleIsExecutableLoaded(bundle));
+        CFBundleUnloadExecutable(bundle);
+    }
+    const void* variable = CFBundleGetDataPointerForName(bundle, CFSTR("sampleVariable"));
     ASSERT_NE(variable, nullptr);
     EXPECT_EQ(*static_cast<const int*>(variable), 41);
-    EXPECT_EQ(CFBundleGetDataPointerForName(bundle.get(), CFSTR("environ")), nullptr);
-    CFBundleUnloadExecutable(bundle.get());
-}
-
-TEST_F(BundleCodeTest, HidesNamesThatItDoesNotDefine) {
-    const auto bundle = openWithCode();
-    EXPECT_EQ(CFBundleGetFunctionPointerForName(bundle.get(), CFSTR("missing")), nullptr);
-    EXPECT_EQ(CFBundleGetFunctionPointerForName(bundle.get(), CFSTR("puts")), nullptr);
-    EXPECT_EQ(CFBundleGetFunctionPointerForName(bundle.get(), CFSTR("SAMPLEFUNCTION")), nullptr);
-    EXPECT_EQ(CFBundleGetFunctionPointerForName(bundle.get(), string({u"sampleFunction\0x", 16}).get()),
-              nullptr);
-    CFBundleUnloadExecutable(bundle.get());
+    EXPECT_EQ(CFBundleGetDataPointerForName(bundle, CFSTR("environ")), nullptr);
+    for (const std::u16string& name : {u"missing"s, u"puts"s, u"SAMPLEFUNCTION"s, u"sampleFunction\0x"s})
+        EXPECT_EQ(call(bundle, string(name).get()), -1) << PrintToString(name);
 }
 
 TEST_F(BundleCodeTest, SharesCodeThatWasLoadedDirectly) {
-    const auto bundle = openWithCode();
-    void* handle = dlopen((folder() / "Contents/MacOS/Sample").c_str(), RTLD_NOW | RTLD_LOCAL);
+    auto* const bundle = openWithCode();
+    void* handle = dlopen(executable_.c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(handle, nullptr) << dlerror();
-    EXPECT_TRUE(CFBundleIsExecutableLoaded(bundle.get()));
-    EXPECT_EQ(CFBundleGetDataPointerForName(bundle.get(), CFSTR("sampleVariable")),
-              dlsym(handle, "sampleVariable"));
-    CFBundleUnloadExecutable(bundle.get());
-    EXPECT_TRUE(CFBundleIsExecutableLoaded(bundle.get()));
+    EXPECT_TRUE(CFBundleIsExecutableLoaded(bundle));
+    void* variable = CFBundleGetDataPointerForName(bundle, CFSTR("sampleVariable"));
+    EXPECT_EQ(variable, dlsym(handle, "sampleVariable"));
+    CFBundleUnloadExecutable(bundle);
+    EXPECT_TRUE(CFBundleIsExecutableLoaded(bundle));
     dlclose(handle);
-    EXPECT_FALSE(CFBundleIsExecutableLoaded(bundle.get()));
+    EXPECT_FALSE(CFBundleIsExecutableLoaded(bundle));
 }
 
 TEST_F(BundleCodeTest, StaysAliveWhileItsCodeIsLoaded) {
-    auto bundle = openWithCode();
-    ASSERT_TRUE(CFBundleLoadExecutable(bundle.get()));
-    ASSERT_TRUE(CFBundleLoadExecutable(bundle.get()));
-    auto* const pointer = bundle.get();
-    bundle.reset();
-    EXPECT_EQ(open().get(), pointer);
-    EXPECT_EQ(call(pointer, CFSTR("sampleFunction")), 1);
-    CFBundleUnloadExecutable(pointer);
+    auto* const pointer = openWithCode();
+    ASSERT_TRUE(CFBundleLoadExecutable(pointer) && CFBundleLoadExecutable(pointer));
+    bundle_.reset();
+    bundle_ = open();
+    EXPECT_EQ(bundle_.get(), pointer);
+    EXPECT_EQ(call(pointer), 1);
 }
 
-TEST_F(BundleCodeTest, WithBrokenCodeHasNoNames) {
-    const auto executable = folder() / "Contents/MacOS/Sample";
-    for (const char* content : {"", "not a program",
-                                "\x7F"
-                                "ELF\2\1\1"}) {
-        fs::remove(executable);
-        write("Contents/MacOS/Sample", content);
+TEST_F(BundleCodeTest, WhenBrokenOrOutsideTheBundleHasNoNames) {
+    for (const std::string content : {"", "not a program",
+                                      "\x7F"
+                                      "ELF\2\1\1",
+                                      "folder", "outside"}) {
+        fs::remove(executable_);
+        if (content == "folder") {
+            fs::create_directory(executable_);
+        } else if (content == "outside") {
+            fs::copy_file(SAMPLE_CODE, folder() / "Contents/Outside");
+            writeInfo(entry("CFBundleExecutable", "../Outside"));
+        } else {
+            write("Contents/MacOS/Sample", content);
+        }
         const auto bundle = open();
-        EXPECT_FALSE(CFBundleLoadExecutable(bundle.get()));
-        EXPECT_EQ(CFBundleGetFunctionPointerForName(bundle.get(), CFSTR("sampleFunction")), nullptr);
+        EXPECT_FALSE(CFBundleLoadExecutable(bundle.get())) << content;
+        EXPECT_FALSE(CFBundleIsExecutableLoaded(bundle.get())) << content;
+        EXPECT_EQ(call(bundle.get()), -1) << content;
+        EXPECT_TRUE(content != "folder" || CFBundleCopyExecutableURL(bundle.get()) == nullptr);
     }
-    fs::remove(executable);
-    fs::create_directory(executable);
-    const auto bundle = open();
-    EXPECT_FALSE(CFBundleLoadExecutable(bundle.get()));
-    EXPECT_FALSE(CFBundleIsExecutableLoaded(bundle.get()));
-    EXPECT_EQ(CFBundleCopyExecutableURL(bundle.get()), nullptr);
-}
-
-TEST_F(BundleCodeTest, NeverLeavesTheBundle) {
-    fs::copy_file(SAMPLE_CODE, folder() / "Contents/Outside");
-    writeInfo("<key>CFBundleExecutable</key><string>../Outside</string>");
-    EXPECT_FALSE(CFBundleLoadExecutable(open().get()));
 }
 
 TEST_F(BundleCodeTest, OfTheMainBundleIsTheProgram) {
-    EXPECT_EQ(call(CFBundleGetMainBundle(), CFSTR("sampleFunction")), 2);
-    EXPECT_EQ(CFBundleGetFunctionPointerForName(CFBundleGetMainBundle(), CFSTR("missing")), nullptr);
+    EXPECT_EQ(call(CFBundleGetMainBundle()), 2);
+    EXPECT_EQ(call(CFBundleGetMainBundle(), CFSTR("missing")), -1);
 }
 
 }  // namespace

@@ -1,4 +1,9 @@
-// Bundles as directories: when they exist, their identity, identifiers and information dictionaries.
+// Bundles as directories: when they exist, their identity, information dictionaries, and threads that share
+// them.
+#include <array>
+#include <atomic>
+#include <thread>
+
 #include "support.h"
 
 namespace platform_tests {
@@ -6,124 +11,94 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::u16string infoValue(const Held<CFBundleRef>& bundle, CFStringRef key) {
+std::u16string infoValue(const Held<CFBundleRef>& bundle, CFStringRef key = kCFBundleExecutableKey) {
     const CFTypeRef value = CFBundleGetValueForInfoDictionaryKey(bundle.get(), key);
     const bool isString = value != nullptr && CFGetTypeID(value) == CFStringGetTypeID();
     return value == nullptr || isString ? units(static_cast<CFStringRef>(value)) : u"<other>";
 }
 
-TEST_F(BundleTest, AnyDirectoryIsABundle) {
-    EXPECT_TRUE(open());
-    write("Contents/Info.plist", "not a property list");
-    const auto broken = open();
-    ASSERT_TRUE(broken);
-    EXPECT_EQ(CFGetTypeID(broken.get()), CFBundleGetTypeID());
-    EXPECT_EQ(infoValue(broken, kCFBundleExecutableKey), u"<NULL>");
-    EXPECT_EQ(CFBundleGetIdentifier(broken.get()), nullptr);
-}
-
-TEST_F(BundleTest, NothingElseIsABundle) {
-    write("file", "content");
-    EXPECT_FALSE(openBundle(folder() / "missing"));
-    EXPECT_FALSE(openBundle(folder() / "file"));
-    EXPECT_EQ(CFBundleCreate(kCFAllocatorDefault, nullptr), nullptr);
-    EXPECT_FALSE(openBundle(std::string(100000, 'x')));
-}
-
-TEST_F(BundleTest, ADirectoryHasOneBundle) {
+TEST_F(BundleTest, AnyDirectoryAndNothingElseIsOneBundle) {
     const auto bundle = open();
+    ASSERT_TRUE(bundle);
+    EXPECT_EQ(CFGetTypeID(bundle.get()), CFBundleGetTypeID());
+    EXPECT_EQ(CFBundleGetIdentifier(bundle.get()), nullptr);
     EXPECT_EQ(open().get(), bundle.get());
     EXPECT_EQ(openBundle(folder().native() + "/").get(), bundle.get());
-    const Held<CFURLRef> address(CFBundleCopyBundleURL(bundle.get()));
-    EXPECT_EQ(pathOf(address), folder().native());
-}
-
-TEST_F(BundleTest, IsReadAnewAfterItsLastReference) {
-    writeInfo("<key>CFBundleExecutable</key><string>First</string>");
-    EXPECT_EQ(infoValue(open(), kCFBundleExecutableKey), u"First");
-    writeInfo("<key>CFBundleExecutable</key><string>Second</string>");
-    EXPECT_EQ(infoValue(open(), kCFBundleExecutableKey), u"Second");
+    EXPECT_EQ(pathOf(Held<CFURLRef>(CFBundleCopyBundleURL(bundle.get()))), folder().native());
+    write("file", "content");
+    for (const fs::path& path : {folder() / "missing", folder() / "file", fs::path(std::string(100000, 'x'))})
+        EXPECT_FALSE(openBundle(path));
+    EXPECT_EQ(CFBundleCreate(kCFAllocatorDefault, nullptr), nullptr);
 }
 
 TEST_F(BundleTest, IsFoundByItsIdentifierWhileItLives) {
-    const auto identifier = string(u"org.rovescio.tests.identified");
-    writeInfo("<key>CFBundleIdentifier</key><string>org.rovescio.tests.identified</string>");
-    EXPECT_EQ(CFBundleGetBundleWithIdentifier(identifier.get()), nullptr);
+    const auto find = [](const char16_t* name) {
+        return CFBundleGetBundleWithIdentifier(string(name).get());
+    };
+    writeInfo(entry("CFBundleIdentifier", "org.rovescio.tests.identified"));
+    EXPECT_EQ(find(u"org.rovescio.tests.identified"), nullptr);
     {
         const auto bundle = open();
-        EXPECT_EQ(CFBundleGetBundleWithIdentifier(identifier.get()), bundle.get());
+        EXPECT_EQ(find(u"org.rovescio.tests.identified"), bundle.get());
         EXPECT_EQ(units(CFBundleGetIdentifier(bundle.get())), u"org.rovescio.tests.identified");
-        EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("org.rovescio.tests.IDENTIFIED")), nullptr);
-        EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("")), nullptr);
+        for (const char16_t* other : {u"org.rovescio.tests.IDENTIFIED", u""}) EXPECT_EQ(find(other), nullptr);
         EXPECT_EQ(CFBundleGetBundleWithIdentifier(nullptr), nullptr);
     }
-    EXPECT_EQ(CFBundleGetBundleWithIdentifier(identifier.get()), nullptr);
+    EXPECT_EQ(find(u"org.rovescio.tests.identified"), nullptr);
 }
 
-TEST_F(BundleTest, ReadsInformationOfEveryFormat) {
+TEST_F(BundleTest, ReadsInformationOfEveryFormatAnew) {
     // A binary list with the one pair CFBundleExecutable = Bin.
     const std::string binary(
         "bplist00\xD1\x01\x02\x5F\x10\x12"
         "CFBundleExecutable\x53"
         "Bin\x08\x0B\x20\0\0\0\0\0\0\1\1\0\0\0\0\0\0\0\3\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x24",
         71);
-    const struct {
-        std::string content;
-        std::u16string_view executable;
-    } cases[] = {
-        {xmlPropertyList("<key>CFBundleExecutable</key><string>X &amp; &#233;</string>"), u"X & \u00E9"},
-        {binary, u"Bin"},
-        {"{ CFBundleExecutable = Old; Other = (a, b); }", u"Old"},
-        {xmlPropertyList("<key>CFBundleExecutable</key><string></string>"), u""},
-        {xmlPropertyList("<key>CFBundleExecutable</key><integer>5</integer>"), u"<other>"},
-        {xmlPropertyList("<key>CFBundleExecutable</key><array><string>a</string></array>"), u"<NULL>"},
-        {xmlPropertyList("<key>Unrelated</key><string>a</string>"), u"<NULL>"},
-        {"<?xml version=\"1.0\"?><plist><dict><key>CFBundleExecutable</key>", u"<NULL>"},
-    };
-    for (const auto& row : cases) {
+    const std::string key = "<key>CFBundleExecutable</key>";
+    using Row = std::pair<std::string, std::u16string_view>;
+    const auto cases = table(
+        Row{xmlPropertyList(entry("CFBundleExecutable", "X &amp; &#233;")), u"X & \u00E9"},
+        Row{binary, u"Bin"}, Row{"{ CFBundleExecutable = Old; Other = (a, b); }", u"Old"},
+        Row{xmlPropertyList(entry("CFBundleExecutable", "")), u""},
+        Row{xmlPropertyList(key + "<integer>5</integer>"), u"<other>"},
+        Row{xmlPropertyList(key + "<array><string>a</string></array>"), u"<NULL>"},
+        Row{xmlPropertyList(entry("Unrelated", "a")), u"<NULL>"},
+        Row{"<?xml version=\"1.0\"?><plist><dict>" + key, u"<NULL>"}, Row{"not a property list", u"<NULL>"});
+    for (const auto& [content, executable] : cases) {
         for (const char* place : {"Contents/Info.plist", "Info.plist"}) {
             fs::remove_all(folder() / "Contents");
-            write(place, row.content);
-            EXPECT_EQ(infoValue(open(), kCFBundleExecutableKey), row.executable) << place << row.content;
+            write(place, content);
+            EXPECT_EQ(infoValue(open()), executable) << place << content;
         }
     }
+    write("en.lproj/Localizable.strings", "k = flat;");
+    EXPECT_EQ(localized(u"k"), u"flat");
 }
 
-TEST_F(BundleTest, KeepsTheKindsOfValues) {
-    writeInfo("<key>I</key><integer>-3</integer><key>R</key><real>2.5</real><key>B</key><true/>");
+TEST_F(BundleTest, KeepsTheKindsOfValuesAndPrefersLocalisedOnes) {
+    writeInfo("<key>I</key><integer>-3</integer><key>R</key><real>2.5</real><key>B</key><true/>" +
+              entry("Name", "plain") + entry("Other", "kept"));
+    write("Contents/Resources/en.lproj/InfoPlist.strings", "Name = \"localised\";");
     const auto bundle = open();
-    const auto value = [&](CFStringRef key) {
-        return CFBundleGetValueForInfoDictionaryKey(bundle.get(), key);
-    };
-    int whole = 0;
-    double real = 0;
-    ASSERT_NE(value(CFSTR("I")), nullptr);
-    EXPECT_TRUE(CFNumberGetValue(static_cast<CFNumberRef>(value(CFSTR("I"))), kCFNumberIntType, &whole));
-    EXPECT_EQ(whole, -3);
-    ASSERT_NE(value(CFSTR("R")), nullptr);
-    EXPECT_TRUE(CFNumberGetValue(static_cast<CFNumberRef>(value(CFSTR("R"))), kCFNumberDoubleType, &real));
-    EXPECT_EQ(real, 2.5);
-    EXPECT_EQ(value(CFSTR("B")), kCFBooleanTrue);
-}
-
-TEST_F(BundleTest, PrefersLocalisedInformation) {
-    writeInfo("<key>CFBundleName</key><string>plain</string><key>Other</key><string>kept</string>");
-    write("Contents/Resources/en.lproj/InfoPlist.strings", "CFBundleName = \"localised\";");
-    const auto bundle = open();
-    EXPECT_EQ(infoValue(bundle, CFSTR("CFBundleName")), u"localised");
-    EXPECT_EQ(infoValue(bundle, CFSTR("Other")), u"kept");
+    EXPECT_EQ(infoValue(bundle, CFSTR("Name")) + infoValue(bundle, CFSTR("Other")), u"localisedkept");
+    for (const auto& [key, number] : {std::pair{CFSTR("I"), -3.0}, std::pair{CFSTR("R"), 2.5}}) {
+        double value = 0;
+        const CFTypeRef object = CFBundleGetValueForInfoDictionaryKey(bundle.get(), key);
+        ASSERT_NE(object, nullptr);
+        EXPECT_TRUE(CFNumberGetValue(static_cast<CFNumberRef>(object), kCFNumberDoubleType, &value));
+        EXPECT_EQ(value, number);
+    }
+    EXPECT_EQ(CFBundleGetValueForInfoDictionaryKey(bundle.get(), CFSTR("B")), kCFBooleanTrue);
 }
 
 TEST_F(BundleTest, WithLoadedCodeIsPreferredAmongEqualIdentifiers) {
-    const std::string info = xmlPropertyList(
-        "<key>CFBundleIdentifier</key><string>org.rovescio.tests.twin</string>"
-        "<key>CFBundleExecutable</key><string>Sample</string>");
     for (const char* name : {"first", "second"}) {
-        write(fs::path(name) / "Contents/Info.plist", info);
-        write(fs::path(name) / "Contents/MacOS/Sample", "");
+        write(fs::path(name) / "Contents/Info.plist",
+              xmlPropertyList(entry("CFBundleIdentifier", "org.rovescio.tests.twin") +
+                              entry("CFBundleExecutable", "Sample")));
+        fs::create_directory(folder() / name / "Contents/MacOS");
     }
-    fs::copy_file(SAMPLE_CODE, folder() / "second/Contents/MacOS/Sample",
-                  fs::copy_options::overwrite_existing);
+    fs::copy_file(SAMPLE_CODE, folder() / "second/Contents/MacOS/Sample");
     const auto first = openBundle(folder() / "first");
     const auto second = openBundle(folder() / "second");
     EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("org.rovescio.tests.twin")), first.get());
@@ -137,30 +112,43 @@ TEST(MainBundle, IsOneAndLoaded) {
     ASSERT_NE(bundle, nullptr);
     EXPECT_EQ(CFBundleGetMainBundle(), bundle);
     EXPECT_TRUE(CFBundleIsExecutableLoaded(bundle));
-    const Held<CFURLRef> executable(CFBundleCopyExecutableURL(bundle));
-    EXPECT_TRUE(fs::is_regular_file(pathOf(executable)));
+    EXPECT_TRUE(fs::is_regular_file(pathOf(Held<CFURLRef>(CFBundleCopyExecutableURL(bundle)))));
 }
 
-TEST(FileAddress, RefusesWhatIsNoPath) {
+TEST(FileAddress, IsAPathWrittenWholeOrNotAtAll) {
     EXPECT_FALSE(url(""));
     EXPECT_FALSE(url(std::string("a\0b", 3)));
-}
-
-TEST(FileAddress, IsEqualByPathAndKind) {
-    const auto address = url("/some/where");
-    EXPECT_TRUE(CFEqual(address.get(), url("/some/where/").get()));
+    const auto address = url("/some/where/");
+    EXPECT_TRUE(CFEqual(address.get(), url("/some/where").get()));
     EXPECT_FALSE(CFEqual(address.get(), url("/some/where", false).get()));
     EXPECT_FALSE(CFEqual(address.get(), url("/some").get()));
     EXPECT_EQ(CFGetTypeID(address.get()), CFURLGetTypeID());
-}
-
-TEST(FileAddress, WritesItsPathWholeOrNotAtAll) {
-    const auto address = url("/some/where/");
     UInt8 buffer[16] = "~~~~~~~~~~~~~~~";
     EXPECT_FALSE(CFURLGetFileSystemRepresentation(address.get(), 1, buffer, 11));
     EXPECT_TRUE(CFURLGetFileSystemRepresentation(address.get(), 1, buffer, 12));
     EXPECT_STREQ(reinterpret_cast<char*>(buffer), "/some/where");
     EXPECT_EQ(pathOf(url("relative")), (fs::current_path() / "relative").native());
+}
+
+TEST_F(BundleTest, ThreadsMayOpenReadAndCloseTheSameBundle) {
+    writeInfo(entry("CFBundleIdentifier", "org.rovescio.tests.threads"));
+    write(kTable, "k = v;");
+    const auto shared = string(u"shared");
+    const auto find = [] { return CFBundleGetBundleWithIdentifier(CFSTR("org.rovescio.tests.threads")); };
+    std::atomic<int> right{0};
+    const auto work = [&] {
+        for (int i = 0; i < 200; ++i) {
+            const auto bundle = open();
+            right += localized(u"k") == u"v" && open().get() == bundle.get() && find() == bundle.get();
+        }
+        for (int i = 0; i < 10000; ++i) CFRelease(CFRetain(shared.get()));
+    };
+    std::array<std::thread, 4> threads;
+    for (std::thread& thread : threads) thread = std::thread(work);
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(right, 800);
+    EXPECT_EQ(find(), nullptr);
+    EXPECT_EQ(units(shared), u"shared");
 }
 
 }  // namespace

@@ -47,22 +47,15 @@ TEST(Format, WritesTextsAndCharacters) {
     EXPECT_EQ(format("\xE2\x99\xAD %d", 2), u"\u266D 2");
 }
 
-TEST(Format, WritesObjects) {
+TEST(Format, WritesObjectsAndTakesArgumentsByPosition) {
     const auto word = string(u"hi");
     const int answer = 42;
     const double half = 0.5;
     const Held<CFNumberRef> number(CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &answer));
     const Held<CFNumberRef> fraction(CFNumberCreate(kCFAllocatorDefault, kCFNumberDoubleType, &half));
-    EXPECT_EQ(format("%@", word.get()), u"hi");
-    EXPECT_EQ(format("%5@", word.get()), u"hi");
-    EXPECT_EQ(format("<%@>", static_cast<CFStringRef>(nullptr)), u"<(null)>");
-    EXPECT_EQ(format("%@ %@", number.get(), fraction.get()), u"42 0.5");
-}
-
-TEST(Format, TakesArgumentsByPosition) {
-    const auto first = string(u"first");
-    const auto second = string(u"second");
-    EXPECT_EQ(format("%2$@ %1$@", first.get(), second.get()), u"second first");
+    EXPECT_EQ(format("%@ %5@ <%@>", word.get(), word.get(), static_cast<CFStringRef>(nullptr)),
+              u"hi hi <(null)>");
+    EXPECT_EQ(format("%2$@ %1$@ %3$@", number.get(), fraction.get(), word.get()), u"0.5 42 hi");
     EXPECT_EQ(format("%1$d %1$d %2$s", 7, "x"), u"7 7 x");
     EXPECT_EQ(format("%3$d %1$s", "unnamed second", 2L, 9), u"9 unnamed second");
 }

@@ -6,201 +6,152 @@
 namespace platform_tests {
 namespace {
 
+constexpr auto kAscii = kCFStringEncodingASCII;
+constexpr auto kRoman = kCFStringEncodingMacRoman;
+constexpr auto kUtf8 = kCFStringEncodingUTF8;
+constexpr auto kUtf16 = kCFStringEncodingUTF16;
+constexpr auto kBig = kCFStringEncodingUTF16BE;
+constexpr auto kLittle = kCFStringEncodingUTF16LE;
+constexpr auto kWindows = kCFStringEncodingWindowsLatin1;
+constexpr CFStringEncoding kUnknown = 0x7777;
+
 HeldString decoded(std::string_view bytes, CFStringEncoding encoding, bool isExternal = false) {
     return HeldString(CFStringCreateWithBytes(
         kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()), static_cast<CFIndex>(bytes.size()),
         encoding, static_cast<Boolean>(isExternal)));
 }
 
-struct DecodingCase {
-    std::string_view bytes;
-    CFStringEncoding encoding;
-    std::u16string_view text;
-};
-
 TEST(Decoding, FollowsEachEncoding) {
-    const DecodingCase cases[] = {
-        {"\x41\x8E\xCA\xDB\xF0\xFF", kCFStringEncodingMacRoman, u"A\u00E9\u00A0\u20AC\uF8FF\u02C7"},
-        {"\x41\x8E", kCFStringEncodingASCII, u"A\u008E"},
-        {"\x80\xE9", kCFStringEncodingWindowsLatin1, u"\u20AC\u00E9"},
-        {"\x80\xE9", kCFStringEncodingISOLatin1, u"\u0080\u00E9"},
-        {"caf\xC3\xA9 \xF0\x9F\x98\x80", kCFStringEncodingUTF8, u"caf\u00E9 \U0001F600"},
-        {"\xEF\xBB\xBF\x41", kCFStringEncodingUTF8, u"A"},
-        {std::string_view("\x30\x42\x00\x41", 4), kCFStringEncodingUTF16BE, u"\u3042A"},
-        {std::string_view("\x42\x30\x41\x00", 4), kCFStringEncodingUTF16LE, u"\u3042A"},
-        {"", kCFStringEncodingUTF8, u""},
-        {"\xC0\x80", kCFStringEncodingUTF8, u"<NULL>"},          // overlong
-        {"\xED\xA0\x80", kCFStringEncodingUTF8, u"<NULL>"},      // half a surrogate pair
-        {"\xF4\x90\x80\x80", kCFStringEncodingUTF8, u"<NULL>"},  // above the last character
-        {"ab\xE2\x82", kCFStringEncodingUTF8, u"<NULL>"},        // cut
-        {"\xE2\x41\x41", kCFStringEncodingUTF8, u"<NULL>"},
-        {"\x80", kCFStringEncodingUTF8, u"<NULL>"},
-        {"\xFF", kCFStringEncodingUTF8, u"<NULL>"},
-        {"text", 0x7777, u"<NULL>"},
+    struct Row {
+        std::string_view bytes;
+        CFStringEncoding encoding;
+        std::u16string_view text;
     };
-    for (const DecodingCase& row : cases) {
-        EXPECT_EQ(units(decoded(row.bytes, row.encoding)), row.text) << ::testing::PrintToString(row.bytes);
-    }
-}
-
-TEST(Decoding, TakesTheByteOrderFromTheMarkOfExternalText) {
-    EXPECT_EQ(units(decoded(std::string_view("\xFE\xFF\x00\x41", 4), kCFStringEncodingUTF16, true)), u"A");
-    EXPECT_EQ(units(decoded(std::string_view("\xFF\xFE\x41\x00", 4), kCFStringEncodingUTF16, true)), u"A");
+    const auto cases = table(Row{"\x41\x8E\xCA\xDB\xF0\xFF", kRoman, u"Aé\u00A0€\uF8FF\u02C7"},
+                             Row{"\x41\x8E", kAscii, u"A\u008E"}, Row{"\x80\xE9", kWindows, u"€é"},
+                             Row{"\x80\xE9", kCFStringEncodingISOLatin1, u"\u0080é"},
+                             Row{"caf\xC3\xA9 \xF0\x9F\x98\x80", kUtf8, u"café \U0001F600"},
+                             Row{"\xEF\xBB\xBF\x41", kUtf8, u"A"}, Row{{"\x30\x42\x00\x41", 4}, kBig, u"あA"},
+                             Row{{"\x42\x30\x41\x00", 4}, kLittle, u"あA"}, Row{"", kUtf8, u""},
+                             Row{"text", kUnknown, u"<NULL>"});
+    for (const auto& [bytes, encoding, text] : cases)
+        EXPECT_EQ(units(decoded(bytes, encoding)), text) << PrintToString(bytes);
+    // Overlong, half a surrogate pair, above the last character, cut, interrupted, and no first bytes.
+    for (const char* bytes :
+         {"\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "ab\xE2\x82", "\xE2\x41\x41", "\x80", "\xFF"})
+        EXPECT_FALSE(decoded(bytes, kUtf8)) << PrintToString(bytes);
+    for (const std::string_view marked :
+         {std::string_view("\xFE\xFF\x00\x41", 4), std::string_view("\xFF\xFE\x41\x00", 4)})
+        EXPECT_EQ(units(decoded(marked, kUtf16, true)), u"A");
 }
 
 TEST(Decoding, EveryMacRomanByteComesBack) {
     std::string bytes;
-    for (int byte = 1; byte < 256; ++byte) {
-        bytes.push_back(static_cast<char>(byte));
-    }
-    const HeldString text(
-        CFStringCreateWithCString(kCFAllocatorDefault, bytes.c_str(), kCFStringEncodingMacRoman));
+    for (int byte = 1; byte < 256; ++byte) bytes.push_back(static_cast<char>(byte));
+    const HeldString text(CFStringCreateWithCString(kCFAllocatorDefault, bytes.c_str(), kRoman));
     char back[256] = {};
-    ASSERT_TRUE(CFStringGetCString(text.get(), back, sizeof back, kCFStringEncodingMacRoman));
+    ASSERT_TRUE(CFStringGetCString(text.get(), back, sizeof back, kRoman));
     EXPECT_EQ(back, bytes);
     EXPECT_FALSE(CFStringGetCString(text.get(), back, sizeof back, kCFStringEncodingISOLatin1));
 }
 
-TEST(PascalStrings, CarryUpTo255Bytes) {
+TEST(PascalStrings, CarryUpTo255BytesOrLeaveTheBufferAlone) {
     const unsigned char source[] = {3, 'c', 0x8E, '!', 'x'};
-    const HeldString made(
-        CFStringCreateWithPascalString(kCFAllocatorDefault, source, kCFStringEncodingMacRoman));
-    EXPECT_EQ(units(made), u"c\u00E9!");
-
-    const std::u16string longest(255, u'k');
+    EXPECT_EQ(units(HeldString(CFStringCreateWithPascalString(kCFAllocatorDefault, source, kRoman))), u"cé!");
     unsigned char buffer[400] = {};
-    EXPECT_TRUE(CFStringGetPascalString(string(longest).get(), buffer, 256, kCFStringEncodingMacRoman));
-    EXPECT_EQ(buffer[0], 255);
-    EXPECT_EQ(buffer[255], 'k');
-}
-
-TEST(PascalStrings, LeaveTheBufferAloneWhenTheTextDoesNotFit) {
+    EXPECT_TRUE(CFStringGetPascalString(string(std::u16string(255, u'k')).get(), buffer, 256, kRoman));
+    EXPECT_EQ(std::string(buffer, buffer + 257), "\xFF" + std::string(255, 'k') + '\0');
     const std::u16string tooLong(256, u'k');
-    const std::u16string tooLongInBytes(128, u'\u00E9');
-    struct Case {
+    const std::u16string tooLongInBytes(128, u'é');
+    struct Row {
         std::u16string_view text;
         CFIndex size;
         CFStringEncoding encoding;
-    } const cases[] = {
-        {tooLong, 256, kCFStringEncodingMacRoman},    {tooLong, 300, kCFStringEncodingMacRoman},
-        {tooLong, 300, kCFStringEncodingUTF8},        {u"abc", 3, kCFStringEncodingMacRoman},
-        {tooLongInBytes, 300, kCFStringEncodingUTF8}, {u"", 0, kCFStringEncodingMacRoman},
     };
-    for (const Case& row : cases) {
-        unsigned char buffer[400];
+    const auto cases = table(Row{tooLong, 256, kRoman}, Row{tooLong, 300, kRoman}, Row{tooLong, 300, kUtf8},
+                             Row{u"abc", 3, kRoman}, Row{tooLongInBytes, 300, kUtf8}, Row{u"", 0, kRoman});
+    for (const auto& [text, size, encoding] : cases) {
         std::memset(buffer, 0xAA, sizeof buffer);
-        EXPECT_FALSE(CFStringGetPascalString(string(row.text).get(), buffer, row.size, row.encoding));
-        EXPECT_EQ(std::count(std::begin(buffer), std::end(buffer), 0xAA), 400) << row.size;
+        EXPECT_FALSE(CFStringGetPascalString(string(text).get(), buffer, size, encoding));
+        EXPECT_EQ(std::count(std::begin(buffer), std::end(buffer), 0xAA), 400) << size;
     }
+    EXPECT_FALSE(CFStringGetPascalString(string(u"a中").get(), buffer, 8, kRoman));
+    EXPECT_EQ(buffer[0], 0) << "the encoding lacks a character";
 }
-
-TEST(PascalStrings, AreEmptyWhenTheEncodingLacksACharacter) {
-    unsigned char buffer[8] = {9};
-    EXPECT_FALSE(CFStringGetPascalString(string(u"a\u4E2D").get(), buffer, 8, kCFStringEncodingMacRoman));
-    EXPECT_EQ(buffer[0], 0);
-}
-
-struct CTextCase {
-    std::u16string_view text;
-    CFIndex size;
-    CFStringEncoding encoding;
-    bool isWritten;
-    char firstByte;  ///< '~' where the buffer stays untouched
-};
 
 TEST(CStrings, AreWholeOrEmpty) {
-    const CTextCase cases[] = {
-        {u"abc", 4, kCFStringEncodingASCII, true, 'a'},
-        {u"abc", 3, kCFStringEncodingASCII, false, '\0'},
-        {u"abc", 0, kCFStringEncodingASCII, false, '~'},
-        {u"", 1, kCFStringEncodingASCII, true, '\0'},
-        {u"caf\u00E9", 16, kCFStringEncodingASCII, false, '\0'},
-        {u"\u4E2D", 16, kCFStringEncodingMacRoman, false, '\0'},
-        {u"e\u0301", 16, kCFStringEncodingMacRoman, false, '\0'},
-        {u"caf\u00E9", 6, kCFStringEncodingUTF8, true, 'c'},
-        {u"caf\u00E9", 5, kCFStringEncodingUTF8, false, '\0'},
-        {u"\xD800", 16, kCFStringEncodingUTF8, false, '\0'},
-        {u"a", 16, 0x7777, false, '\0'},
+    struct Row {
+        std::u16string_view text;
+        CFIndex size;
+        CFStringEncoding encoding;
+        bool isWritten;
+        char firstByte;  ///< '~' where the buffer stays untouched
     };
-    for (const CTextCase& row : cases) {
+    const auto cases = table(Row{u"abc", 4, kAscii, true, 'a'}, Row{u"abc", 3, kAscii, false, '\0'},
+                             Row{u"abc", 0, kAscii, false, '~'}, Row{u"", 1, kAscii, true, '\0'},
+                             Row{u"café", 16, kAscii, false, '\0'}, Row{u"中", 16, kRoman, false, '\0'},
+                             Row{u"e\u0301", 16, kRoman, false, '\0'}, Row{u"café", 6, kUtf8, true, 'c'},
+                             Row{u"café", 5, kUtf8, false, '\0'}, Row{u"\xD800", 16, kUtf8, false, '\0'},
+                             Row{u"a", 16, kUnknown, false, '\0'});
+    for (const auto& row : cases) {
         char buffer[16] = "~~~~~~~~~~~~~~~";
-        const bool isWritten =
-            CFStringGetCString(string(row.text).get(), buffer, row.size, row.encoding) != 0;
-        EXPECT_EQ(isWritten, row.isWritten) << ::testing::PrintToString(row.text) << row.size;
-        EXPECT_EQ(buffer[0], row.firstByte) << ::testing::PrintToString(row.text) << row.size;
+        EXPECT_EQ(CFStringGetCString(string(row.text).get(), buffer, row.size, row.encoding) != 0,
+                  row.isWritten)
+            << PrintToString(row.text) << row.size;
+        EXPECT_EQ(buffer[0], row.firstByte) << PrintToString(row.text) << row.size;
     }
 }
-
-struct BytesCase {
-    std::u16string_view text;
-    CFStringEncoding encoding;
-    UInt8 lossByte;
-    CFIndex capacity;  ///< negative: no buffer, only counting
-    CFIndex units;
-    std::string_view bytes;  ///< what is written, or as many bytes as are counted
-};
 
 TEST(Bytes, StopOrSubstituteWhereTheEncodingOrTheBufferEnds) {
-    const BytesCase cases[] = {
-        {u"caf\u00E9", kCFStringEncodingASCII, '?', 32, 4, "caf?"},
-        {u"caf\u00E9", kCFStringEncodingASCII, 0, 32, 3, "caf"},
-        {u"a\u4E2Db", kCFStringEncodingMacRoman, '?', 32, 3, "a?b"},
-        {u"a\u4E2Db", kCFStringEncodingMacRoman, 0, 32, 1, "a"},
-        {u"\U0001F600x", kCFStringEncodingMacRoman, '?', 32, 3, "?x"},
-        {u"\U0001F600x", kCFStringEncodingASCII, '?', 32, 3, "\?\?x"},
-        {u"\u2019\u2026", kCFStringEncodingASCII, '?', 32, 2, "\?\?"},
-        {u"abcdef", kCFStringEncodingASCII, 0, 3, 3, "abc"},
-        {u"abcdef", kCFStringEncodingASCII, 0, -1, 6, "abcdef"},
-        {u"caf\u00E9", kCFStringEncodingUTF8, 0, 4, 3, "caf"},
-        {u"\u4E2D\u00E9", kCFStringEncodingUTF8, 0, 32, 2, "\xE4\xB8\xAD\xC3\xA9"},
-        {u"ab", kCFStringEncodingUTF8, 0, 1, 1, "a"},
-        {u"\U0001F600", kCFStringEncodingUTF8, 0, 4, 2, "\xF0\x9F\x98\x80"},
-        {u"\u20ACA", kCFStringEncodingUTF16BE, 0, 3, 1, "\x20\xAC"},
-        {u"\u20ACA", kCFStringEncodingUTF16LE, 0, 2, 1, "\xAC\x20"},
-        {u"\u20AC\u00E9", kCFStringEncodingWindowsLatin1, 0, 32, 2, "\x80\xE9"},
-        {u"abc", 0x7777, '?', 32, 0, ""},
+    const struct {
+        std::u16string_view text;
+        CFStringEncoding encoding;
+        UInt8 lossByte;
+        CFIndex capacity;  ///< negative: no buffer, only counting
+        CFIndex units;
+        std::string_view bytes;  ///< what is written, or as many bytes as are counted
+    } cases[] = {
+        {u"ab", kUtf8, 0, 1, 1, "a"},          {u"€A", kLittle, 0, 2, 1, "\xAC\x20"},
+        {u"a中b", kRoman, 0, 32, 1, "a"},      {u"abcdef", kAscii, 0, -1, 6, "abcdef"},
+        {u"café", kUtf8, 0, 4, 3, "caf"},      {u"€é", kWindows, 0, 32, 2, "\x80\xE9"},
+        {u"café", kAscii, 0, 32, 3, "caf"},    {u"\U0001F600x", kRoman, '?', 32, 3, "?x"},
+        {u"€A", kBig, 0, 3, 1, "\x20\xAC"},    {u"\U0001F600x", kAscii, '?', 32, 3, "\?\?x"},
+        {u"abc", kUnknown, '?', 32, 0, ""},    {u"\u2019\u2026", kAscii, '?', 32, 2, "\?\?"},
+        {u"a中b", kRoman, '?', 32, 3, "a?b"},  {u"中é", kUtf8, 0, 32, 2, "\xE4\xB8\xAD\xC3\xA9"},
+        {u"abcdef", kAscii, 0, 3, 3, "abc"},   {u"\U0001F600", kUtf8, 0, 4, 2, "\xF0\x9F\x98\x80"},
+        {u"café", kAscii, '?', 32, 4, "caf?"},
     };
-    for (const BytesCase& row : cases) {
+    for (const auto& row : cases) {
         const auto text = string(row.text);
-        UInt8 buffer[32];
+        char buffer[32];
         CFIndex used = -1;
-        const CFIndex converted =
-            CFStringGetBytes(text.get(), CFRangeMake(0, CFStringGetLength(text.get())), row.encoding,
-                             row.lossByte, 0, row.capacity < 0 ? nullptr : buffer, row.capacity, &used);
-        const auto name = ::testing::PrintToString(row.text);
-        EXPECT_EQ(converted, row.units) << name;
-        ASSERT_EQ(used, static_cast<CFIndex>(row.bytes.size())) << name;
-        if (row.capacity >= 0) {
-            EXPECT_EQ(std::string_view(reinterpret_cast<char*>(buffer), row.bytes.size()), row.bytes) << name;
-        }
+        EXPECT_EQ(CFStringGetBytes(
+                      text.get(), CFRangeMake(0, CFStringGetLength(text.get())), row.encoding, row.lossByte,
+                      0, row.capacity < 0 ? nullptr : reinterpret_cast<UInt8*>(buffer), row.capacity, &used),
+                  row.units)
+            << PrintToString(row.text);
+        ASSERT_EQ(used, static_cast<CFIndex>(row.bytes.size())) << PrintToString(row.text);
+        EXPECT_TRUE(row.capacity < 0 || row.bytes == std::string_view(buffer, row.bytes.size())) << row.bytes;
     }
 }
 
-TEST(Bytes, OfARangeWithAByteOrderMarkReadBackAlike) {
+TEST(Bytes, HaveTheirByteOrderMarkWholeOrNotAtAll) {
     const auto text = string(u"xNote \u266Dy");
-    UInt8 buffer[32];
-    CFIndex used = 0;
-    EXPECT_EQ(
-        CFStringGetBytes(text.get(), CFRangeMake(1, 6), kCFStringEncodingUTF16, 0, 1, buffer, 32, &used), 6);
-    ASSERT_EQ(used, 14);
-    const std::string_view bytes(reinterpret_cast<char*>(buffer), 14);
-    EXPECT_EQ(units(decoded(bytes, kCFStringEncodingUTF16, true)), u"Note \u266D");
-}
-
-TEST(Bytes, HaveNoRoomForHalfAByteOrderMark) {
-    UInt8 buffer[2] = {7, 7};
+    UInt8 buffer[32] = {7};
     CFIndex used = -1;
-    EXPECT_EQ(CFStringGetBytes(CFSTR("a"), CFRangeMake(0, 1), kCFStringEncodingUTF16, 0, 1, buffer, 1, &used),
-              0);
+    EXPECT_EQ(CFStringGetBytes(text.get(), CFRangeMake(1, 6), kUtf16, 0, 1, buffer, 1, &used), 0);
     EXPECT_EQ(used, 0);
     EXPECT_EQ(buffer[0], 7);
+    EXPECT_EQ(CFStringGetBytes(text.get(), CFRangeMake(1, 6), kUtf16, 0, 1, buffer, 32, &used), 6);
+    ASSERT_EQ(used, 14);
+    EXPECT_EQ(units(decoded({reinterpret_cast<char*>(buffer), 14}, kUtf16, true)), u"Note \u266D");
 }
 
 TEST(MaximumSize, HoldsForTheWorstText) {
-    EXPECT_EQ(CFStringGetMaximumSizeForEncoding(10, kCFStringEncodingMacRoman), 10);
-    EXPECT_GE(CFStringGetMaximumSizeForEncoding(10, kCFStringEncodingUTF8), 30);
-    EXPECT_GE(CFStringGetMaximumSizeForEncoding(10, kCFStringEncodingUTF16), 20);
-    EXPECT_EQ(CFStringGetMaximumSizeForEncoding(10, 0x7777), kCFNotFound);
+    EXPECT_EQ(CFStringGetMaximumSizeForEncoding(10, kRoman), 10);
+    EXPECT_GE(CFStringGetMaximumSizeForEncoding(10, kUtf8), 30);
+    EXPECT_GE(CFStringGetMaximumSizeForEncoding(10, kUtf16), 20);
+    EXPECT_EQ(CFStringGetMaximumSizeForEncoding(10, kUnknown), kCFNotFound);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <stdlib.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -24,6 +25,13 @@ template <class Ref>
 using Held = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
 using HeldString = Held<CFStringRef>;
 
+using ::testing::PrintToString;
+
+template <class... Rows>
+auto table(Rows... rows) {
+    return std::array{rows...};
+}
+
 inline HeldString string(std::u16string_view units) {
     const std::basic_string<UniChar> copy(units.begin(), units.end());
     return HeldString(
@@ -32,9 +40,7 @@ inline HeldString string(std::u16string_view units) {
 
 /// The units of a string; the word NULL in angle brackets for a null one.
 inline std::u16string units(CFStringRef text) {
-    if (text == nullptr) {
-        return u"<NULL>";
-    }
+    if (text == nullptr) return u"<NULL>";
     std::basic_string<UniChar> buffer(static_cast<std::size_t>(CFStringGetLength(text)), 0);
     CFStringGetCharacters(text, CFRangeMake(0, CFStringGetLength(text)), buffer.data());
     return {buffer.begin(), buffer.end()};
@@ -61,6 +67,14 @@ inline std::string pathOf(const Held<CFURLRef>& address) {
     const bool isWritten =
         address && CFURLGetFileSystemRepresentation(address.get(), 1, buffer, sizeof buffer) != 0;
     return isWritten ? reinterpret_cast<const char*>(buffer) : "<NULL>";
+}
+
+constexpr const char* kTable = "Contents/Resources/Localizable.strings";
+constexpr std::u16string_view kMiss = u"<miss>";
+
+/// One pair of an XML property list.
+inline std::string entry(const std::string& key, const std::string& text) {
+    return "<key>" + key + "</key><string>" + text + "</string>";
 }
 
 inline std::string xmlPropertyList(std::string_view pairs) {

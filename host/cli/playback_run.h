@@ -1,0 +1,44 @@
+// What becomes of the music that the plug-in asks to be played: a MIDI file, sound, or both.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/exit_code.h"
+#include "cli/options.h"
+#include "cli/player.h"
+#include "cli/selection.h"
+#include "engine/document.h"
+#include "engine/performance.h"
+#include "engine/playback_list.h"
+#include "engine/problem.h"
+
+namespace rovescio::cli {
+
+class PlaybackRun {
+  public:
+    // Finds out before any work whether what the options ask for is possible here.
+    static engine::Result<PlaybackRun> prepare(const Options& options);
+
+    // Makes the music and writes the MIDI file if one is wanted.
+    engine::Result<engine::Done> write(const engine::Document& document,
+                                       const engine::Performance& performance,
+                                       const engine::PlaybackRequest& request, const Selection& selection);
+    // Tells of it, and plays if that is wanted.
+    [[nodiscard]] ExitCode play(bool quiet) const;
+
+  private:
+    PlaybackRun(std::string midiFile, std::optional<Player> player)
+        : midiFile_(std::move(midiFile)), player_(std::move(player)) {}
+
+    std::string midiFile_;
+    std::optional<Player> player_;
+    std::string bytes_;
+    std::string heard_;  // which notes, for the user
+    std::vector<std::string> notices_;
+};
+
+}  // namespace rovescio::cli

@@ -1,0 +1,16 @@
+// What stands in the way of a retrograde, and where.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/selection.h"
+#include "engine/session.h"
+
+namespace rovescio::cli {
+
+// One line for each place of the selection, in the order of staves and measures: "measure 3, staff 1: ...".
+// The frames are looked at as the plug-in sees them, those of hidden layers too.
+std::vector<std::string> retrogradeObstacles(engine::Session& session, const Selection& selection);
+
+}  // namespace rovescio::cli

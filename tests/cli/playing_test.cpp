@@ -1,0 +1,172 @@
+// Whole runs of the program that play music or write it as a MIDI file.
+#include <array>
+#include <cstdint>
+#include <optional>
+
+#include "cli/transformation_run.h"
+#include "cli/workplace.h"
+#include "musicxml/score_builder.h"
+#include "playback/heard.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using rovescio::test::hear;
+using rovescio::test::note;
+using rovescio::test::ProgramRun;
+using rovescio::test::scoreOf;
+
+class Playing : public rovescio::test::Workplace {
+  protected:
+    void SetUp() override {
+        Workplace::SetUp();
+        write("score.musicxml", scoreOf({note("c4:w"), note("d4:w"), note("e4:w")}));
+    }
+    // A synthesiser that keeps what it is given, and what it does then.
+    void install(const std::string& afterwards) const {
+        fs::create_directory(path("bin"));
+        write("bin/fluidsynth",
+              "#!/bin/bash\nprintf '%s ' \"${@:1:4}\" > played.txt\ncat \"$5\" > played.mid\n" + afterwards);
+        fs::permissions(path("bin/fluidsynth"), fs::perms::owner_all);
+        write("font.sf2", "");
+    }
+    const std::string kInstalled = "PATH=\"$PWD/bin:$PATH\" ROVESCIO_SOUND_FONT=font.sf2 ";
+};
+
+TEST_F(Playing, WritesTheSelectionAsMidi) {
+    const struct {
+        const char* options;
+        const char* heard;
+        const char* said;
+    } cases[] = {
+        {"", "0+4:60 4+4:62 8+4:64", "MIDI of 3 notes in all measures -> out.mid\n"},
+        {"--measures 2-3", "0+4:62 4+4:64", "MIDI of 2 notes in measures 2-3 -> out.mid\n"},
+        {"--measures 2 --transpose 'up P5' -o new.musicxml", "0+4:69",
+         "transposed 1 note in measure 2 -> new.musicxml\nrovescio: MIDI of 1 note in measure 2 -> "
+         "out.mid\n"},
+        {"--invert diatonic --axis D4", "0+4:64 4+4:62 8+4:60",
+         "MIDI of 3 notes in all measures -> out.mid\n"},
+    };
+    for (const auto& c : cases) {
+        const ProgramRun run = this->run(std::string("rovescio score.musicxml --midi out.mid ") + c.options);
+        EXPECT_EQ(run.code, 0) << c.options;
+        EXPECT_EQ(run.err, std::string("rovescio: ") + c.said) << c.options;
+        EXPECT_EQ(hear(read("out.mid")).notes(), c.heard) << c.options;
+    }
+    EXPECT_EQ(pitches(read("new.musicxml")), "| C4 | A4 | E4");
+    EXPECT_EQ(hear(this->run("rovescio -q score.musicxml --midi -").out).notes(), "0+4:60 4+4:62 8+4:64");
+}
+
+// Staves that do not stand together are asked for one after the other, and heard at once.
+TEST_F(Playing, PlaysJustWhatThePlugInAsksFor) {
+    const ProgramRun run = this->run("rovescio greensleeves.musicxml --midi all.mid --trace");
+    EXPECT_EQ(run.code, 0);
+    EXPECT_NE(run.err.find("SX_Playback(startMeasure=1, endMeasure=9, reserved=0, staffList=65529)"),
+              std::string::npos);
+    std::string three;
+    std::string parts;
+    for (const char* id : {"A", "B", "C"}) {
+        three += std::string("<score-part id=\"") + id + "\"><part-name>" + id + "</part-name></score-part>";
+        parts += std::string("<part id=\"") + id + "\"><measure number=\"1\">" +
+                 note(std::string(1, static_cast<char>(id[0] - 'A' + 'c')) + "4:q") + "</measure></part>";
+    }
+    write("three.musicxml",
+          "<score-partwise><part-list>" + three + "</part-list>" + parts + "</score-partwise>");
+    ASSERT_EQ(this->run("rovescio three.musicxml --staves 1,3 --octaves 1 --midi two.mid").code, 0);
+    const auto heard = hear(read("two.mid"));
+    EXPECT_EQ(heard.tracks.at(1).name + heard.tracks.at(2).name + heard.notes(), "AC0+4:72 0+4:76");
+}
+
+TEST_F(Playing, HandsTheMusicToTheSynthesiser) {
+    install("");
+    ProgramRun run = this->run(kInstalled + "rovescio score.musicxml --measures 2 --play");
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.err, "rovescio: playing 1 note in measure 2; Ctrl-C stops\n");
+    EXPECT_EQ(read("played.txt"), "-q -n -i font.sf2 ");
+    EXPECT_EQ(hear(read("played.mid")).notes(), "0+4:62");
+
+    install("echo 'no sound card.' >&2; exit 3");
+    run = this->run(kInstalled + "rovescio -q score.musicxml --play");
+    EXPECT_EQ(run.code, 4);
+    EXPECT_EQ(run.err,
+              "rovescio: FluidSynth could not play (status 3): no sound card. Check that sound works here, "
+              "or write a "
+              "MIDI file with --midi\n");
+
+    install("trap 'touch stopped; exit' TERM; touch started; while :; do sleep 0.01; done");
+    run = this->run(kInstalled +
+                    "rovescio -q score.musicxml --play & while [ ! -e started ]; do sleep 0.01; done; "
+                    "kill -TERM $!; wait $!");
+    EXPECT_EQ(run.code, 130);
+    EXPECT_TRUE(fs::exists(path("stopped")));
+}
+
+TEST_F(Playing, RefusesWhatCannotBeDone) {
+    write("taken.mid", "old");
+    fs::create_hard_link(path("score.musicxml"), path("same.mid"));
+    const auto before = names();
+    const struct {
+        const char* options;
+        int code;
+        const char* said;
+    } cases[] = {
+        {"score.musicxml --midi score.musicxml", 2, "would replace the score itself"},
+        {"score.musicxml --midi same.mid", 2, "would replace the score itself"},
+        {"score.musicxml --midi new.x -o new.x --steps 1", 2, "name the same file"},
+        {"score.musicxml --midi - -o - --steps 1", 2, "cannot both be standard output"},
+        {"score.musicxml --midi a.mid -o new.musicxml", 2, "nothing to change for -o"},
+        {"score.musicxml greensleeves.musicxml --midi a.mid", 2, "for one score"},
+        {"score.musicxml --midi a.mid --info", 2, "--info shows scores"},
+        {"score.musicxml --midi nowhere/a.mid -o new.musicxml --steps 1", 4,
+         "nowhere/a.mid: cannot be written"},
+        {"score.musicxml --midi /dev/full -o new.musicxml --steps 1", 4, "/dev/full: cannot be written"},
+        {"score.musicxml --measures 9 --midi taken.mid", 1, "there is no measure 9"},
+        {"score.musicxml --invert chromatic --axis C4 --midi-port X -o new.musicxml", 2, "for --axis midi"},
+        {"score.musicxml --invert chromatic --axis midi --midi-port 'No such port' -o new.musicxml", 3,
+         "MIDI"},
+    };
+    for (const auto& c : cases) {
+        const ProgramRun run = this->run(std::string("rovescio ") + c.options);
+        EXPECT_EQ(run.code, c.code) << c.options;
+        EXPECT_NE(run.err.find(c.said), std::string::npos) << c.options << "\n" << run.err;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_EQ(names(), before) << c.options;
+    }
+    EXPECT_EQ(read("taken.mid"), "old");
+    EXPECT_NE(this->run("PATH=/nowhere \"$(command -v rovescio)\" score.musicxml --play")
+                  .err.find("apt install fluidsynth"),
+              std::string::npos);
+    install("");
+    const ProgramRun run =
+        this->run(kInstalled + "ROVESCIO_SOUND_FONT=none.sf2 rovescio score.musicxml --play");
+    EXPECT_EQ(run.code, 4);
+    EXPECT_NE(run.err.find("no sound font"), std::string::npos);
+}
+
+// The note that the dialog hears becomes the axis; a user who plays none cancels.
+TEST_F(Playing, TakesTheAxisFromMidi) {
+    using namespace rovescio::cli;
+    using rovescio::dialogs::Inversion;
+    const std::string home = PROGRAM_FOLDER;
+    for (const bool plays : {true, false}) {
+        auto score = rovescio::test::open(scoreOf({note("f4:q")}));
+        rovescio::dialogs::Transformation transformation;
+        transformation.inversion = Inversion{.kind = Inversion::Kind::chromatic, .axisIsPlayed = true};
+        const RunOptions options{.engineBundle = home + "/NotationEngine.bundle",
+                                 .pluginBundle = home + "/Rovescio.bundle",
+                                 .quiet = true,
+                                 .faults = {},
+                                 .midiInput = [&]() -> std::optional<std::array<std::uint8_t, 3>> {
+                                     if (!plays) return std::nullopt;
+                                     return std::array<std::uint8_t, 3>{0x93, 66, 80};
+                                 }};
+        const auto selection = select(score.document, {});
+        const TransformationOutcome outcome =
+            transform(score.document, selection.value(), transformation, options);
+        EXPECT_EQ(outcome.code, plays ? ExitCode::ok : ExitCode::cancelled);
+        EXPECT_EQ(pitches(score.written()), plays ? "| F##4" : "| F4")
+            << "mirrored at F sharp, or not at all";
+    }
+}
+
+}  // namespace

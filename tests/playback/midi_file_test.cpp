@@ -1,0 +1,272 @@
+// Scores brought to sound: what MIDI files of small scores let hear, against what a musician would expect.
+#include "playback/midi_file.h"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+#include "musicxml/score_builder.h"
+#include "playback/heard.h"
+
+namespace {
+
+using rovescio::engine::PlaybackRequest;
+using rovescio::test::backup;
+using rovescio::test::chordNote;
+using rovescio::test::hear;
+using rovescio::test::HeardFile;
+using rovescio::test::kCommonAttributes;
+using rovescio::test::note;
+using rovescio::test::scoreOf;
+using rovescio::test::voice;
+
+// All measures of all staves, unless the request names some.
+HeardFile heardOf(const std::string& score, PlaybackRequest request = {0, 0, {}},
+                  std::array<bool, 4> layers = {true, true, true, true}) {
+    const rovescio::test::OpenScore open = rovescio::test::open(score);
+    if (request.startMeasure == 0) request.startMeasure = 1;
+    if (request.endMeasure == 0) request.endMeasure = open.document.measureCount();
+    if (request.staves.empty()) {
+        request.staves.resize(static_cast<std::size_t>(open.document.staffCount()));
+        std::iota(request.staves.begin(), request.staves.end(), short{1});
+    }
+    const auto file =
+        rovescio::playback::makeMidiFile(open.document, open.file.performance(), request, layers);
+    EXPECT_TRUE(file.ok());
+    return hear(file.value().bytes);
+}
+
+std::string direction(const std::string& type, const std::string& more = "") {
+    return "<direction><direction-type>" + type + "</direction-type>" + more + "</direction>";
+}
+std::string dynamics(const std::string& mark, const std::string& more = "") {
+    return direction("<dynamics><" + mark + "/></dynamics>", more);
+}
+std::string wedge(const std::string& type) {
+    return direction("<wedge type=\"" + type + "\"/>");
+}
+
+const std::string kTieStart = "<tie type=\"start\"/>";
+const std::string kTieStop = "<tie type=\"stop\"/>";
+const std::string kGraceC5 =
+    "<note><grace/><pitch><step>C</step><octave>5</octave></pitch><type>eighth</type></note>";
+const std::string kTriplet =
+    "<time-modification><actual-notes>3</actual-notes><normal-notes>2</normal-notes></time-modification>";
+const std::string kTransposed =
+    "<attributes><divisions>4</divisions><key><fifths>2</fifths></key><time><beats>2</beats><beat-type>4"
+    "</beat-type></time><transpose><diatonic>-1</diatonic><chromatic>-2</chromatic><octave-change>-1"
+    "</octave-change></transpose></attributes>";
+
+std::string tupletNote(int actual, int duration) {
+    return "<note><pitch><step>C</step><octave>4</octave></pitch><duration>" + std::to_string(duration) +
+           "</duration><type>quarter</type><time-modification><actual-notes>" + std::to_string(actual) +
+           "</actual-notes><normal-notes>4</normal-notes></time-modification></note>";
+}
+
+TEST(MidiFileTest, NotesSoundWhenAndAsLongAsWritten) {
+    const std::string grace = kGraceC5;
+    const std::string tiedGrace = "<note><grace/><pitch><step>E</step><octave>4</octave></pitch>" +
+                                  kTieStart + "<type>eighth</type></note>";
+    const struct {
+        const char* what;
+        std::vector<std::string> measures;
+        std::string attributes;
+        const char* heard;
+    } cases[] = {
+        {"a tie over the barline, and a note of the chord without one",
+         {note("c4:w", kTieStart) + chordNote("e4:w"), note("c4:h", kTieStop) + note("e4:h")},
+         kCommonAttributes,
+         "0+6:60 0+4:64 6+2:64"},
+        {"a tie of three notes, struck again without one; a tie that leads nowhere",
+         {note("c4:q", kTieStart) + note("c4:q", kTieStop + kTieStart) + note("c4:q", kTieStop) +
+          note("c4:q", kTieStart)},
+         kCommonAttributes,
+         "0+3:60 3+1:60"},
+        {"a tie into another voice",
+         {voice("1", "c5:h e5:h") + backup(4) + voice("2", "r:h") + voice("2", "g4:h", kTieStart),
+          voice("1", "g4:h", kTieStop) + voice("1", "r:h")},
+         kCommonAttributes,
+         "0+2:72 2+4:67 2+2:76"},
+        {"a short measure is as long as what it holds",
+         {note("c4:q"), note("d4:q")},
+         kCommonAttributes,
+         "0+1:60 1+1:62"},
+        {"an instrument in B flat, an octave down", {note("d5:h")}, kTransposed, "0+2:60"},
+        {"grace notes take from the note before and leave the beat alone",
+         {note("g4:h") + grace + grace + note("a4:h")},
+         kCommonAttributes,
+         "0+1.75:67 1.75+0.125:72 1.875+0.125:72 2+2:69"},
+        {"at most half of it",
+         {note("g4:s") + grace + grace + note("a4:h")},
+         kCommonAttributes,
+         "0+0.125:67 0.125+0.0625:72 0.1875+0.0625:72 0.25+2:69"},
+        {"from what follows at the start; not from a rest or a tied note",
+         {grace + note("g4:q") + note("r:q") + grace + note("a4:h", kTieStart),
+          grace + note("a4:w", kTieStop)},
+         kCommonAttributes,
+         "0+0.125:72 0.125+0.875:67 1.875+0.125:72 2+6:69 3.875+0.125:72"},
+        {"after-graces at the end; one that is tied to the chord after it",
+         {note("g4:w") + grace, note("r:h") + tiedGrace + grace + note("e4:h", kTieStop)},
+         kCommonAttributes,
+         "0+3.875:67 3.875+0.125:72 5.75+2.25:64 5.875+0.125:72"},
+        {"what is too low for MIDI sounds an octave higher",
+         {note("c-1:w") + note("b-2:w")},
+         kCommonAttributes,
+         "0+4:0 4+4:11"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(heardOf(scoreOf(c.measures, c.attributes)).notes(), c.heard) << c.what;
+    }
+}
+
+// Ticks that make all times whole, and so lengths that add up.
+TEST(MidiFileTest, TupletsAreExact) {
+    const auto attributes = [](int divisions) {
+        return "<attributes><divisions>" + std::to_string(divisions) + "</divisions></attributes>";
+    };
+    const struct {
+        int actual;
+        int ticks;
+    } cases[] = {{4, 960}, {5, 960}, {6, 960}, {7, 959}, {11, 957}, {13, 949}, {1021, 1021}};
+    for (const auto& c : cases) {
+        std::string measure;
+        for (int i = 0; i < c.actual; ++i) measure += tupletNote(c.actual, 4);
+        const HeardFile file = heardOf(scoreOf({measure, note("c4:q")}, attributes(c.actual)));
+        EXPECT_EQ(file.ticksPerQuarter % c.ticks, 0) << c.actual << " in " << file.ticksPerQuarter;
+        const auto& notes = file.tracks.at(1).notes;
+        ASSERT_EQ(notes.size(), static_cast<std::size_t>(c.actual) + 1);
+        EXPECT_DOUBLE_EQ(notes.back().start, 4) << c.actual;
+        for (int i = 0; i < c.actual; ++i) {
+            EXPECT_DOUBLE_EQ(notes[static_cast<std::size_t>(i)].start, 4.0 * i / c.actual) << c.actual;
+        }
+    }
+}
+
+TEST(MidiFileTest, LoudnessFollowsMarksAndHairpins) {
+    const std::string four = note("c4:q") + note("c4:q") + note("c4:q") + note("c4:q");
+    const auto spread = [](const std::string& a, const std::string& b, const std::string& c,
+                           const std::string& d) {
+        return a + note("c4:q") + b + note("c4:q") + c + note("c4:q") + d + note("c4:q");
+    };
+    const struct {
+        const char* what;
+        std::vector<std::string> measures;
+        std::vector<int> velocities;
+    } cases[] = {
+        {"mezzo-forte before any mark; a mark holds",
+         {four, dynamics("p") + four},
+         {80, 80, 80, 80, 49, 49, 49, 49}},
+        {"the file's own number wins", {dynamics("p", "<sound dynamics=\"50\"/>") + four}, {45, 45, 45, 45}},
+        {"an accent is for its note alone",
+         {spread(dynamics("p"), dynamics("sfz"), "", dynamics("fp"))},
+         {49, 112, 49, 96}},
+        {"what a fortepiano leaves", {spread(dynamics("f"), dynamics("fp"), "", "")}, {96, 96, 49, 49}},
+        {"straight from mark to mark",
+         {dynamics("p") + wedge("crescendo") + four, wedge("stop") + dynamics("f") + four},
+         {49, 61, 73, 84, 96, 96, 96, 96}},
+        {"one grade where no mark tells more, and it stays",
+         {dynamics("f") + spread(wedge("diminuendo"), "", wedge("stop"), "")},
+         {96, 88, 80, 80}},
+        {"a mark of the other direction is no goal",
+         {dynamics("mf") + spread(wedge("crescendo"), "", wedge("stop") + dynamics("p"), "")},
+         {80, 88, 49, 49}},
+        {"a mark inside cuts the hairpin",
+         {dynamics("p") + spread(wedge("crescendo"), "", dynamics("f"), wedge("stop"))},
+         {49, 73, 96, 96}},
+    };
+    for (const auto& c : cases) {
+        std::vector<int> velocities;
+        for (const auto& heard : heardOf(scoreOf(c.measures)).tracks.at(1).notes)
+            velocities.push_back(heard.velocity);
+        EXPECT_EQ(velocities, c.velocities) << c.what;
+    }
+}
+
+TEST(MidiFileTest, TemposAndSignaturesStandWhereTheyChange) {
+    const std::string metronome = direction(
+        "<metronome><beat-unit>quarter</beat-unit><beat-unit-dot/><per-minute>c. "
+        "40</per-minute></metronome>");
+    const std::string threeEight =
+        "<attributes><time><beats>3</beats><beat-type>8</beat-type></time></attributes>";
+    const std::vector<std::string> measures = {
+        "<sound tempo=\"100\"/>" + note("c4:h") + metronome + note("c4:h"),
+        threeEight +
+            direction("<words>Presto</words>", "<offset sound=\"yes\">2</offset><sound tempo=\"150\"/>") +
+            note("c4:e") + note("c4:q"),
+        note("c4:q") + note("c4:e")};
+    using Events = std::vector<std::string>;
+    const HeardFile all = heardOf(scoreOf(measures));
+    EXPECT_EQ(all.format, 1);
+    EXPECT_EQ(all.end, 7);
+    EXPECT_EQ(all.tracks.at(0).events,
+              (Events{"0 tempo 600000", "0 4/4", "0 key 0", "2 tempo 1000000", "4 3/8", "4.5 tempo 400000"}));
+    EXPECT_EQ(heardOf(scoreOf(measures), {3, 3, {}}).tracks.at(0).events,
+              (Events{"0 tempo 400000", "0 3/8", "0 key 0"}))
+        << "what was in force before holds at the start";
+    EXPECT_EQ(heardOf(scoreOf({note("d5:h")}, kTransposed)).tracks.at(0).events,
+              (Events{"0 tempo 500000", "0 2/4", "0 key 0"}))
+        << "D major for an instrument in B flat sounds in C";
+}
+
+// Two staves of a piano and a drummer who changes instruments.
+TEST(MidiFileTest, PlaysTheStavesAskedForWithTheirSounds) {
+    const std::string score =
+        "<score-partwise><work><work-title>Duo</work-title></work><part-list>"
+        "<score-part id=\"P1\"><part-name>Organ</part-name><score-instrument id=\"I1\"/><midi-instrument "
+        "id=\"I1\">"
+        "<midi-channel>1</midi-channel><midi-program>20</midi-program></midi-instrument></score-part>"
+        "<score-part id=\"P2\"><part-name>Drums</part-name><score-instrument id=\"D1\"/><score-instrument "
+        "id=\"D2\"/>"
+        "<score-instrument id=\"D3\"/>"
+        "<midi-instrument id=\"D1\"><midi-unpitched>36</midi-unpitched></midi-instrument>"
+        "<midi-instrument id=\"D2\"><midi-unpitched>43</midi-unpitched></midi-instrument>"
+        "<midi-instrument id=\"D3\"><midi-program>15</midi-program></midi-instrument></score-part>"
+        "</part-list><part id=\"P1\"><measure "
+        "number=\"1\"><attributes><divisions>4</divisions><staves>2</staves>"
+        "</attributes>" +
+        note("c5:h", "<staff>1</staff>") + note("d5:h", kTieStart + "<staff>1</staff>") + backup(4) +
+        voice("5", "c3:w", "<staff>2</staff>") + "</measure><measure number=\"2\">" +
+        note("d5:h", kTieStop + "<staff>1</staff>") + note("e5:h", "<staff>1</staff>") + backup(4) +
+        voice("2", "g4:w", "<staff>1</staff>") + backup(4) + voice("5", "d3:w", "<staff>2</staff>") +
+        "</measure></part><part id=\"P2\"><measure "
+        "number=\"1\"><attributes><divisions>1</divisions></attributes>"
+        "<note><rest/><duration>4</duration></note></measure><measure number=\"2\">"
+        "<note><unpitched/><duration>1</duration><instrument id=\"D1\"/></note>"
+        "<note><unpitched/><duration>2</duration><instrument id=\"D2\"/></note>"
+        "<note><pitch><step>A</step><octave>4</octave></pitch><duration>1</duration><instrument "
+        "id=\"D3\"/></note>"
+        "</measure></part></score-partwise>";
+    const HeardFile all = heardOf(score);
+    EXPECT_EQ(all.notes(), "0+4:48 0+2:72 2+4:74 4+1:35 4+4:50 4+4:67 5+2:42 6+2:76 7+1:69");
+    ASSERT_EQ(all.tracks.size(), 4U);
+    EXPECT_EQ(all.tracks[0].name + all.tracks[1].name + all.tracks[2].name + all.tracks[3].name,
+              "DuoOrganOrganDrums");
+    EXPECT_EQ(all.tracks[1].events, std::vector<std::string>{"0 channel 0 program 19"});
+    EXPECT_EQ(all.tracks[2].events, std::vector<std::string>{}) << "the same instrument";
+    EXPECT_EQ(all.tracks[3].events, std::vector<std::string>{"0 channel 1 program 14"});
+    EXPECT_EQ(all.tracks[3].notes.front().channel, 9);
+
+    EXPECT_EQ(heardOf(score, {2, 2, {1}}, {true, false, true, true}).notes(), "0+2:74 2+2:76")
+        << "only the staves, measures and layers asked for; a tie from before sounds anew";
+}
+
+// The tenth channel is for percussion, so the tenth instrument takes the next; the seventeenth shares one.
+TEST(MidiFileTest, SharesChannelsWhenThereAreTooFew) {
+    std::string list;
+    std::string parts;
+    for (int i = 1; i <= 17; ++i) {
+        const std::string id = std::to_string(i);
+        list.append("<score-part id=\"P" + id + "\"><part-name/><score-instrument id=\"I" + id +
+                    "\"/><midi-instrument id=\"I" + id + "\"><midi-program>" +
+                    std::to_string(i == 17 ? 3 : i) + "</midi-program></midi-instrument></score-part>");
+        parts.append("<part id=\"P" + id + "\"><measure number=\"1\">" + note("c4:w") + "</measure></part>");
+    }
+    const HeardFile file =
+        heardOf("<score-partwise><part-list>" + list + "</part-list>" + parts + "</score-partwise>");
+    std::vector<int> channels;
+    for (std::size_t i = 1; i < file.tracks.size(); ++i)
+        channels.push_back(file.tracks[i].notes.at(0).channel);
+    EXPECT_EQ(channels, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 10, 11, 12, 13, 14, 15, 15, 2}));
+}
+
+}  // namespace
