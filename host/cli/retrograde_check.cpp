@@ -1,35 +1,60 @@
 // A walk over the frames of the selection for what the check of a retrograde looks for.
 #include "cli/retrograde_check.h"
 
-#include <algorithm>
+#include <array>
+#include <iterator>
+#include <map>
+#include <set>
 #include <span>
+#include <utility>
 
 namespace rovescio::cli {
 
+namespace {
+
+enum Obstacle : std::size_t { kChangeInside, kSecondVoice, kShape };
+constexpr std::array<const char*, 3> kNames = {"the clef or key changes inside the measure",
+                                               "a layer has a second voice",
+                                               "slurs, hairpins or other lines begin or end"};
+
+// "3-5, 8" in the measures' printed numbers.
+std::string ranges(const std::set<short>& measures, const engine::Document& document) {
+    std::string text;
+    for (auto first = measures.begin(); first != measures.end();) {
+        auto last = first;
+        while (std::next(last) != measures.end() && *std::next(last) == *last + 1) ++last;
+        if (!text.empty()) text += ", ";
+        text += document.measure(*first).label;
+        if (last != first) text += "-" + document.measure(*last).label;
+        first = std::next(last);
+    }
+    return text;
+}
+
+}  // namespace
+
 std::vector<std::string> retrogradeObstacles(engine::Session& session, const Selection& selection) {
-    std::vector<std::string> lines;
-    const auto report = [&](const engine::FrameAddress& address, bool layered, const std::string& what) {
-        std::string line = "measure " + session.document.measure(address.measure).label + ", staff " +
-                           std::to_string(address.staff);
-        if (layered) line += ", layer " + std::to_string(address.layer + 1);
-        line += ": " + what;
-        if (std::find(lines.begin(), lines.end(), line) == lines.end()) lines.push_back(std::move(line));
-    };
+    std::map<std::pair<short, std::size_t>, std::set<short>> found;  // measures by staff and kind
     Selection allLayers = selection;
     allLayers.layers.fill(true);
     forEachFrame(allLayers, [&](const EREGION& region, const engine::FrameAddress& address) {
         EXTGF2005a* const frame = session.frames.load(address);
         if (frame == nullptr) return;
-        if (frame->headerWord != 0) report(address, false, "the clef or key changes inside the measure");
+        const auto add = [&](Obstacle kind) { found[{address.staff, kind}].insert(address.measure); };
+        if (frame->headerWord != 0) add(kChangeInside);
         for (const EXENTRY& entry : std::span(frame->entries, static_cast<std::size_t>(frame->entryCount))) {
             if (!contains(region, address, entry.elapsed)) continue;
-            if (entry.entryFlags & ENTRY_VOICE2) report(address, true, "a second voice in the layer");
-            if (entry.updateFlags & ENTRY_HAS_SHAPES) {
-                report(address, true, "a slur, hairpin or other line begins or ends");
-            }
+            if (entry.entryFlags & ENTRY_VOICE2) add(kSecondVoice);
+            if (entry.updateFlags & ENTRY_HAS_SHAPES) add(kShape);
         }
         session.frames.free(frame);
     });
+    std::vector<std::string> lines;
+    for (const auto& [place, measures] : found) {
+        lines.push_back("staff " + std::to_string(place.first) +
+                        (measures.size() == 1 ? ", measure " : ", measures ") +
+                        ranges(measures, session.document) + ": " + kNames[place.second]);
+    }
     return lines;
 }
 

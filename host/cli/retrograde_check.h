@@ -9,8 +9,8 @@
 
 namespace rovescio::cli {
 
-// One line for each place of the selection, in the order of staves and measures: "measure 3, staff 1: ...".
-// The frames are looked at as the plug-in sees them, those of hidden layers too.
+// One line for each kind of obstacle on each staff of the selection: "staff 1, measures 3-5, 8: ...". The
+// frames are looked at as the plug-in sees them, those of hidden layers too.
 std::vector<std::string> retrogradeObstacles(engine::Session& session, const Selection& selection);
 
 }  // namespace rovescio::cli

@@ -10,6 +10,7 @@ namespace {
 // The last byte: these bits, and the silence between them.
 constexpr std::uint8_t kUnpitched = 0x01;
 constexpr std::uint8_t kMarked = 0x08;
+constexpr std::uint8_t kCut = 0x10;
 constexpr unsigned kSilenceShift = 1;
 constexpr unsigned kSilenceMask = 3;
 
@@ -28,6 +29,7 @@ EntryState entryStateIn(const std::uint8_t (&hostPrivate)[6]) {
     state.grace = static_cast<Grace>(hostPrivate[4]);
     state.unpitched = hostPrivate[5] & kUnpitched;
     state.silence = static_cast<Silence>(hostPrivate[5] >> kSilenceShift & kSilenceMask);
+    state.cut = (hostPrivate[5] & kCut) != 0;
     state.marked = (hostPrivate[5] & kMarked) != 0;
     return state;
 }
@@ -40,7 +42,7 @@ void setEntryStateIn(std::uint8_t (&hostPrivate)[6], const EntryState& state) {
     hostPrivate[4] = static_cast<std::uint8_t>(state.grace);
     hostPrivate[5] =
         static_cast<std::uint8_t>(state.unpitched | static_cast<unsigned>(state.silence) << kSilenceShift |
-                                  (state.marked ? kMarked : 0U));
+                                  (state.marked ? kMarked : 0U) | (state.cut ? kCut : 0U));
 }
 
 }  // namespace rovescio::engine

@@ -29,6 +29,7 @@ struct EntryState {
     std::uint8_t unpitched =
         0;  // 1: notes have a place on the staff but no pitch, so their pitch never changes
     Silence silence = Silence::rest;
+    bool cut = false;     // the tie that arrives joins what a barline had cut
     bool marked = false;  // carries more than its notes: lyrics, articulations, ornaments
 
     friend bool operator==(const EntryState&, const EntryState&) = default;

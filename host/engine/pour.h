@@ -34,6 +34,7 @@ struct PourPiece {
     std::int32_t duration = 0;    // note value
     bool continues = false;       // an earlier piece of the item comes before it
     bool continued = false;
+    bool cutBefore = false;   // tied to the piece before by a cut of this rebar or an earlier one
     bool renumbered = false;  // the item's own number belongs to another piece
     bool loose = false;       // a rest that was cut, to be grouped anew
     Silence silence = Silence::rest;

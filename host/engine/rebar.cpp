@@ -169,6 +169,7 @@ class StaffRebar {
             return false;
         }
         layer.pieces = std::move(poured.pieces);
+        findCuts(layer);
         for (const PourPiece& piece : layer.pieces) {
             if (!isSilent(layer.items[piece.item], piece)) markReal(piece.measure, number);
         }
@@ -268,7 +269,7 @@ class StaffRebar {
         }
         if (silent && pieces.size() > 1) pieces.front().loose = true;
         groupRests(pieces, layer.items, metres_[index]);
-        joinTied(layer, index, pieces);
+        joinCut(layer, index, pieces);
         std::size_t bytes = 0;
         for (const PourPiece& piece : pieces) {
             bytes += PackedEntries::bytesFor(layer.items[piece.item].entry->noteCount);
@@ -278,51 +279,74 @@ class StaffRebar {
         layer.frames.push_back(std::move(entries));
     }
 
-    void joinTied(const Layer& layer, std::size_t index, std::vector<PourPiece>& pieces) const {
+    // Joins runs of pieces that are one note, as long as one value can tell them.
+    void joinCut(const Layer& layer, std::size_t index, std::vector<PourPiece>& pieces) const {
         std::vector<PourPiece> joined;
-        for (const PourPiece& piece : pieces) {
-            if (!joined.empty() && isDivided(layer, index, joined.back(), piece)) {
-                PourPiece& whole = joined.back();
-                whole.duration += piece.duration;
-                whole.continued = piece.continued;
-                whole.lastItem = piece.lastItem;
-                const bool firstIsMarked = entryState(*layer.items[whole.item].entry).marked;
-                if (whole.renumbered || !firstIsMarked) {
-                    whole.item = piece.item;
-                    whole.renumbered = false;
-                }
-            } else {
-                joined.push_back(piece);
+        for (std::size_t first = 0; first < pieces.size();) {
+            std::size_t end = first + 1;
+            std::size_t writable = end;
+            std::int32_t duration = pieces[first].duration;
+            for (; end < pieces.size() && areOne(layer, index, pieces[end - 1], pieces[end]); ++end) {
+                duration += pieces[end].duration;
+                if (isWritable(duration, kMaxDots)) writable = end + 1;
             }
+            joined.push_back(pieces[first]);
+            for (std::size_t i = first + 1; i < writable; ++i) join(layer, joined.back(), pieces[i]);
+            first = writable;
         }
         pieces = std::move(joined);
     }
 
-    // Whether two pieces in one measure are one note that only a barline had divided.
-    [[nodiscard]] bool isDivided(const Layer& layer, std::size_t index, const PourPiece& earlier,
-                                 const PourPiece& later) const {
+    static void join(const Layer& layer, PourPiece& whole, const PourPiece& more) {
+        whole.duration += more.duration;
+        whole.continued = more.continued;
+        whole.lastItem = more.lastItem;
+        const bool wholeIsMarked = entryState(*layer.items[whole.item].entry).marked;
+        if (whole.renumbered || (!wholeIsMarked && !more.renumbered)) {
+            whole.item = more.item;
+            whole.renumbered = more.renumbered;
+        }
+    }
+
+    // Whether two pieces of one measure are tied where only a cut had divided them.
+    [[nodiscard]] bool areOne(const Layer& layer, std::size_t index, const PourPiece& earlier,
+                              const PourPiece& later) const {
+        if (!later.cutBefore || later.continues || earlier.continued) return false;
         const StoredEntry& first = *layer.items[earlier.lastItem].entry;
         const StoredEntry& second = *layer.items[later.item].entry;
-        const Origins::Place& to = origins_.of(first);
-        const Origins::Place& from = origins_.of(second);
-        if (earlier.lastItem == later.item || earlier.continued || later.continues) return false;
-        if (layer.items[earlier.lastItem].isRest() || layer.items[later.item].isRest()) return false;
-        const bool wasOne = document_.originOf(first.entryNumber) == document_.originOf(second.entryNumber);
-        const bool barlineBetween = to.entry && from.entry && to.measure != from.measure &&
-                                    (to.index == from.index + 1 || from.index == to.index + 1);
-        if (!wasOne && !barlineBetween) return false;
-        const EntryState one = entryState(*layer.items[earlier.item].entry);
+        const EntryState one = entryState(first);
         const EntryState two = entryState(second);
-        const bool bothMarked = one.marked && two.marked && !earlier.renumbered;
-        if (one.actual != one.normal || two.actual != two.normal || bothMarked) return false;
-        if (one.grace != Grace::none || two.grace != Grace::none) return false;
-        if (!isWritable(earlier.duration + later.duration, wasOne ? kMaxDots : 1)) return false;
+        if (one.actual != two.actual || one.normal != two.normal) return false;
+        if (one.marked && two.marked && !earlier.renumbered) return false;
         const short measure = frame(index, layer.number).measure;
         return std::ranges::equal(first.notes(), second.notes(), [&](const ENOTE& a, const ENOTE& b) {
             return (a.noteFlags & NOTE_TIE_START) != 0 && (b.noteFlags & NOTE_TIE_END) != 0 &&
                    origins_.pitchOf(staff_, first, a, measure) ==
                        origins_.pitchOf(staff_, second, b, measure);
         });
+    }
+
+    // Remembers where ties join the parts of a note that was cut, now or before.
+    void findCuts(Layer& layer) const {
+        const PourPiece* earlier = nullptr;
+        for (PourPiece& piece : layer.pieces) {
+            const PourItem& item = layer.items[piece.item];
+            if (item.aside) continue;
+            const bool sounds = !item.isRest() && entryState(*item.entry).grace == Grace::none;
+            piece.cutBefore =
+                sounds && (piece.continues ||
+                           (earlier != nullptr && wereOne(*layer.items[earlier->item].entry, *item.entry)));
+            earlier = sounds ? &piece : nullptr;
+        }
+    }
+
+    [[nodiscard]] bool wereOne(const StoredEntry& first, const StoredEntry& second) const {
+        if (document_.originOf(first.entryNumber) == document_.originOf(second.entryNumber)) return true;
+        const Origins::Place& to = origins_.of(first);
+        const Origins::Place& from = origins_.of(second);
+        if (!to.entry || !from.entry) return false;
+        return (to.index == from.index + 1 && entryState(*to.entry).cut) ||
+               (from.index == to.index + 1 && entryState(*from.entry).cut);
     }
 
     [[nodiscard]] EXENTRY entryOf(const Layer& layer, std::size_t index, const PourPiece& piece) {
@@ -334,6 +358,7 @@ class StaffRebar {
         entry.elapsed = piece.start.floor();
         EntryState state = entryState(source);
         state.silence = piece.silence;
+        state.cut = piece.cutBefore;
         if (piece.renumbered) state.marked = false;
         setEntryState(entry, state);
         const KeySignature& key = document_.staffMeasure(staff_, measure).key;

@@ -79,13 +79,15 @@ std::string withDivisions(std::string_view attributes, std::int64_t divisions) {
 }  // namespace
 
 MeasureComposer::MeasureComposer(NoteRewriter& rewriter, const MeasureText& text, Lines& lines,
-                                 const engine::Metre& metre, bool severalStaves, VoiceLabels& labels)
+                                 const engine::Metre& metre, bool severalStaves, VoiceLabels& labels,
+                                 std::string cutPrefix)
     : rewriter_(rewriter),
       text_(text),
       lines_(lines),
       metre_(metre),
       severalStaves_(severalStaves),
       labels_(labels),
+      cutPrefix_(std::move(cutPrefix)),
       emitted_(text.items().size()) {}
 
 // A line keeps the label that its first note has in the file, or else the one it had before.
@@ -287,6 +289,8 @@ void MeasureComposer::emitEvent(const Event& event, const Stream& stream, bool c
         NoteShape shape = shapeOf(event, stream, event.notes[i]->text);
         shape.chord = chord || i > 0;
         if (i == 0) shape.groups = &event.member.groups;
+        if (i == 0 && engine::entryState(*event.entry).cut)
+            shape.cutId = cutPrefix_ + std::to_string(++cuts_);
         for (const ENOTE& note : event.entry->notes()) {
             if (note.noteId == i + 1) shape.ties = note.noteFlags & NOTE_TIES;
         }

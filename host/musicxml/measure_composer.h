@@ -47,7 +47,7 @@ using VoiceLabels = std::map<std::tuple<int, short, bool>, std::string>;
 class MeasureComposer {
   public:
     MeasureComposer(NoteRewriter& rewriter, const MeasureText& text, Lines& lines, const engine::Metre& metre,
-                    bool severalStaves, VoiceLabels& labels);
+                    bool severalStaves, VoiceLabels& labels, std::string cutPrefix);
 
     // Divisions of a quarter in the file: in force before the measure as it is written now, in the measure as
     // it was, and whether the latter must be in force again behind it.
@@ -87,6 +87,8 @@ class MeasureComposer {
     engine::Metre metre_;
     bool severalStaves_;
     VoiceLabels& labels_;
+    std::string cutPrefix_;  // of the ids of ties that join cut notes; another one in each measure
+    int cuts_ = 0;
     std::vector<Stream> streams_;
     std::vector<std::string> items_;  // with the divisions that are in force now; empty for one that is gone
     std::vector<bool> emitted_;

@@ -12,6 +12,7 @@
 #include "engine/fraction.h"
 #include "musicxml/measure_composer.h"
 #include "musicxml/measure_text.h"
+#include "musicxml/note_reading.h"
 #include "musicxml/text_walk.h"
 
 namespace rovescio::musicxml {
@@ -211,7 +212,9 @@ class PartRewriter {
             .own = divisionsAt(measure.number),
             .restore = !beforeRewritten && !last};
         MeasureComposer composer(rewriter_, measure.text, measure.lines, {time.duration, time.beat},
-                                 part_.staffCount > 1, voices_);
+                                 part_.staffCount > 1, voices_,
+                                 std::string(kCutId) + std::to_string(part_.firstStaff) + "-" +
+                                     std::to_string(measure.number) + "-");
         const std::string text = composer.compose(divisions);
         divisions_ = composer.divisionsAtEnd();
         edits_.replaceStretch(measure.begin, measure.end, text);

@@ -82,6 +82,7 @@ void readNotations(TreeWalk& walk, NoteReading& note) {
         switch (walk.tagNumber()) {
             case tag("tied"):
                 readTie(walk, note);
+                note.cut |= walk.attribute("id").starts_with(kCutId);
                 break;
             case tag("slur"):
             case tag("glissando"):

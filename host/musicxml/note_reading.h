@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "engine/key_signature.h"
 #include "musicxml/journal.h"
@@ -9,6 +10,10 @@
 #include "musicxml/tree_walk.h"
 
 namespace rovescio::musicxml {
+
+// How the id of a <tied> begins that joins the parts of a note cut at a barline, so that they can be joined
+// again.
+inline constexpr std::string_view kCutId = "rovescio-cut-";
 
 // What a note element says; positions and keys are not its business.
 struct NoteReading {
@@ -18,6 +23,7 @@ struct NoteReading {
     bool rest = true;        // has neither a pitch nor a place on the staff
     bool unpitched = false;  // has a place on the staff only
     bool hasShapes = false;  // a slur, glissando or slide starts or ends here
+    bool cut = false;        // its tie joins what a barline had cut
     bool marked = false;     // carries lyrics, articulations, ornaments or the like
     bool hasDuration = false;
     engine::SpelledPitch pitch;

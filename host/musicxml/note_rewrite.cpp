@@ -283,7 +283,10 @@ void NoteRewriter::addNew() {
 void NoteRewriter::addNotations() {
     std::string added;
     const std::string inner = innerIndentation(indentation_);
-    if (shape_->ties & NOTE_TIE_END) added += inner + tieText("tied", false);
+    if (shape_->ties & NOTE_TIE_END) {
+        const std::string id = shape_->cutId.empty() ? "" : "\" id=\"" + shape_->cutId;
+        added += inner + "<tied type=\"stop" + id + "\"/>";
+    }
     if (shape_->ties & NOTE_TIE_START) added += inner + tieText("tied", true);
     if (shape_->groups) {
         for (const TupletMark& tuplet : shape_->groups->tuplets) added += inner + tuplet.text;

@@ -20,9 +20,10 @@ struct NoteShape {
     std::string voice;                       // empty: as it is
     bool chord = false;                      // sounds with the note before it
     std::uint32_t ties = 0;                  // NOTE_TIE_START, NOTE_TIE_END
-    bool mirrored = false;                   // the order of notes around it has turned round
-    bool continuation = false;               // goes on with a note that was cut, without its marks
-    const NoteGroups* groups = nullptr;      // its beams and brackets; null for none
+    std::string cutId;          // of the tie that joins it with the part before a cut; empty for none
+    bool mirrored = false;      // the order of notes around it has turned round
+    bool continuation = false;  // goes on with a note that was cut, without its marks
+    const NoteGroups* groups = nullptr;  // its beams and brackets; null for none
 };
 
 // Writes notes one after the other; it keeps its memory between them.

@@ -233,6 +233,7 @@ bool PartReader::startEntry(const NoteReading& note, std::size_t staff, bool con
     engine::EntryState state = chordState_;
     state.unpitched = note.unpitched ? 1 : 0;
     state.marked = note.marked;
+    state.cut = note.cut;
     engine::setEntryState(entry.record, state);
     if (!note.rest) addPitch(entry, note);
     if (note.hasShapes) shapes_.addNote(element_, gathered_.entries().size() - 1, chordVoice_);

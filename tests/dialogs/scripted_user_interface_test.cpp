@@ -22,6 +22,7 @@ using rovescio::dialogs::Script;
 using rovescio::dialogs::ScriptedUserInterface;
 using rovescio::dialogs::Scripts;
 using rovescio::dialogs::Set;
+using rovescio::dialogs::Strike;
 using rovescio::engine::Rule;
 
 // Dialog 100 has one item of each kind, dialog 200 only a button.
@@ -230,6 +231,20 @@ TEST_F(ScriptedDialog, ReadsTextsOutAndPassesDisabledButtonsOver) {
 
     EXPECT_EQ(open({Read{3}, Press{1}}).problem()->message, "item 3 of dialog 100 is no text but a popup");
     EXPECT_EQ(open({Press{6, true}, Press{1}}).problem()->message, "there is no item 6 of dialog 100");
+}
+
+// What is struck is heard in turn; with nobody to play, a dialog that listens is a fault of the script.
+TEST_F(ScriptedDialog, HearsWhatIsStruck) {
+    std::vector<int> heard;
+    handler = [&](SXWindow, std::uint16_t, short item, std::uint32_t) {
+        std::uint8_t event[4] = {};
+        if (item == 2) heard.push_back(front->listenToMidi(event) ? event[0] + event[1] + event[2] : -1);
+    };
+    EXPECT_FALSE(
+        open({Strike{{1, 2, 3}}, Strike{{4, 5, 6}}, Set{2, 1}, Set{2, 0}, Press{1}}).problem().has_value());
+    EXPECT_EQ(open({Set{2, 1}, Press{1}}).problem()->message,
+              "a MIDI note is waited for, and nobody plays one");
+    EXPECT_EQ(heard, (std::vector<int>{6, 15, -1}));
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Case{"equalMeasures", "C 4/4 c4:q d4:h e4:q | f4:h. g4:q", {}, "g4:q f4:h. | e4:q d4:h c4:q"},
         Case{"noteOverBarline", "C 4/4 c4:q d4:h | e4:h f4:h", {kThree}, "f4:h e4~:q | e4^:q d4:h c4:q"},
-        Case{"rejoined", "C 4/4 c4:q d4~:h | d4^:q e4:h.", {kThree}, "e4:h. | d4:h. c4:q", true},
+        Case{"rejoined", "C 4/4 c4:q d4~:h | d4^:q e4:h.", {kThree}, "e4:h. | d4~:q d4^:h c4:q"},
         Case{"tieInMeasureStays", "C 4/4 c4~:q c4^:q d4:h", {}, "d4:h c4~:q c4^:q"},
         Case{"middleOfThreeTied", "C 3/4 c4~:q c4^:q d4:q", {}, "d4:q c4~:q c4^:q"},
         Case{"tieChain", "C 3/4 c4~:q c4~^:q c4^:q", {}, "c4~:q c4~^:q c4^:q"},

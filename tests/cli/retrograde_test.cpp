@@ -1,0 +1,83 @@
+// The retrograde on the command line: known answers, the check, the repair, and what is refused.
+#include <string>
+
+#include "cli/workplace.h"
+
+namespace rovescio::test {
+namespace {
+
+class RetrogradeRun : public Workplace {
+  protected:
+    void SetUp() override {
+        Workplace::SetUp();
+        std::filesystem::copy_file(std::filesystem::path(EXAMPLES_FOLDER) / "crab-canon.musicxml",
+                                   path("crab-canon.musicxml"));
+    }
+
+    // The measures of one part, as they are written.
+    [[nodiscard]] static std::string part(const std::string& score, const std::string& id) {
+        const std::string start = "<part id=\"" + id + "\">";
+        const std::size_t begin = score.find(start) + start.size();
+        return score.substr(begin, score.find("</part>", begin) - begin);
+    }
+
+    // Greensleeves with a slur over two notes of the first measure that has them.
+    void addSlur() const {
+        std::string score = read("greensleeves.musicxml");
+        std::size_t at = 0;
+        for (const char* type : {"start", "stop"}) {
+            at = score.find("</note>", score.find("<pitch>", at));
+            const std::string slur =
+                std::string("<notations><slur type=\"") + type + "\" number=\"1\"/></notations>";
+            score.insert(at, slur);
+            at += slur.size() + 1;
+        }
+        write("slurred.musicxml", score);
+    }
+};
+
+TEST_F(RetrogradeRun, OneVoiceOfTheCrabCanonIsTheOtherBackwards) {
+    const ProgramRun run_ = run("rovescio crab-canon.musicxml --retrograde --staves 1 -o out.musicxml");
+    ASSERT_EQ(run_.code, 0) << run_.err;
+    EXPECT_EQ(part(read("out.musicxml"), "P1"), part(read("crab-canon.musicxml"), "P2"));
+}
+
+TEST_F(RetrogradeRun, TwiceGivesTheFileBack) {
+    for (const char* score : {"crab-canon", "frere-jacques"}) {
+        const std::string name(score);
+        ASSERT_EQ(run("rovescio " + name +
+                      ".musicxml -r -q -o once.musicxml && rovescio once.musicxml -r -q -o twice.musicxml")
+                      .code,
+                  0);
+        EXPECT_NE(read("once.musicxml"), read(name + ".musicxml"));
+        EXPECT_EQ(read("twice.musicxml"), read(name + ".musicxml"));
+    }
+}
+
+TEST_F(RetrogradeRun, ChecksRefusesAndRepairs) {
+    addSlur();
+    const struct {
+        const char* line;
+        int code;
+        const char* says;  // somewhere in its output
+        bool writes;
+    } cases[] = {
+        {"rovescio crab-canon.musicxml --check", 0, "nothing stands in the way", false},
+        {"rovescio slurred.musicxml --check", 1, "staff 1, measures 0-1: slurs", false},
+        {"rovescio slurred.musicxml --retrograde -o out.musicxml", 1,
+         "slurs or other lines; nothing was written", false},
+        {"rovescio slurred.musicxml --check --transpose m3", 2, "--check looks at one score", false},
+        {"rovescio slurred.musicxml --mirror-keys -o out.musicxml", 2, "--retrograde", false},
+        {"rovescio slurred.musicxml --retrograde --repair -o out.musicxml", 0, "changed", true},
+    };
+    for (const auto& c : cases) {
+        const ProgramRun result = run(c.line);
+        EXPECT_EQ(result.code, c.code) << c.line << result.err;
+        EXPECT_NE((result.out + result.err).find(c.says), std::string::npos) << result.out << result.err;
+        EXPECT_EQ(std::filesystem::exists(path("out.musicxml")), c.writes) << c.line;
+    }
+    EXPECT_EQ(read("out.musicxml").find("<slur"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace rovescio::test
