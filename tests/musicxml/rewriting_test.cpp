@@ -44,7 +44,7 @@ std::string tiedNote(const std::string& pitch, const std::string& duration, cons
     std::string sound;
     std::string look;
     for (const std::string& end : ends) {
-        sound += "<tie type=\"" + end + "\"/>";
+        sound += "<tie type=\"" + end.substr(0, end.find('"')) + "\"/>";
         look += "<tied type=\"" + end + "\"/>";
     }
     return "<note><pitch><step>" + pitch + "</step><octave>4</octave></pitch><duration>" + duration +
@@ -86,7 +86,7 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
         {"a note over the barline is cut and joined again",
          {note("c4:h", sung), note("d4:h") + note("e4:q")},
          {note("e4:q") + tiedNote("D", "4", "quarter", {"start"}),
-          tiedNote("D", "4", "quarter", {"stop"}) + note("c4:h", sung)}},
+          tiedNote("D", "4", "quarter", {"stop\" id=\"rovescio-cut-1-2-1"}) + note("c4:h", sung)}},
         {"whole beams are mirrored",
          {note("c4:e", beam("begin")) + note("d4:e", beam("end")) + note("e4:q") + note("f4:h")},
          {note("f4:h") + note("e4:q") + note("d4:e", beam("begin")) + note("c4:e", beam("end"))}},
