@@ -50,6 +50,7 @@ std::vector<std::string> retrogradeObstacles(engine::Session& session, const Sel
         session.frames.free(frame);
     });
     std::vector<std::string> lines;
+    lines.reserve(found.size());
     for (const auto& [place, measures] : found) {
         lines.push_back("staff " + std::to_string(place.first) +
                         (measures.size() == 1 ? ", measure " : ", measures ") +

@@ -22,13 +22,13 @@ bool fits(std::int32_t position, std::int32_t value, std::int32_t beat) {
     }
     if (position % beat != 0 || value % beat != 0) return false;
     const std::int32_t beats = value / beat;
-    const std::int32_t unit = plainBelow(beats);
-    return position / beat % unit == 0;
+    return position / beat % std::max(plainBelow(beats), 1) == 0;
 }
 
 }  // namespace
 
 std::int32_t feltBeat(const Metre& metre) {
+    if (metre.beat <= 0) return 1;
     const bool compound =
         metre.length % (3 * metre.beat) == 0 && metre.length > 3 * metre.beat && metre.beat <= 512;
     return compound ? 3 * metre.beat : metre.beat;
@@ -47,7 +47,7 @@ NoteValue noteValueOf(std::int32_t length, int maxDots) {
 
 std::vector<std::int32_t> splitByMetre(std::int32_t position, std::int32_t length, const Metre& metre) {
     std::vector<std::int32_t> values;
-    const std::int32_t beat = std::max(feltBeat(metre), 1);
+    const std::int32_t beat = feltBeat(metre);
     while (length > 0) {
         std::int32_t value = std::min(plainBelow(length), kLongest);
         if (const std::int32_t dotted = value + value / 2; dotted <= length && value > 1) value = dotted;

@@ -1,12 +1,12 @@
 // Data records by tag and key.
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
 #include <span>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -40,7 +40,9 @@ class RecordStore {
         std::uint32_t owner = 0;
         std::uint16_t second = 0;
 
-        friend auto operator<=>(const Place&, const Place&) = default;
+        friend bool operator<(const Place& a, const Place& b) {
+            return std::tie(a.tag, a.owner, a.second) < std::tie(b.tag, b.owner, b.second);
+        }
     };
     // What a list is to become.
     struct Change {

@@ -76,7 +76,7 @@ void showReport(SXWindow dialog, unsigned int problems) {
                       {kSmartShapes, kSmartShapesText},
                       {kUnsuitableFrames, kUnsuitableFrameText}};
     std::array<char16_t, kReportUnits> report{};
-    if (problems == 0) errStrCat(report.data(), kNoProblemsText);
+    if (problems == 0) PlugIn_GetStringResource(kNoProblemsText, report.data(), kReportUnits);
     for (const auto& fragment : kFragments) {
         if (problems & fragment.problem) errStrCat(report.data(), fragment.text);
     }

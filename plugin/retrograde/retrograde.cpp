@@ -45,7 +45,8 @@ bool mirrorMeasures(const EREGION& region, unsigned int options, CProgress& prog
         const auto back = static_cast<short>(region.end.measure - i);
         EDTMeasureSpec2014 first{};
         EDTMeasureSpec2014 second{};
-        if (!sx_loadmeasurespec(front, &first) || !sx_loadmeasurespec(back, &second)) continue;
+        const bool frontLoaded = sx_loadmeasurespec(front, &first);
+        if (!sx_loadmeasurespec(back, &second) || !frontLoaded) continue;
         exchangeAttributes(first, second, options);
         sx_savemeasurespec(front, &first);
         sx_savemeasurespec(back, &second);

@@ -52,10 +52,13 @@ class SelectionCheck {
         if (entriesDeleted) SX_SaveTGF(&*frame);
     }
 
-    // With its second voice gone, the entry before starts none.
+    // With its second voice gone, the entry before starts none. The frame alone shows whether the host
+    // deleted the entry.
     static bool deleteEntry(EXTGF2005a& frame, short index) {
         if (index > 0) frame.entries[index - 1].entryFlags &= ~ENTRY_STARTS_VOICE2;
-        return SX_DeleteEXENTRY(&frame, index, 1) != 0;
+        const short before = frame.entryCount;
+        SX_DeleteEXENTRY(&frame, index, 1);
+        return frame.entryCount < before;
     }
 
     void checkShapes(EXENTRY& entry, short measure) {

@@ -27,11 +27,13 @@ EDTSmartShapeNative forHost(EDTSmartShapeNative shape) {
 }
 
 // Walks the marks of one owner and erases those that belong to the shape. The marks behind an erased one move
-// up, so the walk stays; one that the host did not erase is passed over.
+// up, so the walk stays; one that the host did not erase is passed over. Each step is one mark, so that the
+// walk ends whatever the host answers.
 template <class Mark, class Owner, class Erase>
 void findAndErase(Owner owner, std::uint16_t shapeNumber, Erase erase) {
     Mark mark;
-    for (std::uint16_t inci = 0; inci < kAppendNumber && mark.Load(owner, inci);) {
+    std::uint16_t inci = 0;
+    for (int step = 0; step < kAppendNumber && mark.Load(owner, inci); ++step) {
         if (mark.shapeNumber != shapeNumber || !erase(mark, inci)) ++inci;
     }
 }
