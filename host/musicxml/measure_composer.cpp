@@ -260,14 +260,15 @@ NoteShape MeasureComposer::shapeOf(const Event& event, const Stream& stream, std
     shape.mirrored = event.mirrored;
     shape.continuation = event.continues;
     const std::int32_t value = event.entry->duration;
-    const bool saysMeasure = note.find("measure=\"yes\"") != std::string_view::npos;
+    const bool rest = isRest(event);
+    const bool saysMeasure = rest && note.find("measure=\"yes\"") != std::string_view::npos;
     const bool fills = event.start == Fraction(0) && event.length == Fraction(metre_.length);
-    if (isRest(event) && fills) {
+    if (rest && fills) {
         shape.measureRest = event.source == nullptr || saysMeasure || event.source->duration != value ||
                             !engine::isWritable(value, kMaxDots);
     }
     const bool newValue = event.source == nullptr || event.source->duration != value;
-    if (!grace && (newValue || (isRest(event) && saysMeasure)) && engine::isWritable(value, kMaxDots)) {
+    if (!grace && (newValue || saysMeasure) && engine::isWritable(value, kMaxDots)) {
         shape.value = engine::noteValueOf(value, kMaxDots);
     }
     return shape;

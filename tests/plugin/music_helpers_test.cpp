@@ -1,4 +1,4 @@
-// Arithmetic on note values, pointers that may be ones, points and regions of the score.
+// Points and regions of the score.
 #include "util/music_helpers.h"
 
 #include <gtest/gtest.h>
@@ -23,43 +23,6 @@ HOST_DOUBLE short SX_InstToSlot(short staff, std::uint16_t staffList, std::uint3
 
 namespace {
 
-TEST(MusicHelpers, TakeNoteValuesApart) {
-    const struct {
-        int duration, logarithm, base, dots, numerator, denominator;
-    } cases[] = {
-        {1, 0, 1, 0, 1, 1},
-        {3, 1, 2, 1, 3, 1},
-        {1023, 9, 512, 9, 1023, 1},
-        {1024, 10, 1024, 0, 1, 1024},
-        {1536, 10, 1024, 1, 3, 512},
-        {1792, 10, 1024, 2, 7, 256},
-        {4096, 12, 4096, 0, 2, 2048},
-        {6144, 12, 4096, 1, 3, 2048},
-        {0x0FFFFFFF, 28, 0x08000000, 27, 0x0FFFFFFF, 1},
-        {0x7FFFFFFF, 31, 0x40000000, 30, 0x7FFFFFFF, 1},
-        {0x40000000, 30, 0x40000000, 0, 0x80000, 2048},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.duration);
-        EXPECT_EQ(IntLog2(c.duration), c.logarithm);
-        EXPECT_EQ(DotsBase(c.duration), c.base);
-        EXPECT_EQ(CountDots(c.duration), c.dots);
-        int numerator = 0;
-        int denominator = 0;
-        EXPECT_EQ(CalcNumDen(c.duration, numerator, denominator), numerator);
-        EXPECT_EQ((std::pair{numerator, denominator}), (std::pair{c.numerator, c.denominator}));
-    }
-    for (int exponent = 0; exponent < 31; ++exponent) EXPECT_EQ(IntLog2(1 << exponent), exponent);
-    EXPECT_EQ(DotsBase(0) + DotsBase(-5), 0);
-}
-
-TEST(MusicHelpers, FillPatternsAreNoPointers) {
-    for (const std::uint64_t value : {0x0ULL, 0x12121212ULL, 0x7FFFCDCDCDCDULL, 0x100000000ULL}) {
-        EXPECT_FALSE(ValidPointer(reinterpret_cast<void*>(value))) << value;
-    }
-    EXPECT_TRUE(ValidPointer(reinterpret_cast<void*>(0x12121213)));
-}
-
 TEST(MusicPoints, LieInARegionWithBothItsEnds) {
     InitializeGlobals();
     const EREGION region{{0, 1, 2, 1024}, {0, 1, 4, 2048}};
@@ -83,21 +46,13 @@ TEST(MusicPoints, LieInARegionWithBothItsEnds) {
     EXPECT_EQ(SafeGetMeasureDuration(9, 1), 1);
 }
 
-TEST(MusicPoints, AreComparedAndMovedToTheListOfAllStaves) {
+TEST(MusicPoints, AreMovedToTheListOfAllStaves) {
     InitializeGlobals();
     const EMUSICPOINT point{5, 1, 3, 64};
-    EXPECT_TRUE(MusicPointsEqual(point, point));
-    for (const EMUSICPOINT& other : {EMUSICPOINT{4, 1, 3, 64}, EMUSICPOINT{5, 2, 3, 64},
-                                     EMUSICPOINT{5, 1, 4, 64}, EMUSICPOINT{5, 1, 3, 65}}) {
-        EXPECT_FALSE(MusicPointsEqual(point, other));
-    }
     EREGION region{point, {5, 2, 6, 0}};
     EXPECT_FALSE(TranslateRegionToGlobalStaffList(region));
     EXPECT_TRUE(MusicPointsEqual(region.start, {0, 30, 3, 64}));
     EXPECT_TRUE(MusicPointsEqual(region.end, {0, 0, 6, 0}));
-    region = {{5, 2, 1, 0}, point};
-    EXPECT_FALSE(TranslateRegionToGlobalStaffList(region));
-    EXPECT_TRUE(MusicPointsEqual(region.end, point));
     region = {point, {0, 8, 6, 0}};
     EXPECT_TRUE(TranslateRegionToGlobalStaffList(region));
     EXPECT_EQ(+region.end.slot, 8);

@@ -2,15 +2,15 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
 #include <string>
 
-#include "bundle_at.h"
-#include "child_process.h"
 #include "strings_file.h"
+#include "util/platform_string.h"
 
 namespace {
 
@@ -101,41 +101,6 @@ TEST(Resources, EveryLanguageHasEveryTextAndItFits) {
         EXPECT_TRUE(std::regex_match(toUtf8(range.get()), std::regex("[^%]*32766[^%]*32767[^%]*")))
             << language;
         EXPECT_LE(CFStringGetLength(range.get()), 63) << language;
-    }
-}
-
-TEST(Resources, ThePlatformReadsEveryTextFromTheBuiltBundle) {
-    for (const auto& language : kLanguages) {
-        for (const std::string table : {"Localizable", "Dialogs"}) {
-            std::string expected;
-            const Texts texts = readStringsFile(language, table);
-            for (const auto& [key, text] : texts) expected += text + "\n";
-            EXPECT_EQ(expected, runInChild(language + ".UTF-8", [&] {
-                          const auto bundle = bundleAt(ROVESCIO_BUNDLE);
-                          std::string lines;
-                          for (const auto& [key, text] : texts) {
-                              const PlatformOwned<CFStringRef> found(CFBundleCopyLocalizedString(
-                                  bundle.get(), fromUtf8(key).get(), nullptr, fromUtf8(table).get()));
-                              lines += toUtf8(found.get()) + "\n";
-                          }
-                          return lines;
-                      }));
-        }
-    }
-}
-
-TEST(Resources, TheBundleTellsWhatItIs) {
-    const auto bundle = bundleAt(ROVESCIO_BUNDLE);
-    const std::pair<const char*, std::string> entries[] = {{"CFBundleIdentifier", "org.rovescio.Rovescio"},
-                                                           {"CFBundleExecutable", "Rovescio"},
-                                                           {"CFBundlePackageType", "BNDL"},
-                                                           {"CFBundleDevelopmentRegion", "en"},
-                                                           {"CFBundleVersion", ROVESCIO_VERSION},
-                                                           {"CFBundleShortVersionString", ROVESCIO_VERSION}};
-    for (const auto& [key, expected] : entries) {
-        CFTypeRef value = CFBundleGetValueForInfoDictionaryKey(bundle.get(), fromUtf8(key).get());
-        ASSERT_NE(value, nullptr) << key;
-        EXPECT_EQ(toUtf8(static_cast<CFStringRef>(value)), expected) << key;
     }
 }
 

@@ -34,7 +34,6 @@ TEST(StringResources, IdsBecomeKeysOfSignedHalves) {
         {7, u"no table"},
         {makeStringId(-2, -3), u"both halves negative"},
         {kNothingChosenText, u"20134,13"},  // not in the file: the key itself
-        {kMeasureRangeFormat, u"20139,1"},
         {0xFFFFFFFF, u"-1,-1"},
     };
     for (const auto& [id, text] : texts) EXPECT_EQ(textOf(id, 64), text);
@@ -53,8 +52,6 @@ TEST(StringResources, AreCutToTheCapacityAndTerminated) {
     EXPECT_EQ(std::string(1, static_cast<char>(unit)) + buffer[0], "##");
     EXPECT_EQ(LoadIndString(20134, 1, buffer, 8), 7);
     EXPECT_STREQ(buffer, "1234567");
-    PlugIn_GetStringResource(kEightUnits, buffer, 14);
-    EXPECT_EQ(std::string(buffer + 8, 7), std::string("\0\0\0\0\0\0#", 7)) << "padded";
 }
 
 TEST(StringResources, EightBitTextsAreEncodedAndEndAt255Bytes) {
@@ -65,25 +62,6 @@ TEST(StringResources, EightBitTextsAreEncodedAndEndAt255Bytes) {
     EXPECT_EQ(bytesOf(makeStringId(20134, 255), 1024), std::string(255, 'a'));
     EXPECT_EQ(bytesOf(makeStringId(20134, 256), 1024), "");
     EXPECT_EQ(textOf(makeStringId(20134, 256), 1024), std::u16string(256, u'b'));
-}
-
-TEST(StringResources, DecimalIdsKeepTheThousandWhole) {
-    const std::pair<std::uint32_t, std::string> texts[] = {
-        {1000, "1000,0"},   {21005, "fifth of 21000"},         {20005, "fifth of the default table"},
-        {999, "20000,999"}, {5, "fifth of the default table"}, {3000005, "table number cut to 16 bits"},
-    };
-    for (const auto& [id, text] : texts) {
-        EXPECT_EQ(GetResourceCString(id), text);
-        EXPECT_EQ(GetResourceCString_UTF16(id), std::u16string(text.begin(), text.end()));
-    }
-    const char16_t* first = GetResourceCString_UTF16(5);
-    EXPECT_EQ(GetResourceCString_UTF16(21005), first) << "one buffer, overwritten by each call";
-}
-
-TEST(StringResources, AMissInAFileThatExistsAlertsNobody) {
-    ASSERT_EQ(InitializeGlobals(), 0);
-    EXPECT_EQ(textOf(makeStringId(20139, 99), 64), u"20139,99");
-    EXPECT_TRUE(alerts.empty());
 }
 
 int procedure(SXWindow, std::uint16_t, short, std::uint32_t, void*) {
