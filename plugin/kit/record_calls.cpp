@@ -48,5 +48,7 @@ short SX_SaveEData(std::uint32_t tag, void* key, void* buffer, std::uint32_t* si
     const std::uint16_t incident = incidentOf(key);
     const auto whole = kit::preferenceSize(tag, incident);
     if (!whole) return kit::bound::SX_SaveEData(tag, key, buffer, size);
-    return *whole != 0 && buffer && *size >= *whole && kit::savePreferences(tag, incident, buffer);
+    if (*whole == 0 || !buffer || *size < *whole || !kit::savePreferences(tag, incident, buffer)) return 0;
+    *size = *whole;
+    return 1;
 }
