@@ -43,7 +43,7 @@ class Origins {
                     followedUp(waiting_, entry.entryNumber);
                     owner = entry.entryNumber;
                 } else if (grace) {
-                    waiting_.push_back(entry.entryNumber);
+                    waiting_.push_back(+entry.entryNumber);
                 }
             }
             followedUp(waiting_, owner);

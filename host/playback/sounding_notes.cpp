@@ -142,7 +142,7 @@ void Gathering::addVoice(const std::vector<Placed>& voice) {
         const std::size_t firstGrace = i;
         std::int64_t wanted = 0;
         for (; i < voice.size() && voice[i].isGrace(); ++i) {
-            wanted += std::min(voice[i].entry->duration, kGraceLength);
+            wanted += std::min(+voice[i].entry->duration, kGraceLength);
         }
         const std::span graces(voice.data() + firstGrace, i - firstGrace);
         const Placed* main = i < voice.size() ? &voice[i++] : nullptr;

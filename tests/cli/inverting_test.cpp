@@ -99,12 +99,6 @@ TEST_F(Inverting, TwiceGivesTheFirstFileBack) {
     }
 }
 
-TEST_F(Inverting, ChordsByTheirOuterNote) {
-    const std::string score = scoreOf({quarters("c4 +e4 +g4 c4 +e5 d5")});
-    EXPECT_EQ(after(score, "--invert-chords up"), "C5 E4 G4 C6 E5 D5");
-    EXPECT_EQ(after(score, "--invert-chords down"), "C4 E4 G3 C4 E3 D5");
-}
-
 TEST_F(Inverting, AfterTranspositionAndBeforeTheAccidentals) {
     const std::string score = scoreOf({quarters("c4 +e4 d4")});
     const struct {
@@ -166,44 +160,6 @@ TEST_F(Inverting, TiesGoWhenTheyAreNotWanted) {
               "rovescio: changed 2 of 3 notes in all measures -> standard output\n");
     EXPECT_EQ(after(scoreOf({tied}), "--invert chromatic --axis D4"), "E4 E4 D4");
     EXPECT_NE(read("new.musicxml").find("<tied type=\"start\"/>"), std::string::npos);
-}
-
-TEST_F(Inverting, LeavesKeysOffTheStandardScalesAndSaysSo) {
-    write("score.musicxml", scoreOf({quarters("c4 e4 f#4 a4")}, kNoScale));
-    const ProgramRun alone = run("rovescio score.musicxml --invert diatonic --axis E4 -o new.musicxml");
-    EXPECT_EQ(alone.code, 1);
-    EXPECT_EQ(alone.err.find("rovescio: score.musicxml: nothing in the selection can be inverted"), 0U)
-        << alone.err;
-    EXPECT_FALSE(fs::exists(path("new.musicxml")));
-    // Other steps work there.
-    EXPECT_EQ(after(read("score.musicxml"), "--invert diatonic --axis E4 --notes in-key --steps 1"),
-              "D4 F#4 G4 Bb4");
-}
-
-TEST_F(Inverting, ThroughThePlugInsDialogsInOneMassEdit) {
-    const ProgramRun run = this->run(
-        "rovescio greensleeves.musicxml -t M2 --invert chromatic --axis E4 --notes always -o new.xml "
-        "--trace");
-    EXPECT_EQ(run.code, 0);
-    for (const char* call : {"SX_Dialog(resourceId=20130", "SX_Dialog(resourceId=20140",
-                             "SX_Dialog(resourceId=20150", "SX_StartMassEdit(", "SX_RedrawMusic("}) {
-        const std::size_t found = run.err.find(call);
-        EXPECT_NE(found, std::string::npos) << call;
-        EXPECT_EQ(run.err.find(call, found + 1), std::string::npos) << call;
-    }
-}
-
-TEST_F(Inverting, TheSameInABatch) {
-    fs::create_directory(path("new"));
-    for (const char* options :
-         {"--invert chromatic --axis 'B-flat 3' --simplify", "--invert-chords down --steps 3",
-          "--notes always --remove-ties --octaves 1"}) {
-        const ProgramRun batch = run(
-            std::string("rovescio frere-jacques.musicxml greensleeves.musicxml --out-dir new ") + options);
-        EXPECT_EQ(batch.err, "rovescio: wrote 2 of 2 scores -> new\n");
-        EXPECT_EQ(run(std::string("rovescio greensleeves.musicxml -o alone.musicxml ") + options).code, 0);
-        EXPECT_EQ(read("new/greensleeves.musicxml"), read("alone.musicxml")) << options;
-    }
 }
 
 }  // namespace

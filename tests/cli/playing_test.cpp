@@ -57,26 +57,6 @@ TEST_F(Playing, WritesTheSelectionAsMidi) {
     EXPECT_EQ(hear(this->run("rovescio -q score.musicxml --midi -").out).notes(), "0+4:60 4+4:62 8+4:64");
 }
 
-// Staves that do not stand together are asked for one after the other, and heard at once.
-TEST_F(Playing, PlaysJustWhatThePlugInAsksFor) {
-    const ProgramRun run = this->run("rovescio greensleeves.musicxml --midi all.mid --trace");
-    EXPECT_EQ(run.code, 0);
-    EXPECT_NE(run.err.find("SX_Playback(startMeasure=1, endMeasure=9, reserved=0, staffList=65529)"),
-              std::string::npos);
-    std::string three;
-    std::string parts;
-    for (const char* id : {"A", "B", "C"}) {
-        three += std::string("<score-part id=\"") + id + "\"><part-name>" + id + "</part-name></score-part>";
-        parts += std::string("<part id=\"") + id + "\"><measure number=\"1\">" +
-                 note(std::string(1, static_cast<char>(id[0] - 'A' + 'c')) + "4:q") + "</measure></part>";
-    }
-    write("three.musicxml",
-          "<score-partwise><part-list>" + three + "</part-list>" + parts + "</score-partwise>");
-    ASSERT_EQ(this->run("rovescio three.musicxml --staves 1,3 --octaves 1 --midi two.mid").code, 0);
-    const auto heard = hear(read("two.mid"));
-    EXPECT_EQ(heard.tracks.at(1).name + heard.tracks.at(2).name + heard.notes(), "AC0+4:72 0+4:76");
-}
-
 TEST_F(Playing, HandsTheMusicToTheSynthesiser) {
     install("");
     ProgramRun run = this->run(kInstalled + "rovescio score.musicxml --measures 2 --play");

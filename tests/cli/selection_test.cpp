@@ -60,17 +60,6 @@ TEST(Selections, TakeInTheBeatsMeant) {
     }
 }
 
-TEST(Selections, TakeBeatsWrittenWithFewDecimalsForTripletPlaces) {
-    Document document = smallDocument(1, {"1"});
-    rovescio::test::setNotes(document, {1, 1, 0}, {0, 341, 682});
-    for (const char* measures : {"1:1.33-1:1.33", "1:1.333-1:1.34"}) {
-        const Result<Selection> selection = selectIn(document, measures);
-        ASSERT_TRUE(selection) << measures;
-        EXPECT_TRUE(contains(selection.value().regions[0], {1, 1, 0}, 341));
-        EXPECT_FALSE(contains(selection.value().regions[0], {1, 1, 0}, 682));
-    }
-}
-
 TEST(Selections, HaveARegionForEachRunOfStavesAndShowTheLayersAsked) {
     const Document document = smallDocument(4, {"1", "2"});
     const Result<Selection> selection = selectIn(document, "2", {{1, 1}, {3, 4}}, {{1, 2}});

@@ -131,26 +131,6 @@ TEST_F(Transposing, OntoTheInputWhenThatIsNamedAsOutput) {
     EXPECT_EQ(status.st_mode & 07777, 0600U);
 }
 
-TEST_F(Transposing, ThroughThePlugInsDialogs) {
-    const ProgramRun run = this->run("rovescio greensleeves.musicxml -t AA2 -m 1 -o new.xml --trace");
-    EXPECT_EQ(run.code, 0);
-    for (const char* call :
-         {"SX_Dialog(resourceId=20130", "SX_Dialog(resourceId=20150", "SX_Dialog(resourceId=20180",
-          "SX_StartMassEdit", "SX_LoadTGF", "SX_SaveTGF", "SX_FreeTGF", "SX_EndMassEdit", "SX_RedrawMusic"}) {
-        EXPECT_NE(run.err.find(call), std::string::npos) << call;
-    }
-}
-
-TEST_F(Transposing, WithInformationFirst) {
-    const ProgramRun run = this->run("rovescio --info greensleeves.musicxml frere-jacques.musicxml");
-    EXPECT_EQ(run.code, 0);
-    EXPECT_EQ(run.out,
-              "greensleeves.musicxml\n  9 measures, numbered 0 to 8\n"
-              "  staff 1  Piano  layers 1  A minor\n  staff 2  Piano  layers 1  A minor\n"
-              "frere-jacques.musicxml\n  10 measures, numbered 1 to 10\n"
-              "  staff 1  Voice 1  layers 1  F major\n  staff 2  Voice 2  layers 1  F major\n");
-}
-
 TEST_F(Transposing, HelpAndVersionGoToStandardOutput) {
     const ProgramRun help = run("rovescio --help");
     EXPECT_EQ(help.code, 0);

@@ -199,17 +199,4 @@ RC_GTEST_PROP(Inversions, TwiceGivesTheSameNotes, ()) {
     RC_ASSERT(diatonicTwice[0].step == 2 * axis - note.pitch.step);
 }
 
-RC_GTEST_PROP(InvChromatic, SimplifyingKeepsTheSound, ()) {
-    const AnyNote note;
-    const auto axis = *rc::gen::inRange<short>(-20, 21);
-    const auto invert = [&](short simplify) {
-        return afterEach(note, 1, [&](EREGION* region, CProgress* p) {
-            return InvChromatic(region, axis, 0, simplify, p);
-        })[0];
-    };
-    const SpelledPitch plain = invert(0);
-    const SpelledPitch simple = invert(1);
-    RC_ASSERT(semitones(plain) == semitones(simple));
-}
-
 }  // namespace

@@ -5,7 +5,6 @@
 
 namespace {
 
-using rovescio::test::CallTrace;
 using rovescio::test::EngineFixture;
 using rovescio::test::textOf;
 

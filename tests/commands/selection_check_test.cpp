@@ -10,9 +10,7 @@
 namespace {
 
 using rovescio::engine::FrameAddress;
-using rovescio::engine::HostFunction;
 using rovescio::engine::PackedEntries;
-using rovescio::engine::planFault;
 using rovescio::test::addLayer;
 using rovescio::test::CallTrace;
 using rovescio::test::EngineFixture;

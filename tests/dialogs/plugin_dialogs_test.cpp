@@ -131,24 +131,6 @@ TEST(TransformationScripts, ChooseInversionsAndNoteOptionsAndLeaveTheRestAlone) 
     }
 }
 
-TEST(TransformationScripts, ApplyOnceForEachSelectionBeforeClosing) {
-    int selected = 0;
-    const auto select = [&] { ++selected; };
-    const Scripts scripts = transformationScripts({.transposition = Transposition{}}, {select, select});
-    const Script& main = scripts.find(20130)->second;
-    std::string order;
-    for (const Step& step : main) {
-        if (const auto* press = std::get_if<Press>(&step)) {
-            order += std::to_string(press->item) + " ";
-        } else if (const auto* meanwhile = std::get_if<Meanwhile>(&step)) {
-            meanwhile->action();
-            order += "select ";
-        }
-    }
-    EXPECT_EQ(order, "7 1 select 1 select 1 2 ");
-    EXPECT_EQ(selected, 2);
-}
-
 TEST(TransformationScripts, ReverseOrCheckAndReadTheReports) {
     const std::string nothing = "9=0, 6=1, 4=1, 8=1, 11=0, ";
     const std::string report = "read 2, read 3, press 1, ";

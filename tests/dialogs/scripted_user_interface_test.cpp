@@ -167,22 +167,6 @@ TEST_F(ScriptedDialog, NamesWhatThePlugInDoesWrong) {
     }
 }
 
-TEST_F(ScriptedDialog, WorksADialogOpenedFromAnotherAndUsesScriptsInTurn) {
-    std::vector<int> selections;
-    handler = [&](SXWindow dialog, std::uint16_t message, short item, std::uint32_t) {
-        if (message == kDialogCommand && item == 2) front->runDialog(200, procedure, dialog, 0, nullptr);
-    };
-    scripts.emplace(200, Script{Meanwhile{[&] { selections.push_back(1); }}, Press{1}});
-    scripts.emplace(200, Script{Meanwhile{[&] { selections.push_back(2); }}, Press{1}});
-    open({Set{2, 1}, Set{2, 0}, Press{1}});
-    EXPECT_FALSE(front->problem());
-    EXPECT_EQ(selections, (std::vector<int>{1, 2}));
-
-    open({Set{2, 1}, Set{2, 0}, Set{2, 1}, Press{1}});
-    ASSERT_TRUE(front->problem()) << "a third opening has no script";
-    EXPECT_NE(front->problem()->message.find("dialog 200"), std::string::npos);
-}
-
 TEST_F(ScriptedDialog, StopsAtTheUsersCancel) {
     bool cancel = false;
     bool wentOn = false;
@@ -216,35 +200,6 @@ TEST_F(ScriptedDialog, AnswersQuestionsAsTheScriptSaysAndRemembersWarnings) {
     EXPECT_NE(answers[2], kAnswerYes);
     EXPECT_EQ(after.alerts(), std::vector<std::string>{"It was broken"});
     EXPECT_EQ(after.questions(), std::vector<std::string>(3, "Repair it?"));
-}
-
-TEST_F(ScriptedDialog, ReadsTextsOutAndPassesDisabledButtonsOver) {
-    handler = [&](SXWindow dialog, std::uint16_t message, short item, std::uint32_t) {
-        if (message == kDialogInit) front->setText(dialog, 5, "fine");
-        if (item == 2) front->setText(dialog, 5, "better");
-        if (item == 2) front->enable(dialog, 1, front->value(dialog, 2, kCheckValue) == 0);
-    };
-    const ScriptedUserInterface& after =
-        open({Read{5}, Set{2, 1}, Press{1, true}, Read{5}, Set{2, 0}, Press{1, true}, Read{5}});
-    EXPECT_EQ(after.readings(), (std::vector<Reading>{{100, 5, "fine"}, {100, 5, "better"}}));
-    EXPECT_FALSE(after.problem());
-
-    EXPECT_EQ(open({Read{3}, Press{1}}).problem()->message, "item 3 of dialog 100 is no text but a popup");
-    EXPECT_EQ(open({Press{6, true}, Press{1}}).problem()->message, "there is no item 6 of dialog 100");
-}
-
-// What is struck is heard in turn; with nobody to play, a dialog that listens is a fault of the script.
-TEST_F(ScriptedDialog, HearsWhatIsStruck) {
-    std::vector<int> heard;
-    handler = [&](SXWindow, std::uint16_t, short item, std::uint32_t) {
-        std::uint8_t event[4] = {};
-        if (item == 2) heard.push_back(front->listenToMidi(event) ? event[0] + event[1] + event[2] : -1);
-    };
-    EXPECT_FALSE(
-        open({Strike{{1, 2, 3}}, Strike{{4, 5, 6}}, Set{2, 1}, Set{2, 0}, Press{1}}).problem().has_value());
-    EXPECT_EQ(open({Set{2, 1}, Press{1}}).problem()->message,
-              "a MIDI note is waited for, and nobody plays one");
-    EXPECT_EQ(heard, (std::vector<int>{6, 15, -1}));
 }
 
 }  // namespace

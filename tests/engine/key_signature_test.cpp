@@ -59,15 +59,6 @@ TEST(KeySignature, KeepsEveryPitchThatItStores) {
     }
 }
 
-TEST(KeySignature, OffTheStandardScalesCountsFromC) {
-    const KeySignature key = KeySignature::nonStandard({0, 0, -1, 1, 0, 0, 0});
-    EXPECT_GE(key.word(), kNonStandardKey);
-    ENOTE note{};
-    key.store(test::pitchFromText("f#5"), note);
-    EXPECT_EQ(+note.displacement, 10);
-    EXPECT_EQ(+note.alteration, 0);
-}
-
 TEST(SpelledPitch, SemitonesAreCountedFromMiddleC) {
     const std::pair<const char*, int> cases[] = {{"c4", 0},  {"b3", -1},  {"b#3", 0}, {"cb4", -1},
                                                  {"c5", 12}, {"f##4", 7}, {"a0", -39}};

@@ -17,14 +17,6 @@ class MusicFunctionsTest : public testing::Test {
     Session session{document, front};
 };
 
-TEST_F(MusicFunctionsTest, NoteNamesBecomeMidiNotes) {
-    const std::pair<const char*, short> cases[] = {{"C4", 60},   {"c4", 60},   {"A4", 69}, {"Bb3", 58},
-                                                   {"F##5", 79}, {"Cb4", 59},  {"C-1", 0}, {"G9", 127},
-                                                   {"G#9", -1},  {"Cb-1", -1}, {"H4", -1}, {"C", -1},
-                                                   {"", -1},     {"C4x", -1},  {"4", -1}};
-    for (const auto& [name, note] : cases) EXPECT_EQ(functions::SX_StringToMidiNote(name), note) << name;
-}
-
 TEST_F(MusicFunctionsTest, KeysAndDurationsAreThoseOfStaffAndMeasure) {
     EXPECT_EQ(functions::SX_GetKeySig(1, 1, 0, 0), 2);
     EXPECT_EQ(functions::SX_GetKeySig(2, 2, 0, 0), 0x1FB);
@@ -33,27 +25,6 @@ TEST_F(MusicFunctionsTest, KeysAndDurationsAreThoseOfStaffAndMeasure) {
     EXPECT_EQ(functions::SX_GetMeasureDuration(2, 1), 3072);
     EXPECT_EQ(functions::SX_GetMeasureDuration(0, 1), 4096);
     EXPECT_EQ(functions::SX_GetMeasureDuration(4, 1), 0);
-}
-
-TEST_F(MusicFunctionsTest, SelectionIsWhatWasSetAndTheSecondRegionTheWholeScore) {
-    std::uint64_t slot = 77;
-    EREGION region{};
-    EREGION second{};
-    EXPECT_EQ(functions::SX_GetCurERegions(&slot, &region, &second), 0);
-    EXPECT_EQ(+second.end.slot, 3);
-    EXPECT_EQ(+second.end.measure, 2);
-    EREGION selection{};
-    selection.start.measure = 2;
-    session.selection = selection;
-    EXPECT_EQ(functions::SX_GetCurERegions(&slot, &region, &second), 1);
-    EXPECT_EQ(+region.start.measure, 2);
-}
-
-TEST_F(MusicFunctionsTest, LayersCanBeHidden) {
-    session.layerShown[2] = false;
-    for (short layer = -1; layer <= kMaxLayers; ++layer) {
-        EXPECT_EQ(functions::SX_GetShowLayer(layer), layer == 0 || layer == 1 || layer == 3) << layer;
-    }
 }
 
 TEST_F(MusicFunctionsTest, PlaybackReadsItsStaffList) {

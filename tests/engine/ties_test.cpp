@@ -47,16 +47,5 @@ TEST(Ties, BreakOnlyWhereTheNotesDiffer) {
     for (const auto& c : cases) EXPECT_EQ(textAfter(c.before, c.moves), c.after) << c.before;
 }
 
-TEST(Ties, ANoteLeftWithoutItsTieGetsItsAccidental) {
-    Document document = test::scoreFromText({"C 4/4 f#4~!:w | f#4^:h f#4!:h"});
-    MassEdits edits(document);
-    const SXMassEdit edit = edits.start();
-    edits.editable({1, 1, 0})[0].notes()[0].displacement += 1;
-    edits.end(edit, false);
-    EXPECT_EQ(test::textOf(document), "g#4!:w | f#4!:h f#4!:h");
-    EXPECT_TRUE(edits.undo());
-    EXPECT_EQ(test::textOf(document), "f#4~!:w | f#4^:h f#4!:h");
-}
-
 }  // namespace
 }  // namespace rovescio::engine

@@ -85,17 +85,6 @@ TEST(CompressedScore, otherMembersStay) {
     EXPECT_EQ(members[3].bytes, score.written());
 }
 
-TEST(CompressedScore, aPlainScoreCanBeCompressed) {
-    const OpenScore plain = open(smallScore());
-    EXPECT_EQ(plain.file.container(), Container::plain);
-    const std::string archive = plain.file.write(plain.document, Container::compressed).value().bytes();
-    EXPECT_EQ(plain.file.write(plain.document, Container::compressed).value().bytes(), archive);
-    const auto members = membersOf(archive);
-    EXPECT_EQ(members.front().name, "mimetype");
-    EXPECT_EQ(members.front().method, ZIP_CM_STORE);
-    EXPECT_EQ(open(archive).written(), smallScore());
-}
-
 TEST(CompressedScore, badArchivesAreRefused) {
     const std::string good = zipOf({container("s.xml"), {"s.xml", smallScore()}});
     std::string flipped = good;

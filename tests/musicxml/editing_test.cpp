@@ -199,19 +199,6 @@ TEST(StemEdits, followTheRuleWhereTheyDidBefore) {
     }
 }
 
-TEST(StemEdits, endsThatBecameWrongAreDropped) {
-    const std::string first =
-        note("e5:e", "<stem default-y=\"-55\" color=\"red\">down</stem><beam>begin</beam>");
-    const std::string second = note("d5:e", "<stem default-y=\"-50\">down</stem><beam>end</beam>");
-    OpenScore score = open(scoreOf({first + second}));
-    score.setPitch("f5");
-    EXPECT_EQ(score.written(),
-              scoreOf({note("f5:e", "<stem color=\"red\">down</stem><beam>begin</beam>") + second}));
-    score.setPitch("c4");
-    EXPECT_EQ(score.written(), scoreOf({note("c4:e", "<stem color=\"red\">up</stem><beam>begin</beam>") +
-                                        note("d5:e", "<stem>up</stem><beam>end</beam>")}));
-}
-
 TEST(ScoreWriting, whatDoesNotMoveWithTheNotesIsTold) {
     const std::string harmony = "<harmony><root><root-step>C</root-step></root><kind>major</kind></harmony>";
     const std::string fret = "<notations><technical><string>2</string><fret>1</fret></technical></notations>";

@@ -185,12 +185,12 @@ TEST(Shapes, areRecordsWithMarks) {
     EXPECT_EQ(std::vector<int>({shape->kind, shape->firstMeasure, shape->firstEntry, shape->lastMeasure,
                                 shape->lastEntry}),
               std::vector<int>({SHAPE_SLUR, 1, 1, 4, 4}));
-    EXPECT_EQ(shape->flags, SHAPE_ON_ENTRIES);
+    EXPECT_EQ(+shape->flags, SHAPE_ON_ENTRIES);
     for (std::uint16_t m = 1; m <= 4; ++m) {
         const auto mark = score.load<MeasureMarkRecord>(kMeasureMarkTag, EDATAKEY{m, 0});
         ASSERT_TRUE(mark);
-        EXPECT_EQ(mark->shapeNumber, 1);
-        EXPECT_EQ(mark->centerNumber, m == 2 ? 1 : m == 3 ? 2 : 0);
+        EXPECT_EQ(+mark->shapeNumber, 1);
+        EXPECT_EQ(+mark->centerNumber, m == 2 ? 1 : m == 3 ? 2 : 0);
         EXPECT_FALSE(score.load<MeasureMarkRecord>(kMeasureMarkTag, EDATAKEY{m, 1}));
         EXPECT_EQ(score.carriers(static_cast<short>(m)), m == 1 || m == 4 ? "s" : ".");
         EXPECT_EQ(score.load<EntryMarkRecord>(kEntryMarkTag, EENTRYKEY{m, 0}).has_value(), m == 1 || m == 4);

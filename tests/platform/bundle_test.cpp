@@ -107,49 +107,5 @@ TEST_F(BundleTest, WithLoadedCodeIsPreferredAmongEqualIdentifiers) {
     CFBundleUnloadExecutable(second.get());
 }
 
-TEST(MainBundle, IsOneAndLoaded) {
-    auto* const bundle = CFBundleGetMainBundle();
-    ASSERT_NE(bundle, nullptr);
-    EXPECT_EQ(CFBundleGetMainBundle(), bundle);
-    EXPECT_TRUE(CFBundleIsExecutableLoaded(bundle));
-    EXPECT_TRUE(fs::is_regular_file(pathOf(Held<CFURLRef>(CFBundleCopyExecutableURL(bundle)))));
-}
-
-TEST(FileAddress, IsAPathWrittenWholeOrNotAtAll) {
-    EXPECT_FALSE(url(""));
-    EXPECT_FALSE(url(std::string("a\0b", 3)));
-    const auto address = url("/some/where/");
-    EXPECT_TRUE(CFEqual(address.get(), url("/some/where").get()));
-    EXPECT_FALSE(CFEqual(address.get(), url("/some/where", false).get()));
-    EXPECT_FALSE(CFEqual(address.get(), url("/some").get()));
-    EXPECT_EQ(CFGetTypeID(address.get()), CFURLGetTypeID());
-    UInt8 buffer[16] = "~~~~~~~~~~~~~~~";
-    EXPECT_FALSE(CFURLGetFileSystemRepresentation(address.get(), 1, buffer, 11));
-    EXPECT_TRUE(CFURLGetFileSystemRepresentation(address.get(), 1, buffer, 12));
-    EXPECT_STREQ(reinterpret_cast<char*>(buffer), "/some/where");
-    EXPECT_EQ(pathOf(url("relative")), (fs::current_path() / "relative").native());
-}
-
-TEST_F(BundleTest, ThreadsMayOpenReadAndCloseTheSameBundle) {
-    writeInfo(entry("CFBundleIdentifier", "org.rovescio.tests.threads"));
-    write(kTable, "k = v;");
-    const auto shared = string(u"shared");
-    const auto find = [] { return CFBundleGetBundleWithIdentifier(CFSTR("org.rovescio.tests.threads")); };
-    std::atomic<int> right{0};
-    const auto work = [&] {
-        for (int i = 0; i < 200; ++i) {
-            const auto bundle = open();
-            right += localized(u"k") == u"v" && open().get() == bundle.get() && find() == bundle.get();
-        }
-        for (int i = 0; i < 10000; ++i) CFRelease(CFRetain(shared.get()));
-    };
-    std::array<std::thread, 4> threads;
-    for (std::thread& thread : threads) thread = std::thread(work);
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(right, 800);
-    EXPECT_EQ(find(), nullptr);
-    EXPECT_EQ(units(shared), u"shared");
-}
-
 }  // namespace
 }  // namespace platform_tests

@@ -107,19 +107,6 @@ TEST_F(HostileFileTest, EverySingleWrongByteIsSurvived) {
     }
 }
 
-TEST_F(HostileFileTest, NoiseIsSurvived) {
-    std::mt19937 random(20130);
-    std::string noise(std::size_t{10} << 20, '\0');
-    EXPECT_EQ(valueIn(noise), kMiss);
-    for (char& byte : noise) byte = static_cast<char>(random());
-    for (const char* start : {"", "bplist00", "\xFF\xFE"}) EXPECT_EQ(valueIn(start + noise), kMiss);
-    for (char& byte : noise) byte = static_cast<char>(byte & 0x7F);
-    for (const char* start : {"<?xml version=\"1.0\"?>", "k = v; x = \""})
-        EXPECT_EQ(valueIn(start + noise), kMiss);
-    EXPECT_EQ(valueIn({"k = \"a\0b\";", 10}), (std::u16string{u'a', u'\0', u'b'}));
-    EXPECT_EQ(valueIn({"k = a\0b;", 8}), kMiss);
-}
-
 TEST_F(HostileFileTest, SpecialFilesAreNotRead) {
     const auto table = folder() / kTable;
     const std::function<void()> kinds[] = {

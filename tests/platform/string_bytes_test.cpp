@@ -45,16 +45,6 @@ TEST(Decoding, FollowsEachEncoding) {
         EXPECT_EQ(units(decoded(marked, kUtf16, true)), u"A");
 }
 
-TEST(Decoding, EveryMacRomanByteComesBack) {
-    std::string bytes;
-    for (int byte = 1; byte < 256; ++byte) bytes.push_back(static_cast<char>(byte));
-    const HeldString text(CFStringCreateWithCString(kCFAllocatorDefault, bytes.c_str(), kRoman));
-    char back[256] = {};
-    ASSERT_TRUE(CFStringGetCString(text.get(), back, sizeof back, kRoman));
-    EXPECT_EQ(back, bytes);
-    EXPECT_FALSE(CFStringGetCString(text.get(), back, sizeof back, kCFStringEncodingISOLatin1));
-}
-
 TEST(PascalStrings, CarryUpTo255BytesOrLeaveTheBufferAlone) {
     const unsigned char source[] = {3, 'c', 0x8E, '!', 'x'};
     EXPECT_EQ(units(HeldString(CFStringCreateWithPascalString(kCFAllocatorDefault, source, kRoman))), u"cé!");
@@ -77,29 +67,6 @@ TEST(PascalStrings, CarryUpTo255BytesOrLeaveTheBufferAlone) {
     }
     EXPECT_FALSE(CFStringGetPascalString(string(u"a中").get(), buffer, 8, kRoman));
     EXPECT_EQ(buffer[0], 0) << "the encoding lacks a character";
-}
-
-TEST(CStrings, AreWholeOrEmpty) {
-    struct Row {
-        std::u16string_view text;
-        CFIndex size;
-        CFStringEncoding encoding;
-        bool isWritten;
-        char firstByte;  ///< '~' where the buffer stays untouched
-    };
-    const auto cases = table(Row{u"abc", 4, kAscii, true, 'a'}, Row{u"abc", 3, kAscii, false, '\0'},
-                             Row{u"abc", 0, kAscii, false, '~'}, Row{u"", 1, kAscii, true, '\0'},
-                             Row{u"café", 16, kAscii, false, '\0'}, Row{u"中", 16, kRoman, false, '\0'},
-                             Row{u"e\u0301", 16, kRoman, false, '\0'}, Row{u"café", 6, kUtf8, true, 'c'},
-                             Row{u"café", 5, kUtf8, false, '\0'}, Row{u"\xD800", 16, kUtf8, false, '\0'},
-                             Row{u"a", 16, kUnknown, false, '\0'});
-    for (const auto& row : cases) {
-        char buffer[16] = "~~~~~~~~~~~~~~~";
-        EXPECT_EQ(CFStringGetCString(string(row.text).get(), buffer, row.size, row.encoding) != 0,
-                  row.isWritten)
-            << PrintToString(row.text) << row.size;
-        EXPECT_EQ(buffer[0], row.firstByte) << PrintToString(row.text) << row.size;
-    }
 }
 
 TEST(Bytes, StopOrSubstituteWhereTheEncodingOrTheBufferEnds) {
@@ -133,25 +100,6 @@ TEST(Bytes, StopOrSubstituteWhereTheEncodingOrTheBufferEnds) {
         ASSERT_EQ(used, static_cast<CFIndex>(row.bytes.size())) << PrintToString(row.text);
         EXPECT_TRUE(row.capacity < 0 || row.bytes == std::string_view(buffer, row.bytes.size())) << row.bytes;
     }
-}
-
-TEST(Bytes, HaveTheirByteOrderMarkWholeOrNotAtAll) {
-    const auto text = string(u"xNote \u266Dy");
-    UInt8 buffer[32] = {7};
-    CFIndex used = -1;
-    EXPECT_EQ(CFStringGetBytes(text.get(), CFRangeMake(1, 6), kUtf16, 0, 1, buffer, 1, &used), 0);
-    EXPECT_EQ(used, 0);
-    EXPECT_EQ(buffer[0], 7);
-    EXPECT_EQ(CFStringGetBytes(text.get(), CFRangeMake(1, 6), kUtf16, 0, 1, buffer, 32, &used), 6);
-    ASSERT_EQ(used, 14);
-    EXPECT_EQ(units(decoded({reinterpret_cast<char*>(buffer), 14}, kUtf16, true)), u"Note \u266D");
-}
-
-TEST(MaximumSize, HoldsForTheWorstText) {
-    EXPECT_EQ(CFStringGetMaximumSizeForEncoding(10, kRoman), 10);
-    EXPECT_GE(CFStringGetMaximumSizeForEncoding(10, kUtf8), 30);
-    EXPECT_GE(CFStringGetMaximumSizeForEncoding(10, kUtf16), 20);
-    EXPECT_EQ(CFStringGetMaximumSizeForEncoding(10, kUnknown), kCFNotFound);
 }
 
 }  // namespace

@@ -106,24 +106,6 @@ TEST(Numbers, AreReadInAnyWidthThatHoldsThem) {
     EXPECT_EQ(CFGetTypeID(kCFBooleanTrue), CFBooleanGetTypeID());
 }
 
-TEST(References, KeepAnObjectUntilTheLastIsGivenBack) {
-    auto text = string(u"kept");
-    const HeldString copy(CFStringCreateCopy(kCFAllocatorDefault, text.get()));
-    const HeldString retained(static_cast<CFStringRef>(CFRetain(text.get())));
-    text.reset();
-    EXPECT_EQ(units(copy) + units(retained), u"keptkept");
-}
-
-TEST(Constants, OutliveEveryRelease) {
-    const auto constant = [] { return CFSTR("constant text"); };
-    for (int i = 0; i < 3; ++i) {
-        // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount): one release too many is the point
-        CFRelease(constant());
-    }
-    EXPECT_EQ(units(constant()), u"constant text");
-    EXPECT_EQ(constant(), constant());
-}
-
 TEST(NullArguments, EndTheProcess) {
     // NOLINTNEXTLINE(clang-analyzer-osx.coreFoundation.CFRetainRelease): the fault under test
     EXPECT_DEATH(CFRelease(nullptr), "");

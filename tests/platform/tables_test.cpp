@@ -106,28 +106,5 @@ TEST_F(BundleTest, AMissGivesTheValueOrTheKeyItself) {
     EXPECT_EQ(units(copy(CFSTR("empty"), CFSTR("instead"))), u"");
 }
 
-TEST_F(BundleTest, TablesAreNamedExactly) {
-    write(kTable, "k = default;");
-    write("Contents/Resources/Other.strings", "k = other;");
-    for (const auto name : {CFStringRef{}, CFSTR(""), CFSTR("Localizable")})
-        EXPECT_EQ(localized(u"k", name), u"default");
-    EXPECT_EQ(localized(u"k", CFSTR("Other")), u"other");
-    for (const auto name : {CFSTR("OTHER"), CFSTR("Missing"), CFSTR("../Resources/Other")})
-        EXPECT_EQ(localized(u"k", name), kMiss);
-}
-
-TEST_F(BundleTest, TheDevelopmentRegionBaseEnglishAndTheRootFollowInPreference) {
-    using Row = std::tuple<std::string, std::string, std::u16string_view>;
-    const auto steps = table(Row{"", "fr.lproj/", kMiss},
-                             Row{entry("CFBundleDevelopmentRegion", "fr"), "fr.lproj/", u"fr.lproj/"},
-                             Row{"", "Base.lproj/", u"Base.lproj/"},
-                             Row{"", "English.lproj/", u"English.lproj/"}, Row{"", "", u""});
-    for (const auto& [info, place, text] : steps) {
-        writeInfo(info);
-        write("Contents/Resources/" + place + "Localizable.strings", "k = \"" + place + "\";");
-        EXPECT_EQ(localized(u"k"), text) << place;
-    }
-}
-
 }  // namespace
 }  // namespace platform_tests

@@ -176,8 +176,8 @@ TEST(MidiFileTest, LoudnessFollowsMarksAndHairpins) {
     };
     for (const auto& c : cases) {
         std::vector<int> velocities;
-        for (const auto& heard : heardOf(scoreOf(c.measures)).tracks.at(1).notes)
-            velocities.push_back(heard.velocity);
+        const auto notes = heardOf(scoreOf(c.measures)).tracks.at(1).notes;
+        for (const auto& heard : notes) velocities.push_back(heard.velocity);
         EXPECT_EQ(velocities, c.velocities) << c.what;
     }
 }
@@ -248,25 +248,6 @@ TEST(MidiFileTest, PlaysTheStavesAskedForWithTheirSounds) {
 
     EXPECT_EQ(heardOf(score, {2, 2, {1}}, {true, false, true, true}).notes(), "0+2:74 2+2:76")
         << "only the staves, measures and layers asked for; a tie from before sounds anew";
-}
-
-// The tenth channel is for percussion, so the tenth instrument takes the next; the seventeenth shares one.
-TEST(MidiFileTest, SharesChannelsWhenThereAreTooFew) {
-    std::string list;
-    std::string parts;
-    for (int i = 1; i <= 17; ++i) {
-        const std::string id = std::to_string(i);
-        list.append("<score-part id=\"P" + id + "\"><part-name/><score-instrument id=\"I" + id +
-                    "\"/><midi-instrument id=\"I" + id + "\"><midi-program>" +
-                    std::to_string(i == 17 ? 3 : i) + "</midi-program></midi-instrument></score-part>");
-        parts.append("<part id=\"P" + id + "\"><measure number=\"1\">" + note("c4:w") + "</measure></part>");
-    }
-    const HeardFile file =
-        heardOf("<score-partwise><part-list>" + list + "</part-list>" + parts + "</score-partwise>");
-    std::vector<int> channels;
-    for (std::size_t i = 1; i < file.tracks.size(); ++i)
-        channels.push_back(file.tracks[i].notes.at(0).channel);
-    EXPECT_EQ(channels, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 10, 11, 12, 13, 14, 15, 15, 2}));
 }
 
 }  // namespace
