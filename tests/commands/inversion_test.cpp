@@ -6,6 +6,9 @@
 // After gtest, which it builds on.
 #include <rapidcheck/gtest.h>
 
+#include <set>
+#include <string>
+
 namespace {
 
 using rovescio::engine::KeySignature;
@@ -197,6 +200,29 @@ RC_GTEST_PROP(Inversions, TwiceGivesTheSameNotes, ()) {
         afterEach(note, 2, [&](EREGION* region, CProgress* p) { return InvDiatonic(region, axis, p); });
     RC_ASSERT(diatonicTwice[1] == note.pitch);
     RC_ASSERT(diatonicTwice[0].step == 2 * axis - note.pitch.step);
+}
+
+// Of chords within an octave; wider ones need not come back.
+RC_GTEST_PROP(InvChords, UpAndDownAsOftenGivesTheSameChord, ()) {
+    const auto degrees = *rc::gen::suchThat(rc::gen::container<std::set<int>>(rc::gen::inRange(0, 7)),
+                                            [](const std::set<int>& chosen) { return chosen.size() > 1; });
+    const int times = *rc::gen::inRange(1, 6);
+    std::string chord;
+    for (const int degree : degrees)
+        chord += (chord.empty() ? "<" : " ") + std::string(1, "cdefgab"[degree]) + "4";
+    EngineFixture engine({*rc::gen::element<std::string>("C", "d", "Gb", "f#") + " 4/4 " + chord + ">:w"});
+    const auto pitches = [&] {
+        std::string text = textOf(engine.document);
+        std::erase(text, '!');
+        return text;
+    };
+    const std::string before = pitches();
+    EREGION region = engine.everything();
+    for (int i = 0; i < 2 * times; ++i) {
+        const auto invert = i < times ? InvChordUp : InvChordDown;
+        engine.run([&](CProgress* p) { return invert(&region, kSingleNotesInSteps, 0, 0, p); });
+    }
+    RC_ASSERT(pitches() == before);
 }
 
 }  // namespace
