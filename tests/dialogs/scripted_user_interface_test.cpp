@@ -16,13 +16,10 @@ using rovescio::dialogs::Answer;
 using rovescio::dialogs::DialogResources;
 using rovescio::dialogs::Meanwhile;
 using rovescio::dialogs::Press;
-using rovescio::dialogs::Read;
-using rovescio::dialogs::Reading;
 using rovescio::dialogs::Script;
 using rovescio::dialogs::ScriptedUserInterface;
 using rovescio::dialogs::Scripts;
 using rovescio::dialogs::Set;
-using rovescio::dialogs::Strike;
 using rovescio::engine::Rule;
 
 // Dialog 100 has one item of each kind, dialog 200 only a button.
