@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "engine/accidentals.h"
+#include "engine/shape_ends.h"
 #include "engine/strictness.h"
 #include "engine/ties.h"
 
@@ -37,8 +38,10 @@ void MassEdits::end(SXMassEdit handle, bool cancelled) {
     if (!cancelled) {
         // The edit stays open while the host adds what follows from the changes, so that undo takes it back
         // too.
-        breakWrongTies(document_, *this, changedFrames(*open_.back()));
-        decideAccidentals(document_, *this, changedFrames(*open_.back()));
+        const std::vector<FrameAddress> frames = changedFrames(*open_.back());
+        breakWrongTies(document_, *this, frames);
+        decideAccidentals(document_, *this, frames);
+        dropMarksOfDeleted(document_, *this, frames);
     }
     const std::unique_ptr<Edit> edit = std::move(open_.back());
     open_.pop_back();
