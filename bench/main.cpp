@@ -2,9 +2,14 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <limits>
 #include <map>
 
 #include "ratios.h"
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace rovescio::bench {
 namespace {
@@ -53,10 +58,20 @@ class Collector : public benchmark::ConsoleReporter {
     std::map<std::string, double> counters_;
 };
 
+// Memory that a run gives back stays with the process. Otherwise small scores would find it warm and large
+// ones not, and their comparison would be one of page faults.
+void keepMemory() {
+#ifdef __GLIBC__
+    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+    mallopt(M_MMAP_MAX, 0);
+#endif
+}
+
 }  // namespace
 }  // namespace rovescio::bench
 
 int main(int argc, char** argv) {
+    rovescio::bench::keepMemory();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     rovescio::bench::Collector collector;

@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "cli/cancel.h"
+#include "musicxml/large_pages.h"
 
 namespace rovescio::cli {
 
@@ -169,7 +170,7 @@ Result<std::string> readScoreBytes(const std::string& path, std::size_t maximum)
     std::string bytes;
     if (S_ISREG(status.st_mode)) {
         if (static_cast<std::uintmax_t>(status.st_size) > maximum) return tooLarge(path, maximum);
-        bytes.reserve(static_cast<std::size_t>(status.st_size) + 1);
+        musicxml::reserveInLargePages(bytes, static_cast<std::size_t>(status.st_size) + 1);
     }
     constexpr std::size_t kPiece = std::size_t{1} << 18;
     while (true) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -22,6 +23,20 @@ std::string place(const FrameAddress& address) {
            ", layer " + std::to_string(address.layer + 1);
 }
 
+// From the least to the greatest number of a frame's entries.
+struct NumberSpan {
+    std::uint32_t least = std::numeric_limits<std::uint32_t>::max();
+    std::uint32_t greatest = 0;
+
+    explicit NumberSpan(const PackedEntries& entries) {
+        for (const StoredEntry& entry : entries) {
+            least = std::min<std::uint32_t>(least, entry.entryNumber);
+            greatest = std::max<std::uint32_t>(greatest, entry.entryNumber);
+        }
+    }
+    [[nodiscard]] bool contains(std::uint32_t number) const { return number >= least && number <= greatest; }
+};
+
 bool notesBeyondCount(const EXENTRY& entry) {
     static constexpr ENOTE kNone[kMaxNotes] = {};
     const auto used = static_cast<std::size_t>(std::clamp<int>(entry.noteCount, 0, kMaxNotes));
@@ -37,11 +52,7 @@ EXTGF2005a* LoadedFrames::load(const FrameAddress& address) {
     if (!document_.has(address.staff, address.measure) || address.layer < 0 || address.layer >= kMaxLayers) {
         return nullptr;
     }
-    if (idle_.empty()) {
-        Frame& fresh = frames_.emplace_back();
-        byRecord_.emplace(&fresh.record, &fresh);
-        idle_.push_back(&fresh);
-    }
+    if (idle_.empty()) addFrames();
     Frame& frame = *idle_.back();
     idle_.pop_back();
     if (retired_.size() >= kRetiredBuffers) {
@@ -64,19 +75,37 @@ EXTGF2005a* LoadedFrames::load(const FrameAddress& address) {
     return &frame.record;
 }
 
+void LoadedFrames::addFrames() {
+    constexpr std::size_t kFirst = 16;
+    const std::size_t count = groups_.empty() ? kFirst : 2 * groups_.back().count;
+    const Group& group = groups_.emplace_back(Group{std::make_unique<Frame[]>(count), count});
+    for (std::size_t i = count; i > 0; --i) idle_.push_back(&group.frames[i - 1]);
+}
+
+LoadedFrames::Frame* LoadedFrames::frameOf(const EXTGF2005a* record) const {
+    const auto place = reinterpret_cast<std::uintptr_t>(record);
+    for (auto group = groups_.rbegin(); group != groups_.rend(); ++group) {
+        // Wraps round to a large distance for a record before the group.
+        const std::size_t distance = place - reinterpret_cast<std::uintptr_t>(group->frames.get());
+        if (distance >= group->count * sizeof(Frame)) continue;
+        return distance % sizeof(Frame) == 0 ? &group->frames[distance / sizeof(Frame)] : nullptr;
+    }
+    return nullptr;
+}
+
 void LoadedFrames::show(Frame& frame) {
     frame.record.entries = frame.entries.data();
     frame.record.entryCount = static_cast<std::int16_t>(frame.entries.size());
 }
 
 LoadedFrames::Frame* LoadedFrames::find(EXTGF2005a* record, const char* call, Rule ifFreed) {
-    const auto known = byRecord_.find(record);
-    if (known == byRecord_.end()) {
+    Frame* const known = frameOf(record);
+    if (known == nullptr) {
         ruleBroken(Rule::frameUnknown,
                    std::string(call) + " was called with a frame that the host never gave");
         return nullptr;
     }
-    Frame& frame = *known->second;
+    Frame& frame = *known;
     if (!frame.live) {
         ruleBroken(ifFreed,
                    std::string(call) + " was called with the freed frame of " + place(frame.address));
@@ -183,12 +212,16 @@ bool LoadedFrames::save(EXTGF2005a* record) {
     const PackedEntries& before = document_.entries(frame->address);
     PackedEntries saved = PackedEntries::withRoom(bytes);
     auto old = before.begin();
+    const NumberSpan numbers(before);
     for (EXENTRY entry : frame->entries) {
         const auto isSame = [&](const StoredEntry& stored) {
             return stored.entryNumber == entry.entryNumber;
         };
-        // Mostly the entries are still the same in the same order.
-        if (old == before.end() || !isSame(*old)) old = std::find_if(before.begin(), before.end(), isSame);
+        // Mostly the entries are still the same in the same order, or all of them come from other frames.
+        if (old == before.end() || !isSame(*old)) {
+            old = numbers.contains(entry.entryNumber) ? std::find_if(before.begin(), before.end(), isSame)
+                                                      : before.end();
+        }
         normalise(entry, old == before.end() ? nullptr : &*old);
         saved.append(entry);
         if (old != before.end()) ++old;
@@ -223,10 +256,13 @@ void LoadedFrames::checkUntouched(const Retired& retired) {
 }
 
 void LoadedFrames::checkBalanced() {
-    for (Frame& frame : frames_) {
-        if (!frame.live) continue;
-        ruleBroken(Rule::frameNotFreed, "the frame of " + place(frame.address) + " was loaded and not freed");
-        free(&frame.record);
+    for (const Group& group : groups_) {
+        for (Frame& frame : std::span(group.frames.get(), group.count)) {
+            if (!frame.live) continue;
+            ruleBroken(Rule::frameNotFreed,
+                       "the frame of " + place(frame.address) + " was loaded and not freed");
+            free(&frame.record);
+        }
     }
     for (const Retired& retired : retired_) checkUntouched(retired);
     retired_.clear();

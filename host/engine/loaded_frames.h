@@ -3,7 +3,7 @@
 
 #include <cstdint>
 #include <deque>
-#include <unordered_map>
+#include <memory>
 #include <vector>
 
 #include "contract/records.h"
@@ -36,7 +36,7 @@ class LoadedFrames {
 
   private:
     struct Frame {
-        EXTGF2005a record{};
+        EXTGF2005a record{};  // first, so that the record's place is the frame's
         FrameAddress address;
         std::vector<EXENTRY> entries;
         bool live = false;
@@ -45,6 +45,14 @@ class LoadedFrames {
         std::vector<EXENTRY> entries;
         FrameAddress address;
     };
+    // Frames side by side, twice as many each time; they never move.
+    struct Group {
+        std::unique_ptr<Frame[]> frames;
+        std::size_t count = 0;
+    };
+    void addFrames();
+    // The frame, live or not, that a record belongs to; null for a record that is none of these.
+    [[nodiscard]] Frame* frameOf(const EXTGF2005a* record) const;
     // The live frame of a record, or null after reporting what is wrong with it.
     Frame* find(EXTGF2005a* record, const char* call, Rule ifFreed);
     static void show(Frame& frame);
@@ -54,8 +62,7 @@ class LoadedFrames {
 
     Document& document_;
     MassEdits& massEdits_;
-    std::deque<Frame> frames_;  // addresses stay valid while it grows
-    std::unordered_map<const EXTGF2005a*, Frame*> byRecord_;
+    std::vector<Group> groups_;
     std::vector<Frame*> idle_;
     std::deque<Retired> retired_;
     std::int64_t loads_ = 0;

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "musicxml/large_pages.h"
 #include "musicxml/text_walk.h"
 
 namespace rovescio::musicxml {
@@ -45,7 +46,7 @@ class TextEdits {
     // A stretch of the text with its edits, all of which must be settled.
     [[nodiscard]] std::string edited(std::size_t begin, std::size_t end) const;
     // Makes room for so many bytes of replacements.
-    void reserve(std::size_t bytes) { pool_.reserve(pool_.size() + bytes); }
+    void reserve(std::size_t bytes) { reserveInLargePages(pool_, bytes); }
     // Replaces a stretch of the text together with the edits inside it. All edits must be settled first, and
     // again when the last stretch has been replaced.
     void replaceStretch(std::size_t begin, std::size_t end, std::string_view replacement);

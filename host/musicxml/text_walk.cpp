@@ -1,6 +1,7 @@
 // Places of tags and attributes in XML text.
 #include "musicxml/text_walk.h"
 
+#include <algorithm>
 #include <pugixml.hpp>
 
 #include "musicxml/numbers.h"
@@ -25,6 +26,16 @@ std::size_t findFirst(std::string_view text, std::size_t from, Property&& proper
     return from;
 }
 
+// The next place of a character. In a score it is mostly near, nearer than a search for far ones pays off.
+std::size_t findNear(std::string_view text, std::size_t from, char wanted) {
+    constexpr std::size_t kNear = 24;
+    const std::size_t last = std::min(text.size(), from + kNear);
+    for (; from < last; ++from) {
+        if (text[from] == wanted) return from;
+    }
+    return text.find(wanted, from);
+}
+
 // The '>' that ends a tag; one inside a quoted value does not count.
 std::size_t tagEnd(std::string_view text, std::size_t from) {
     const auto isMark = [](char c) { return c == '>' || c == '"' || c == '\''; };
@@ -45,7 +56,7 @@ void TextWalk::restart(std::size_t offset) {
 }
 
 std::size_t TextWalk::findTag() const {
-    std::size_t begin = text_.find('<', next_);
+    std::size_t begin = findNear(text_, next_, '<');
     while (begin != std::string_view::npos && (text_[begin + 1] == '!' || text_[begin + 1] == '?')) {
         const std::string_view rest = text_.substr(begin);
         const std::string_view mark = rest.starts_with("<!--") ? "-->"
@@ -62,7 +73,7 @@ TextWalk::Tag TextWalk::nextTag() {
     if (begin == std::string_view::npos) return Tag::none;
     if (text_[begin + 1] == '/') {
         closeBegin_ = begin;
-        next_ = text_.find('>', begin) + 1;
+        next_ = findNear(text_, begin + 2, '>') + 1;
         --open_;
         return Tag::close;
     }

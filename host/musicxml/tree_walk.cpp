@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "musicxml/large_pages.h"
 #include "musicxml/numbers.h"
 #include "musicxml/tag_names.h"
 
@@ -33,6 +34,7 @@ TreeWalk::TreeWalk(std::string_view text) {
         fail(XmlFault::tooMany, 0);
         return;
     }
+    reserveInLargePages(copy_, text.size());
     copy_ = text;
     const pugi::xml_parse_result result =
         tree_.load_buffer_inplace(copy_.data(), copy_.size(), kParseFlags, pugi::encoding_utf8);
