@@ -82,7 +82,7 @@ Result<PluginBundle> PluginBundle::load(const std::string& path) {
                        {},
                        "Name an existing bundle with --plugin, or install Rovescio again"};
     }
-    static EntryPoints entryPoints;
+    EntryPoints entryPoints{};
     std::string missing;
     const auto find = [&](auto& entry, const char* name) {
         entry = reinterpret_cast<std::remove_reference_t<decltype(entry)>>(functionNamed(bundle, name));
@@ -107,7 +107,7 @@ Result<PluginBundle> PluginBundle::load(const std::string& path) {
     PluginBundle plugin;
     plugin.path_ = path;
     plugin.bundle_ = bundle;
-    plugin.entryPoints_ = &entryPoints;
+    plugin.entryPoints_ = std::make_shared<const EntryPoints>(entryPoints);
     return plugin;
 }
 

@@ -4,6 +4,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "contract/records.h"
@@ -40,7 +41,7 @@ class PluginBundle {
     struct EntryPoints;
     std::string path_;
     CFBundleRef bundle_ = nullptr;
-    const EntryPoints* entryPoints_ = nullptr;
+    std::shared_ptr<const EntryPoints> entryPoints_;
 };
 
 }  // namespace rovescio::engine
