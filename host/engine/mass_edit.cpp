@@ -38,8 +38,9 @@ void MassEdits::end(SXMassEdit handle, bool cancelled) {
     if (!cancelled) {
         // The edit stays open while the host adds what follows from the changes, so that undo takes it back
         // too.
+        breakWrongTies(document_, *this, changedFrames(*open_.back()));
+        for (const StaffSpan& span : open_.back()->rebarred) dropLooseTies(document_, *this, span);
         const std::vector<FrameAddress> frames = changedFrames(*open_.back());
-        breakWrongTies(document_, *this, frames);
         decideAccidentals(document_, *this, frames);
         dropMarksOfDeleted(document_, *this, frames);
     }

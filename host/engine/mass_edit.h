@@ -48,7 +48,7 @@ class MassEdits {
     // The key of a measure before the innermost open edit.
     [[nodiscard]] const KeySignature& keyBefore(short staff, short measure) const;
 
-    // The entries of these measures were laid out anew, with ties that fit.
+    // The entries of these measures were laid out anew. Half ties there are dropped when the edit ends.
     void markRebarred(const StaffSpan& span);
     [[nodiscard]] bool isRebarred(short staff, short measure) const;
 

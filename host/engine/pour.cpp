@@ -2,6 +2,7 @@
 #include "engine/pour.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace rovescio::engine {
 
@@ -41,6 +42,7 @@ class Pour {
     }
 
     void add(std::uint32_t item, std::int32_t duration, Fraction start) {
+        if (++inMeasure_ > std::numeric_limits<std::int16_t>::max()) fail("too many notes come together");
         result_.pieces.push_back({.item = item,
                                   .firstItem = item,
                                   .lastItem = item,
@@ -81,6 +83,7 @@ class Pour {
                     return fail("the notes are more than the measure holds");
                 ++measure_;
                 position_ = 0;
+                inMeasure_ = 0;
             }
             if (!continues) placeWaiting();
             const Fraction room = length() - position_;
@@ -113,7 +116,9 @@ class Pour {
             return false;
         }
         std::vector<std::int32_t> values = {nominal.floor()};
-        if (!items_[index].isRest() && !isWritable(values.front(), kDotsOfPiece)) {
+        // Plain rests are grouped later.
+        const bool grouped = items_[index].isRest() && state.actual == state.normal;
+        if (!grouped && !isWritable(values.front(), kDotsOfPiece)) {
             const bool plain = state.actual == state.normal && position_.isWhole();
             values = plain ? splitByMetre(position_.floor(), values.front(), measures_[measure_])
                            : splitPlainly(values.front());
@@ -132,6 +137,7 @@ class Pour {
     const std::vector<PourItem>& items_;
     const std::vector<Metre>& measures_;
     std::size_t measure_ = 0;
+    int inMeasure_ = 0;  // entries so far; a frame counts them with 16 bits
     Fraction position_;
     std::vector<std::uint32_t> waiting_;  // grace entries before their note
     PourResult result_;

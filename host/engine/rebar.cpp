@@ -11,7 +11,6 @@
 
 #include "engine/pour.h"
 #include "engine/session.h"
-#include "engine/ties.h"
 
 namespace rovescio::engine {
 
@@ -130,7 +129,6 @@ class StaffRebar {
                 edits_.replace(frame(i, layer.number), std::move(layer.frames[i]));
             }
         }
-        dropLooseTies(document_, edits_, {staff_, first_, last_});
         edits_.markRebarred({staff_, first_, last_});
     }
 

@@ -11,9 +11,10 @@ namespace {
 
 using Members = std::vector<GroupMember*>;
 
-std::string_view outerBeam(const GroupMember& member) {
+// What a member's text says about its beam of a level, from 1 outside; empty when it has none.
+std::string_view beamOf(const GroupMember& member, std::size_t level) {
     for (const BeamMark& beam : member.groups.beams) {
-        if (beam.number.empty() || beam.number == "1") return beam.value;
+        if (beam.number.empty() ? level == 1 : beam.number == std::to_string(level)) return beam.value;
     }
     return {};
 }
@@ -61,7 +62,7 @@ class BeamMender {
         for (std::size_t i = 0; i < members_.size(); ++i) {
             const GroupMember& member = *members_[i];
             if (member.grace != grace) continue;
-            const std::string_view beam = outerBeam(member);
+            const std::string_view beam = beamOf(member, 1);
             if (beam.empty()) {
                 if (!member.rest) breakOpen();
                 continue;
@@ -76,10 +77,30 @@ class BeamMender {
             open.push_back(i);
             cut = cut || member.cut;
             if (beam != "end") continue;
-            if (cut) breakOpen();
+            if (cut || !innerBeamsFit(open)) breakOpen();
             open.clear();
         }
         breakOpen();
+    }
+
+    // Whether each beam inside a group that begins there also ends there. A group of which a part has turned
+    // round is looked at; any other is as it was.
+    [[nodiscard]] bool innerBeamsFit(const std::vector<std::size_t>& group) const {
+        const auto isMirrored = [&](std::size_t index) { return members_[index]->mirrored; };
+        if (std::ranges::all_of(group, isMirrored) || std::ranges::none_of(group, isMirrored)) return true;
+        std::size_t levels = 0;
+        for (const std::size_t index : group) levels = std::max(levels, members_[index]->groups.beams.size());
+        for (std::size_t level = 2; level <= levels; ++level) {
+            bool running = false;
+            for (const std::size_t index : group) {
+                const std::string_view beam = beamOf(*members_[index], level);
+                const bool arrives = beam == "continue" || beam == "end";
+                if (arrives != running) return false;
+                running = beam == "continue" || beam == "begin";
+            }
+            if (running) return false;
+        }
+        return true;
     }
 
     [[nodiscard]] bool isSameBeat(const GroupMember& earlier, const GroupMember& later) const {
@@ -118,19 +139,17 @@ class BeamMender {
 
 class BracketMender {
   public:
-    explicit BracketMender(const Members& members) : members_(members) {}
+    BracketMender(const Members& members, const IdSource& nextId) : members_(members), nextId_(nextId) {}
 
     void mend() {
         for (GroupMember* const member : members_) {
-            for (TupletMark& mark : member->groups.tuplets) mark.start = mark.start != member->mirrored;
+            if (!member->mirrored) continue;
+            std::vector<TupletMark>& marks = member->groups.tuplets;
+            for (TupletMark& mark : marks) mark.start = !mark.start;
+            std::reverse(marks.begin(), marks.end());
         }
-        for (std::size_t i = 0; i < members_.size(); ++i) visit(i);
-        while (!open_.empty()) {
-            const Place start = open_.back();
-            open_.pop_back();
-            close(start);
-        }
-        for (const auto& [member, mark] : added_) members_[member]->groups.tuplets.push_back(mark);
+        pair();
+        if (!loose_.empty()) replaceLoose();
         for (GroupMember* const member : members_) {
             for (TupletMark& mark : member->groups.tuplets) mark = asItSays(std::move(mark));
         }
@@ -141,42 +160,108 @@ class BracketMender {
         std::size_t member = 0;
         std::size_t mark = 0;
     };
+    struct Bracket {
+        std::size_t first = 0;
+        std::size_t last = 0;
+        std::string number;
+    };
     TupletMark& at(const Place& place) { return members_[place.member]->groups.tuplets[place.mark]; }
 
-    void visit(std::size_t index) {
-        std::vector<TupletMark>& marks = members_[index]->groups.tuplets;
-        for (std::size_t i = 0; i < marks.size(); ++i) {
-            const Place here{index, i};
-            if (marks[i].start) {
-                open_.push_back(here);
-                continue;
+    // Finds the brackets that are whole, and the ends that have lost the other one.
+    void pair() {
+        std::vector<Place> open;
+        for (std::size_t index = 0; index < members_.size(); ++index) {
+            std::vector<TupletMark>& marks = members_[index]->groups.tuplets;
+            for (std::size_t i = 0; i < marks.size(); ++i) {
+                const Place here{index, i};
+                if (marks[i].start) {
+                    open.push_back(here);
+                    continue;
+                }
+                const auto start = std::find_if(open.rbegin(), open.rend(), [&](const Place& place) {
+                    return at(place).number == marks[i].number;
+                });
+                if (start == open.rend()) {
+                    loose_.push_back(here);
+                    continue;
+                }
+                // The start of a group that is read backwards has the bracket's look with it, so the two
+                // change places.
+                if (members_[index]->mirrored && members_[start->member]->mirrored) {
+                    std::swap(at(*start).text, marks[i].text);
+                }
+                whole_.push_back({start->member, index, marks[i].number});
+                open.erase(std::next(start).base());
             }
-            const auto start = std::find_if(open_.rbegin(), open_.rend(), [&](const Place& place) {
-                return at(place).number == marks[i].number;
+        }
+        loose_.insert(loose_.end(), open.begin(), open.end());
+    }
+
+    // Puts a bracket over the notes of a tuplet around each loose end. The end stays if it is where the
+    // bracket ends.
+    void replaceLoose() {
+        std::vector<std::pair<Bracket, TupletMark>> made;  // with a loose end
+        std::vector<std::vector<bool>> gone(members_.size());
+        for (const Place& place : loose_) {
+            gone[place.member].resize(members_[place.member]->groups.tuplets.size());
+            gone[place.member][place.mark] = true;
+            if (!members_[place.member]->tuplet) continue;
+            Bracket bracket = around(place);
+            const bool known = std::ranges::any_of(made, [&](const auto& other) {
+                return other.first.first == bracket.first && other.first.number == bracket.number;
             });
-            if (start == open_.rend()) {
-                openFor(here);
-                continue;
+            if (!known) made.emplace_back(std::move(bracket), at(place));
+        }
+        std::vector<std::vector<TupletMark>> kept(members_.size());
+        for (std::size_t index = 0; index < members_.size(); ++index) {
+            std::vector<TupletMark>& marks = members_[index]->groups.tuplets;
+            for (std::size_t i = gone[index].size(); i-- > 0;) {
+                if (!gone[index][i]) continue;
+                kept[index].push_back(std::move(marks[i]));
+                marks.erase(marks.begin() + static_cast<std::ptrdiff_t>(i));
             }
-            // The start of a group that is read backwards has the bracket's look with it, so the two change
-            // places.
-            if (members_[index]->mirrored && members_[start->member]->mirrored) {
-                std::swap(at(*start).text, marks[i].text);
-            }
-            open_.erase(std::next(start).base());
+        }
+        for (const auto& [bracket, look] : made) {
+            std::vector<TupletMark>& first = members_[bracket.first]->groups.tuplets;
+            first.insert(first.begin(), endOf(bracket, look, true, kept[bracket.first]));
+            members_[bracket.last]->groups.tuplets.push_back(endOf(bracket, look, false, kept[bracket.last]));
         }
     }
 
-    // A bracket that begins in another measure is begun again here.
-    void openFor(const Place& stop) {
-        std::size_t first = stop.member;
-        while (first > 0 && members_[first - 1]->tuplet) --first;
-        added_.emplace_back(first, TupletMark{at(stop).number, true, at(stop).text});
+    TupletMark endOf(const Bracket& bracket, const TupletMark& look, bool start,
+                     const std::vector<TupletMark>& kept) const {
+        const auto own = std::ranges::find_if(kept, [&](const TupletMark& mark) {
+            return mark.start == start && mark.number == bracket.number;
+        });
+        return own != kept.end() ? *own : TupletMark{bracket.number, start, withId(look.text, nextId_())};
     }
-    void close(const Place& start) {
-        std::size_t last = start.member;
-        while (last + 1 < members_.size() && members_[last + 1]->tuplet) ++last;
-        added_.emplace_back(last, TupletMark{at(start).number, false, at(start).text});
+
+    // The notes of a tuplet around a place that follow each other and have no whole bracket of that number.
+    [[nodiscard]] Bracket around(const Place& place) {
+        Bracket bracket{place.member, place.member, at(place).number};
+        const auto belongs = [&](std::size_t index) {
+            return members_[index]->tuplet && std::ranges::none_of(whole_, [&](const Bracket& other) {
+                       return other.number == bracket.number && other.first <= index && index <= other.last;
+                   });
+        };
+        for (std::size_t i = place.member; i-- > 0 && follows(i);) {
+            if (members_[i]->grace) continue;
+            if (!belongs(i)) break;
+            bracket.first = i;
+        }
+        for (std::size_t i = place.member + 1; i < members_.size() && follows(i - 1); ++i) {
+            if (members_[i]->grace) continue;
+            if (!belongs(i)) break;
+            bracket.last = i;
+        }
+        return bracket;
+    }
+
+    // Whether the next member begins where this one ends, or with it.
+    [[nodiscard]] bool follows(std::size_t index) const {
+        const GroupMember& earlier = *members_[index];
+        const GroupMember& later = *members_[index + 1];
+        return earlier.start == later.start || earlier.start + earlier.length == later.start;
     }
 
     // The element's own type is the only place that still can tell the other end.
@@ -188,15 +273,16 @@ class BracketMender {
     }
 
     const Members& members_;
-    std::vector<Place> open_;
-    std::vector<std::pair<std::size_t, TupletMark>> added_;
+    const IdSource& nextId_;
+    std::vector<Bracket> whole_;
+    std::vector<Place> loose_;
 };
 
 }  // namespace
 
-void mendGroups(std::vector<GroupMember*>& members, const engine::Metre& metre) {
+void mendGroups(std::vector<GroupMember*>& members, const engine::Metre& metre, const IdSource& nextId) {
     BeamMender(members, engine::feltBeat(metre)).mend();
-    BracketMender(members).mend();
+    BracketMender(members, nextId).mend();
 }
 
 }  // namespace rovescio::musicxml

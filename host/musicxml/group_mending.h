@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <string>
 #include <vector>
 
 #include "engine/fraction.h"
@@ -23,8 +25,12 @@ struct GroupMember {
     NoteGroups groups;      // as they were; afterwards as they are to be
 };
 
+// Gives an id that no other element of the score has.
+using IdSource = std::function<std::string()>;
+
 // A beam or bracket that is whole is kept, turned round where the order is. Beams that have lost a member are
-// made anew inside the beat; brackets that have lost an end are closed inside the measure.
-void mendGroups(std::vector<GroupMember*>& members, const engine::Metre& metre);
+// made anew inside the beat. A bracket that has lost an end is put over its notes in this measure; an end
+// that is made for it has an id, by which it is known and left out when the notes are put together again.
+void mendGroups(std::vector<GroupMember*>& members, const engine::Metre& metre, const IdSource& nextId);
 
 }  // namespace rovescio::musicxml

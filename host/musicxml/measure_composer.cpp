@@ -167,7 +167,7 @@ void MeasureComposer::mend(Stream& stream) {
         });
         members.push_back(&member);
     }
-    mendGroups(members, metre_);
+    mendGroups(members, metre_, [&] { return cutPrefix_ + std::to_string(++cuts_); });
 }
 
 void MeasureComposer::chooseDivisions(const Divisions& divisions) {

@@ -65,8 +65,7 @@ MeasureText::MeasureText(std::string_view text, const Decimal& divisions) : size
     for (const std::size_t level = walk.enter(); walk.next(level);) {
         Element child = walk.element();
         const std::uint64_t name = walk.tagNumber();
-        if (reached == measure.contentBegin)
-            indentation_ = text.substr(measure.contentBegin, child.begin - measure.contentBegin);
+        if (indentation_.empty()) indentation_ = text.substr(reached, child.begin - reached);
         const bool timed = name == tag("note") || name == tag("backup") || name == tag("forward") ||
                            name == tag("attributes");
         Timing timing = timed ? timingOf(walk, text) : Timing{};

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "musicxml/note_reading.h"
 #include "musicxml/tag_names.h"
 
 namespace rovescio::musicxml {
@@ -22,7 +23,7 @@ void readGroup(TextWalk& walk, std::string_view text, NoteGroups& groups) {
         }
         case tag("notations"):
             for (const std::size_t inner = walk.enter(); walk.next(inner);) {
-                if (walk.tagNumber() != tag("tuplet")) continue;
+                if (walk.tagNumber() != tag("tuplet") || walk.attribute("id").starts_with(kCutId)) continue;
                 TupletMark mark{std::string(walk.attribute("number")), walk.attribute("type") == "start", {}};
                 const Element element = walk.whole();
                 mark.text = text.substr(element.begin, element.end - element.begin);
@@ -48,6 +49,13 @@ std::string_view mirroredBeam(std::string_view value) {
     if (value == "end") return "begin";
     if (value == "forward hook") return "backward hook";
     return value == "backward hook" ? "forward hook" : value;
+}
+
+std::string withId(std::string_view element, std::string_view id) {
+    std::string text(element);
+    const Attribute old = findAttribute(text, 0, "id");
+    if (old.exists()) text.erase(old.begin, old.end - old.begin);
+    return text.insert(text.find_first_of(" \t\r\n/>", 1), " id=\"" + std::string(id) + "\"");
 }
 
 TupletMark retyped(TupletMark mark, bool start) {

@@ -33,6 +33,8 @@ struct NoteGroups {
 // Takes in a child of a note that the walk over `text` is at, if it says something about groups.
 void readGroup(TextWalk& walk, std::string_view text, NoteGroups& groups);
 
+// An element with another id.
+std::string withId(std::string_view element, std::string_view id);
 // An element whose type, start or stop, is the other one.
 std::string turned(std::string_view element);
 // Exchanges the ends of a group that is now read backwards.

@@ -11,8 +11,8 @@
 
 namespace rovescio::musicxml {
 
-// How the id of a <tied> begins that joins the parts of a note cut at a barline, so that they can be joined
-// again.
+// How the ids of ties and tuplet brackets begin that stand only because a barline, or the edge of a
+// selection, has come between what belongs together.
 inline constexpr std::string_view kCutId = "rovescio-cut-";
 
 // What a note element says; positions and keys are not its business.

@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::int64_t kMaxParts = 1 << 10;  // of a duration unit that are told exactly
 constexpr std::int64_t kMaxDuration = 1 << 30;
+constexpr std::size_t kMaxEntries =
+    16'000;  // of a measure; a frame's 16-bit count holds as many gaps besides
 
 // Elements of a measure that hold nothing the document needs; they stay in the
 // text as they are.
@@ -214,6 +216,12 @@ bool PartReader::joinEntry(const NoteReading& note) {
 }
 
 bool PartReader::startEntry(const NoteReading& note, std::size_t staff, bool continuesChord) {
+    if (gathered_.entries().size() == kMaxEntries) {
+        journal_.fail("a measure of part \"" + name_ + "\" has more than " + std::to_string(kMaxEntries) +
+                          " notes and rests",
+                      note.offset, "Divide the measure.");
+        return false;
+    }
     const int number = gathered_.voice(static_cast<int>(staff), chordVoice_);
     if (number < 0) {
         journal_.fail("staff " + std::to_string(staff + 1) + " of part \"" + name_ + "\" has more than " +

@@ -45,6 +45,7 @@ class ScoreWriter {
     std::uint32_t offsetOf(const engine::PackedEntries& entries) const;
     bool hadEntries(const FrameAddress& address);
     bool hasSameEntries(const FrameAddress& address);
+    bool gainsTies(const FrameAddress& address);
     bool hasSameNotes(const engine::StoredEntry& entry, const EntrySource& source) const;
     bool isAlone(const FrameAddress& address) const;
     const Clef& clefAt(const FrameAddress& address, std::int32_t position) const;
@@ -130,6 +131,22 @@ bool ScoreWriter::hasSameEntries(const FrameAddress& address) {
         }
     }
     return sources_.entries[number - 2].endsFrame;
+}
+
+// Whether a note of a frame has a tie that its text lacks, as when the ties around it have turned round.
+bool ScoreWriter::gainsTies(const FrameAddress& address) {
+    const engine::PackedEntries& entries = document_.entries(address);
+    if (!entries.mayHaveNoteFlags(NOTE_TIES)) return false;
+    for (const engine::StoredEntry& entry : entries) {
+        for (const ENOTE& note : notesOf(entry)) {
+            if ((note.noteFlags & NOTE_TIES) == 0) continue;
+            scanNote(walk_, sources_.notes[sourceOf(entry)->firstNote + note.noteId - 1U], note_);
+            std::uint32_t written = 0;
+            for (const TieElement& tie : note_.ties) written |= tie.flag;
+            if ((note.noteFlags & NOTE_TIES & ~written) != 0) return true;
+        }
+    }
+    return false;
 }
 
 // Whether the frame's voice has its staff for itself in the measure.
@@ -301,7 +318,13 @@ bool ScoreWriter::write() {
     for (const auto& [offset, address] : frames) {
         if (!hasSameEntries(address)) anew.insert(partMeasure(address));
     }
-    if (!anew.empty()) written_.resize(sources_.entries.size());
+    if (!anew.empty()) {
+        written_.resize(sources_.entries.size());
+        for (const auto& [offset, address] : frames) {
+            const PartMeasure measure = partMeasure(address);
+            if (!anew.contains(measure) && gainsTies(address)) anew.insert(measure);
+        }
+    }
     for (const auto& [offset, address] : frames) {
         const bool done = anew.contains(partMeasure(address)) ? writeMoved(address) : writeFrame(address);
         if (!done) return false;
