@@ -1,17 +1,16 @@
 // Many scores in one run.
 #include "cli/workplace.h"
 
+namespace rovescio::test {
 namespace {
 
 namespace fs = std::filesystem;
-using rovescio::test::ProgramRun;
-
-class Batches : public rovescio::test::Workplace {};
+class Batches : public Workplace {};
 
 TEST_F(Batches, GoOnPastBadScoresAndSayWhichWereBad) {
     fs::create_directory(path("new"));
     write("broken.musicxml", "<score-partwise>");
-    write("-dash.musicxml", rovescio::test::longScore(2));
+    write("-dash.musicxml", longScore(2));
     const ProgramRun run =
         this->run("rovescio -t 'up major second' --out-dir new --jobs 3 -- *.musicxml missing.mxl");
     EXPECT_EQ(run.code, 1);
@@ -66,3 +65,4 @@ TEST_F(Batches, StopTogetherWhenCancelled) {
 }
 
 }  // namespace
+}  // namespace rovescio::test

@@ -3,16 +3,11 @@
 
 #include <gtest/gtest.h>
 
+namespace rovescio::cli {
 namespace {
 
-using rovescio::cli::parsePitch;
-using rovescio::cli::pitchName;
-
 TEST(PitchNames, AreReadInSignsAndInWords) {
-    const struct {
-        const char* written;
-        const char* meant;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"E4", "E4"},    {"e4", "E4"},         {"Bb3", "Bb3"},       {"bb3", "Bb3"},        {"b3", "B3"},
         {"B♭3", "Bb3"},  {"B-flat 3", "Bb3"},  {"B flat 3", "Bb3"},  {"b-flat-3", "Bb3"},   {"F#5", "F#5"},
         {"f♯ 5", "F#5"}, {"C sharp 4", "C#4"}, {"Csharp4", "C#4"},   {"G natural 2", "G2"}, {"G♮2", "G2"},
@@ -25,14 +20,11 @@ TEST(PitchNames, AreReadInSignsAndInWords) {
     }
     EXPECT_EQ(parsePitch("C4").value().step, 0);
     EXPECT_EQ(parsePitch("B3").value().step, -1);
-    EXPECT_EQ(parsePitch("C-flat 5").value(), (rovescio::engine::SpelledPitch{7, -1}));
+    EXPECT_EQ(parsePitch("C-flat 5").value(), (engine::SpelledPitch{7, -1}));
 }
 
 TEST(PitchNames, ThatAreNoneAreToldWithWhatIsUnderstood) {
-    const struct {
-        const char* written;
-        const char* told;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"", "no pitch known"},     {"H4", "no pitch known"},   {"E", "no pitch known"},
         {"4", "no pitch known"},    {"Bbb3", "no pitch known"}, {"F##4", "no pitch known"},
         {"C4 4", "no pitch known"}, {"Eb4b", "no pitch known"}, {"E sharpish 4", "no pitch known"},
@@ -46,3 +38,4 @@ TEST(PitchNames, ThatAreNoneAreToldWithWhatIsUnderstood) {
 }
 
 }  // namespace
+}  // namespace rovescio::cli

@@ -8,15 +8,12 @@
 #include "musicxml/score_builder.h"
 #include "playback/heard.h"
 
+namespace rovescio::test {
 namespace {
 
 namespace fs = std::filesystem;
-using rovescio::test::hear;
-using rovescio::test::note;
-using rovescio::test::ProgramRun;
-using rovescio::test::scoreOf;
 
-class Playing : public rovescio::test::Workplace {
+class Playing : public Workplace {
   protected:
     void SetUp() override {
         Workplace::SetUp();
@@ -34,11 +31,7 @@ class Playing : public rovescio::test::Workplace {
 };
 
 TEST_F(Playing, WritesTheSelectionAsMidi) {
-    const struct {
-        const char* options;
-        const char* heard;
-        const char* said;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"", "0+4:60 4+4:62 8+4:64", "MIDI of 3 notes in all measures -> out.mid\n"},
         {"--measures 2-3", "0+4:62 4+4:64", "MIDI of 2 notes in measures 2-3 -> out.mid\n"},
         {"--measures 2 --transpose 'up P5' -o new.musicxml", "0+4:69",
@@ -47,11 +40,11 @@ TEST_F(Playing, WritesTheSelectionAsMidi) {
         {"--invert diatonic --axis D4", "0+4:64 4+4:62 8+4:60",
          "MIDI of 3 notes in all measures -> out.mid\n"},
     };
-    for (const auto& c : cases) {
-        const ProgramRun run = this->run(std::string("rovescio score.musicxml --midi out.mid ") + c.options);
-        EXPECT_EQ(run.code, 0) << c.options;
-        EXPECT_EQ(run.err, std::string("rovescio: ") + c.said) << c.options;
-        EXPECT_EQ(hear(read("out.mid")).notes(), c.heard) << c.options;
+    for (const auto& [options, heard, said] : cases) {
+        const ProgramRun run = this->run(std::string("rovescio score.musicxml --midi out.mid ") + options);
+        EXPECT_EQ(run.code, 0) << options;
+        EXPECT_EQ(run.err, std::string("rovescio: ") + said) << options;
+        EXPECT_EQ(hear(read("out.mid")).notes(), heard) << options;
     }
     EXPECT_EQ(pitches(read("new.musicxml")), "| C4 | A4 | E4");
     EXPECT_EQ(hear(this->run("rovescio -q score.musicxml --midi -").out).notes(), "0+4:60 4+4:62 8+4:64");
@@ -70,13 +63,12 @@ TEST_F(Playing, HandsTheMusicToTheSynthesiser) {
     EXPECT_EQ(run.code, 4);
     EXPECT_EQ(run.err,
               "rovescio: FluidSynth could not play (status 3): no sound card. Check that sound works here, "
-              "or write a "
-              "MIDI file with --midi\n");
+              "or write a MIDI file with --midi\n");
 
     install("trap 'touch stopped; exit' TERM; touch started; while :; do sleep 0.01; done");
     run = this->run(kInstalled +
-                    "rovescio -q score.musicxml --play & while [ ! -e started ]; do sleep 0.01; done; "
-                    "kill -TERM $!; wait $!");
+                    "rovescio -q score.musicxml --play & while [ ! -e started ]; do sleep 0.01; done; kill "
+                    "-TERM $!; wait $!");
     EXPECT_EQ(run.code, 130);
     EXPECT_TRUE(fs::exists(path("stopped")));
 }
@@ -84,12 +76,7 @@ TEST_F(Playing, HandsTheMusicToTheSynthesiser) {
 TEST_F(Playing, RefusesWhatCannotBeDone) {
     write("taken.mid", "old");
     fs::create_hard_link(path("score.musicxml"), path("same.mid"));
-    const auto before = names();
-    const struct {
-        const char* options;
-        int code;
-        const char* said;
-    } cases[] = {
+    const std::tuple<const char*, int, const char*> cases[] = {
         {"score.musicxml --midi score.musicxml", 2, "would replace the score itself"},
         {"score.musicxml --midi same.mid", 2, "would replace the score itself"},
         {"score.musicxml --midi new.x -o new.x --steps 1", 2, "name the same file"},
@@ -105,22 +92,14 @@ TEST_F(Playing, RefusesWhatCannotBeDone) {
         {"score.musicxml --invert chromatic --axis midi --midi-port 'No such port' -o new.musicxml", 3,
          "MIDI"},
     };
-    for (const auto& c : cases) {
-        const ProgramRun run = this->run(std::string("rovescio ") + c.options);
-        EXPECT_EQ(run.code, c.code) << c.options;
-        EXPECT_NE(run.err.find(c.said), std::string::npos) << c.options << "\n" << run.err;
-        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
-        EXPECT_EQ(names(), before) << c.options;
+    for (const auto& [options, code, said] : cases) {
+        expectRefused(std::string("rovescio ") + options, code, said);
     }
-    EXPECT_EQ(read("taken.mid"), "old");
-    EXPECT_NE(this->run("PATH=/nowhere \"$(command -v rovescio)\" score.musicxml --play")
-                  .err.find("apt install fluidsynth"),
-              std::string::npos);
+    expectRefused("PATH=/nowhere \"$(command -v rovescio)\" score.musicxml --play", 4,
+                  "apt install fluidsynth");
     install("");
-    const ProgramRun run =
-        this->run(kInstalled + "ROVESCIO_SOUND_FONT=none.sf2 rovescio score.musicxml --play");
-    EXPECT_EQ(run.code, 4);
-    EXPECT_NE(run.err.find("no sound font"), std::string::npos);
+    expectRefused(kInstalled + "ROVESCIO_SOUND_FONT=none.sf2 rovescio score.musicxml --play", 4,
+                  "no sound font");
 }
 
 // The note that the dialog hears becomes the axis; a user who plays none cancels.
@@ -129,7 +108,7 @@ TEST_F(Playing, TakesTheAxisFromMidi) {
     using rovescio::dialogs::Inversion;
     const std::string home = PROGRAM_FOLDER;
     for (const bool plays : {true, false}) {
-        auto score = rovescio::test::open(scoreOf({note("f4:q")}));
+        auto score = open(scoreOf({note("f4:q")}));
         rovescio::dialogs::Transformation transformation;
         transformation.inversion = Inversion{.kind = Inversion::Kind::chromatic, .axisIsPlayed = true};
         const RunOptions options{.engineBundle = home + "/NotationEngine.bundle",
@@ -150,3 +129,4 @@ TEST_F(Playing, TakesTheAxisFromMidi) {
 }
 
 }  // namespace
+}  // namespace rovescio::test

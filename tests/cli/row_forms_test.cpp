@@ -3,11 +3,10 @@
 
 #include "cli/workplace.h"
 
+namespace rovescio::test {
 namespace {
 
-using rovescio::test::ProgramRun;
-
-class RowForms : public rovescio::test::Workplace {
+class RowForms : public Workplace {
   protected:
     // Pitch classes by the form's name, as a score has them.
     static std::map<std::string, std::vector<int>> formsIn(const std::string& xml) {
@@ -31,18 +30,15 @@ class RowForms : public rovescio::test::Workplace {
 };
 
 TEST_F(RowForms, AreThoseOfTheMatrix) {
-    const struct {
-        const char* given;
-        std::vector<int> row;
-    } cases[] = {
+    const std::pair<const char*, std::vector<int>> cases[] = {
         {"0 11 3 4 8 7 9 5 6 1 2 10", {0, 11, 3, 4, 8, 7, 9, 5, 6, 1, 2, 10}},
         // Webern, opus 21.
         {"A,F#,G,Ab,E,F,B,Bb,D,C#,C,Eb", {9, 6, 7, 8, 4, 5, 11, 10, 2, 1, 0, 3}},
         {"4 5 7 1 6 3 8 2 11 0 9 10", {4, 5, 7, 1, 6, 3, 8, 2, 11, 0, 9, 10}},
     };
-    for (const auto& c : cases) {
+    for (const auto& [given, row] : cases) {
         const ProgramRun run =
-            this->run(std::string("rovescio --row-forms '") + c.given + "' -o forms.musicxml");
+            this->run(std::string("rovescio --row-forms '") + given + "' -o forms.musicxml");
         ASSERT_EQ(run.code, 0) << run.err;
         EXPECT_EQ(run.err, "rovescio: wrote 48 forms of the row -> forms.musicxml\n");
         const auto forms = formsIn(read("forms.musicxml"));
@@ -50,9 +46,9 @@ TEST_F(RowForms, AreThoseOfTheMatrix) {
         for (int level = 0; level < 12; ++level) {
             std::vector<int> prime;
             std::vector<int> inverted;
-            for (const int pitch : c.row) {
+            for (const int pitch : row) {
                 prime.push_back((pitch + level) % 12);
-                inverted.push_back((2 * c.row[0] - pitch + level + 12) % 12);
+                inverted.push_back((2 * row[0] - pitch + level + 12) % 12);
             }
             const std::string number = std::to_string(level);
             EXPECT_EQ(forms.at("P" + number), prime);
@@ -60,18 +56,14 @@ TEST_F(RowForms, AreThoseOfTheMatrix) {
             EXPECT_EQ(forms.at("R" + number), std::vector<int>(prime.rbegin(), prime.rend()));
             EXPECT_EQ(forms.at("RI" + number), std::vector<int>(inverted.rbegin(), inverted.rend()));
         }
-        const bool isOwnRetrograde = c.row[0] == 9;
+        const bool isOwnRetrograde = row[0] == 9;
         EXPECT_EQ(forms.at("R0") == forms.at("P6"), isOwnRetrograde)
             << "its retrograde is itself a tritone away";
     }
 }
 
 TEST_F(RowForms, RefusesWhatIsNoRow) {
-    const auto before = names();
-    const struct {
-        const char* arguments;
-        const char* said;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"'0 1 2 3 4 5 6 7 8 9 10' -o a.musicxml", "a row has 12 notes, here are 11"},
         {"'0 1 2 3 4 5 6 7 8 9 10 11 0' -o a.musicxml", "a row has 12 notes, here are 13"},
         {"'0 1 2 3 4 5 6 7 8 9 10 12' -o a.musicxml", "\"12\" is no pitch class"},
@@ -82,12 +74,10 @@ TEST_F(RowForms, RefusesWhatIsNoRow) {
         {"'0 1 2 3 4 5 6 7 8 9 10 11' -o a.musicxml --steps 1", "makes a score of its own"},
         {"'0 1 2 3 4 5 6 7 8 9 10 11' -o a.musicxml greensleeves.musicxml", "makes a score of its own"},
     };
-    for (const auto& c : cases) {
-        const ProgramRun run = this->run(std::string("rovescio --row-forms ") + c.arguments);
-        EXPECT_EQ(run.code, 2) << c.arguments;
-        EXPECT_NE(run.err.find(c.said), std::string::npos) << c.arguments << "\n" << run.err;
-        EXPECT_EQ(names(), before) << c.arguments;
+    for (const auto& [arguments, said] : cases) {
+        expectRefused(std::string("rovescio --row-forms ") + arguments, 2, said);
     }
 }
 
 }  // namespace
+}  // namespace rovescio::test

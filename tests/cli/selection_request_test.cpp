@@ -5,41 +5,8 @@
 
 #include <string>
 
+namespace rovescio::cli {
 namespace {
-
-using rovescio::cli::MeasurePoint;
-using rovescio::cli::MeasureRange;
-using rovescio::cli::NumberRuns;
-using rovescio::cli::parseMeasures;
-using rovescio::cli::parseNumberRuns;
-
-MeasurePoint printed(const char* number, std::optional<double> beat = std::nullopt) {
-    return {.counted = false, .number = number, .beat = beat};
-}
-
-MeasurePoint counted(const char* number, std::optional<double> beat = std::nullopt) {
-    return {.counted = true, .number = number, .beat = beat};
-}
-
-TEST(MeasureRanges, AreUnderstood) {
-    const struct {
-        const char* text;
-        MeasureRange range;
-    } cases[] = {
-        {"7", {printed("7"), printed("7")}},
-        {"3-10", {printed("3"), printed("10")}},
-        {"3-", {printed("3"), std::nullopt}},
-        {"-10", {std::nullopt, printed("10")}},
-        {"3:2-10:1.5", {printed("3", 2), printed("10", 1.5)}},
-        {"#5", {counted("5"), counted("5")}},
-        {"#5:3-X1", {counted("5", 3), printed("X1")}},
-    };
-    for (const auto& [text, range] : cases) {
-        const auto parsed = parseMeasures(text);
-        ASSERT_TRUE(parsed) << text;
-        EXPECT_EQ(parsed.value(), range) << text;
-    }
-}
 
 TEST(MeasureRanges, ThatMakeNoSenseAreRefused) {
     for (const char* text :
@@ -49,10 +16,7 @@ TEST(MeasureRanges, ThatMakeNoSenseAreRefused) {
 }
 
 TEST(NumberLists, BecomeAscendingRuns) {
-    const struct {
-        const char* text;
-        NumberRuns runs;
-    } cases[] = {
+    const std::pair<const char*, NumberRuns> cases[] = {
         {"1", {{1, 1}}},
         {"1-2", {{1, 2}}},
         {"1,3-4", {{1, 1}, {3, 4}}},
@@ -70,3 +34,4 @@ TEST(NumberLists, BecomeAscendingRuns) {
 }
 
 }  // namespace
+}  // namespace rovescio::cli

@@ -5,21 +5,16 @@
 
 #include <string>
 
-#include "cli/small_document.h"
+#include "support/score_text.h"
 
+namespace rovescio::cli {
 namespace {
 
-using rovescio::cli::contains;
-using rovescio::cli::NumberRuns;
-using rovescio::cli::parseMeasures;
-using rovescio::cli::Selection;
-using rovescio::cli::SelectionRequest;
-using rovescio::engine::Document;
-using rovescio::engine::Result;
-using rovescio::test::smallDocument;
+using engine::Document;
+using test::scoreFromText;
 
-Result<Selection> selectIn(const Document& document, const std::string& measures, NumberRuns staves = {},
-                           NumberRuns layers = {}) {
+engine::Result<Selection> selectIn(const Document& document, const std::string& measures,
+                                   NumberRuns staves = {}, NumberRuns layers = {}) {
     SelectionRequest request{.measures = {}, .staves = std::move(staves), .layers = std::move(layers)};
     if (!measures.empty()) request.measures = parseMeasures(measures).value();
     return select(document, request);
@@ -30,39 +25,39 @@ std::string beatsIn(const Document& document, const Selection& selection) {
     std::string text;
     const short staff = selection.regions.front().start.slot;
     for (short measure = 1; measure <= document.measureCount(); ++measure) {
-        for (const rovescio::engine::StoredEntry& entry : document.entries({staff, measure, 0})) {
+        for (const engine::StoredEntry& entry : document.entries({staff, measure, 0})) {
             if (!contains(selection.regions.front(), {staff, measure, 0}, entry.elapsed)) continue;
             text += (text.empty() ? "" : " ") + document.measure(measure).label + ":" +
-                    std::to_string(entry.elapsed / rovescio::engine::kQuarter + 1);
+                    std::to_string(entry.elapsed / engine::kQuarter + 1);
         }
     }
     return text;
 }
 
 TEST(Selections, TakeInTheBeatsMeant) {
-    const Document document = smallDocument(1, {"0", "1", "2"});
-    const struct {
-        const char* measures;
-        const char* beats;
-    } cases[] = {
-        {"", "0:1 0:2 0:3 1:1 1:2 1:3 2:1 2:2 2:3"},
+    const Document document =
+        scoreFromText({"C 3/4 c4:q c4:q c4:q | c4:q c4:q c4:q | c4:q c4:q c4:q"}, {"0", "1", "X2"});
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "0:1 0:2 0:3 1:1 1:2 1:3 X2:1 X2:2 X2:3"},
         {"1", "1:1 1:2 1:3"},
         {"-0", "0:1 0:2 0:3"},
-        {"#2-", "1:1 1:2 1:3 2:1 2:2 2:3"},
-        {"1:2-2:1", "1:2 1:3 2:1"},
+        {"#2-", "1:1 1:2 1:3 X2:1 X2:2 X2:3"},
+        {"1:2-X2:1", "1:2 1:3 X2:1"},
         {"1:2.5-1:3", "1:3"},
         {"0:3-0:3", "0:3"},
+        {"1:3-", "1:3 X2:1 X2:2 X2:3"},
+        {"#1:3-#2:1.5", "0:3 1:1"},
     };
     for (const auto& [measures, beats] : cases) {
-        const Result<Selection> selection = selectIn(document, measures);
+        const auto selection = selectIn(document, measures);
         ASSERT_TRUE(selection) << measures << ": " << selection.problem().text();
         EXPECT_EQ(beatsIn(document, selection.value()), beats) << measures;
     }
 }
 
 TEST(Selections, HaveARegionForEachRunOfStavesAndShowTheLayersAsked) {
-    const Document document = smallDocument(4, {"1", "2"});
-    const Result<Selection> selection = selectIn(document, "2", {{1, 1}, {3, 4}}, {{1, 2}});
+    const Document document = scoreFromText(std::vector<std::string>(4, "C 4/4 c4:w | c4:w"));
+    const auto selection = selectIn(document, "2", {{1, 1}, {3, 4}}, {{1, 2}});
     ASSERT_TRUE(selection);
     ASSERT_EQ(selection.value().regions.size(), 2U);
     EXPECT_EQ(selection.value().regions[1].start.slot, 3);
@@ -72,13 +67,9 @@ TEST(Selections, HaveARegionForEachRunOfStavesAndShowTheLayersAsked) {
 }
 
 TEST(Selections, AreRefusedWithWhatExists) {
-    const Document document = smallDocument(2, {"1", "2", "2", "3"});
-    const struct {
-        const char* measures;
-        NumberRuns staves;
-        NumberRuns layers;
-        const char* text;
-    } cases[] = {
+    const Document document = scoreFromText(
+        std::vector<std::string>(2, "C 3/4 c4:h. | c4:h. | c4:h. | c4:h."), {"1", "2", "2", "3"});
+    const std::tuple<const char*, NumberRuns, NumberRuns, const char*> cases[] = {
         {"9", {}, {}, "there is no measure 9. The score has measures 1 to 3 (#1 to #4)"},
         {"#5", {}, {}, "there is no measure #5"},
         {"1-2", {}, {}, "several measures have the number 2, among them #2 and #3"},
@@ -89,7 +80,7 @@ TEST(Selections, AreRefusedWithWhatExists) {
         {"1", {}, {{3, 3}}, "there is no note in the selection (measure 1, layer 3)"},
     };
     for (const auto& [measures, staves, layers, text] : cases) {
-        const Result<Selection> selection = selectIn(document, measures, staves, layers);
+        const auto selection = selectIn(document, measures, staves, layers);
         ASSERT_FALSE(selection) << measures;
         EXPECT_NE(selection.problem().text().find(text), std::string::npos) << selection.problem().text();
     }
@@ -97,3 +88,4 @@ TEST(Selections, AreRefusedWithWhatExists) {
 }
 
 }  // namespace
+}  // namespace rovescio::cli

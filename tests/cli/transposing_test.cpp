@@ -1,33 +1,22 @@
 // Whole runs of the program that succeed: what is transposed, and where the result goes.
 #include <sys/stat.h>
 
+#include <cstring>
 #include <sstream>
 
 #include "cli/workplace.h"
 
+namespace rovescio::test {
 namespace {
 
 namespace fs = std::filesystem;
-using rovescio::test::ProgramRun;
 
-class Transposing : public rovescio::test::Workplace {
-  protected:
-    // Measures 1 and 3 of the first voice of the round: F G A F, A Bb C.
-    [[nodiscard]] std::string firstMeasures(const std::string& xml) const {
-        const std::string all = pitches(xml);
-        return all.substr(0, all.find(" | ", all.find(" | ", all.find(" | ") + 1) + 1));
-    }
-};
+class Transposing : public Workplace {};
 
 TEST_F(Transposing, EveryWayToNameAnInterval) {
-    const struct {
-        const char* options;
-        const char* notes;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"--transpose 'up minor third'", "| Ab4 Bb4 C5 Ab4 | Ab4 Bb4 C5 Ab4 | C5 Db5 Eb5"},
         {"--transpose m-3", "| D4 E4 F#4 D4 | D4 E4 F#4 D4 | F#4 G4 A4"},
-        {"--transpose 'doubly augmented unison'",
-         "| F##4 G##4 A##4 F##4 | F##4 G##4 A##4 F##4 | A##4 B#4 C##5"},
         {"--transpose 'down octave and a major second'", "| Eb3 F3 G3 Eb3 | Eb3 F3 G3 Eb3 | G3 Ab3 Bb3"},
         {"--semitones 3", "| Ab4 Bb4 C5 Ab4 | Ab4 Bb4 C5 Ab4 | C5 Db5 Eb5"},
         {"--semitones 1 --spelling sharps", "| F#4 G#4 A#4 F#4 | F#4 G#4 A#4 F#4 | A#4 B4 C#5"},
@@ -41,7 +30,8 @@ TEST_F(Transposing, EveryWayToNameAnInterval) {
         const ProgramRun run =
             this->run(std::string("rovescio frere-jacques.musicxml ") + options + " -o new.xml");
         EXPECT_EQ(run.code, 0) << options << "\n" << run.err;
-        EXPECT_EQ(firstMeasures(read("new.xml")), notes) << options;
+        // Measures 1 to 3 of the round, at first F G A F, F G A F, A Bb C.
+        EXPECT_EQ(pitches(read("new.xml")).substr(0, std::strlen(notes)), notes) << options;
     }
 }
 
@@ -73,30 +63,16 @@ TEST_F(Transposing, OnlyWhatIsSelected) {
 }
 
 TEST_F(Transposing, StavesThatAreNotNeighboursInOneRun) {
-    // Three parts of one measure each; the middle one is left alone.
-    std::string xml = rovescio::test::longScore(1);
-    const std::string part =
-        xml.substr(xml.find("<part id"), xml.find("</score-partwise>") - xml.find("<part id"));
-    const std::string entry = "<score-part id=\"P1\"><part-name>Flute</part-name></score-part>";
-    const auto another = [](std::string text, const char* id) {
-        return text.replace(text.find("P1"), 2, id);
-    };
-    xml.insert(xml.find("</score-partwise>"), another(part, "P2") + another(part, "P3"));
-    xml.insert(xml.find(entry), another(entry, "P2") + another(entry, "P3"));
-    // The part list's order decides which staff is which.
-    write("three.musicxml", xml);
+    const std::vector<std::string> measure = {note("c5:w")};
+    write("three.musicxml", scoreOfParts({measure, measure, measure}));
     const ProgramRun run = this->run("rovescio three.musicxml --transpose P-8 --staves 1,3 -o - --quiet");
     EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_EQ(run.err, "");
-    const std::string notes = pitches(run.out);
-    EXPECT_EQ(std::count(notes.begin(), notes.end(), '4'), 8);
-    EXPECT_EQ(std::count(notes.begin(), notes.end(), '5'), 4);
+    EXPECT_EQ(pitches(run.out), "| C4 | C5 | C4");
     // A staff without music in a selection does no harm.
-    const std::size_t lastPart = xml.find("<note>", xml.find("<part id=\"P3\""));
-    xml.erase(lastPart, xml.find("</measure>", lastPart) - lastPart);
-    write("three.musicxml", xml);
+    write("three.musicxml", scoreOfParts({measure, measure, {""}}));
     EXPECT_EQ(this->run("rovescio three.musicxml --transpose P-8 --staves 1,3 -o new.musicxml").err,
-              "rovescio: transposed 4 notes in all measures, staves 1,3 -> new.musicxml\n");
+              "rovescio: transposed 1 note in all measures, staves 1,3 -> new.musicxml\n");
 }
 
 TEST_F(Transposing, AsAFilterBetweenStandardStreams) {
@@ -141,3 +117,4 @@ TEST_F(Transposing, HelpAndVersionGoToStandardOutput) {
 }
 
 }  // namespace
+}  // namespace rovescio::test

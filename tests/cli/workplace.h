@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "musicxml/score_builder.h"
+
 namespace rovescio::test {
 
 struct ProgramRun {
@@ -90,6 +92,19 @@ class Workplace : public testing::Test {
         return text;
     }
 
+    // A run that must fail: one clear message, the right exit code, and no file made or changed.
+    void expectRefused(const std::string& line, int code, const std::string& message) const {
+        const auto files = [this] { return run("ls -lAR --time-style=full-iso").out; };
+        const std::string before = files();
+        const ProgramRun refused = run(line);
+        EXPECT_EQ(refused.code, code) << line << "\n" << refused.err;
+        EXPECT_NE(refused.err.find(message), std::string::npos) << line << "\n" << refused.err;
+        EXPECT_EQ(refused.err.find("rovescio: "), 0U) << refused.err;
+        EXPECT_EQ(std::count(refused.err.begin(), refused.err.end(), '\n'), 1) << refused.err;
+        EXPECT_EQ(refused.out, "") << line;
+        EXPECT_EQ(files(), before) << line;
+    }
+
   private:
     static std::string contentOf(const std::filesystem::path& file) {
         std::ifstream stream(file, std::ios::binary);
@@ -99,25 +114,9 @@ class Workplace : public testing::Test {
     std::filesystem::path folder_;
 };
 
-// A score of one part in 4/4 and C major, of as many measures of four quarter notes C5 as asked for.
-inline std::string longScore(int measures) {
-    constexpr const char* kNote =
-        "<note><pitch><step>C</step><octave>5</octave></pitch><duration>1</duration><voice>1</voice>"
-        "<type>quarter</type></note>\n";
-    std::string xml =
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<score-partwise version=\"4.0\"><part-list>"
-        "<score-part id=\"P1\"><part-name>Flute</part-name></score-part></part-list>\n<part id=\"P1\">\n";
-    for (int measure = 1; measure <= measures; ++measure) {
-        xml += "<measure number=\"" + std::to_string(measure) + "\">\n";
-        if (measure == 1) {
-            xml +=
-                "<attributes><divisions>1</divisions><key><fifths>0</fifths></key>"
-                "<time><beats>4</beats><beat-type>4</beat-type></time></attributes>\n";
-        }
-        for (int beat = 1; beat <= 4; ++beat) xml += kNote;
-        xml += "</measure>\n";
-    }
-    return xml + "</part></score-partwise>\n";
+// A score of as many measures of four quarter notes C5 as asked for.
+inline std::string longScore(std::size_t measures) {
+    return scoreOf(std::vector(measures, voice("1", "c5:q c5:q c5:q c5:q")));
 }
 
 }  // namespace rovescio::test

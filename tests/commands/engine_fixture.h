@@ -9,6 +9,7 @@
 #include "engine/strictness.h"
 #include "kit/engine_bundle.h"
 #include "kit/mass_edit.h"
+#include "shell/main_dialog.h"
 #include "support/memory_user_interface.h"
 #include "support/score_text.h"
 
@@ -53,11 +54,37 @@ class EngineFixture {
         return result;
     }
 
+    // The same with a command of the plug-in and its arguments between the region and the progress.
+    template <class Command, class... Arguments>
+    short transform(EREGION region, Command command, Arguments... arguments) {
+        return run([&](CProgress* progress) { return command(&region, parameter(arguments)..., progress); });
+    }
+
+    // Opens the plug-in's main dialog for a hand.
+    void workMainDialog(const std::function<void(MemoryDialog&)>& hand) {
+        front.hands[20130] = hand;
+        EXPECT_EQ(SUDialog(nullptr, nullptr, nullptr), 0);
+    }
+
+    // Plain numbers are short ones in the plug-in's functions.
+    template <class Value>
+    static auto parameter(Value value) {
+        return std::conditional_t<std::is_same_v<Value, int>, short, Value>(value);
+    }
+
     engine::Document document;
     MemoryUserInterface front;
     engine::Session session{document, front};
     bool cancelled = false;
 };
+
+// A score of one staff after a command on all of it, which must say that it has done its work.
+template <class Command, class... Arguments>
+std::string textAfter(const std::string& line, Command command, Arguments... arguments) {
+    EngineFixture engine({line});
+    EXPECT_EQ(engine.transform(engine.everything(), command, arguments...), 1);
+    return textOf(engine.document);
+}
 
 // Keeps the trace of host calls while it lives.
 class CallTrace {

@@ -3,9 +3,8 @@
 
 #include "engine_fixture.h"
 
+namespace rovescio::test {
 namespace {
-
-using rovescio::test::EngineFixture;
 
 EXENTRY entryWithIds(const std::vector<int>& ids) {
     EXENTRY entry{};
@@ -26,21 +25,18 @@ void clean(EXENTRY& entry) {
 }
 
 TEST(CleanTGF, MakesNoteIdsUnique) {
-    const struct {
-        std::vector<int> before;
-        std::vector<int> after;
-    } cases[] = {
+    const std::pair<std::vector<int>, std::vector<int>> cases[] = {
         {{2, 2, 0}, {3, 2, 4}},
         {{5, 5, 5}, {6, 7, 5}},
         {{0x8000, 0, 40}, {0x8000, 41, 40}},  // an id is signed when the largest one is sought
     };
-    for (const auto& c : cases) {
-        EXENTRY entry = entryWithIds(c.before);
+    for (const auto& [before, after] : cases) {
+        EXENTRY entry = entryWithIds(before);
         clean(entry);
-        for (std::size_t i = 0; i < c.after.size(); ++i) {
-            EXPECT_EQ(+entry.notes[i].noteId, c.after[i])
-                << "note " << i << " of " << testing::PrintToString(c.before);
-            const std::uint32_t bits = static_cast<std::uint32_t>(c.after[i] & 31) << 16;
+        for (std::size_t i = 0; i < after.size(); ++i) {
+            EXPECT_EQ(+entry.notes[i].noteId, after[i])
+                << "note " << i << " of " << testing::PrintToString(before);
+            const std::uint32_t bits = static_cast<std::uint32_t>(after[i] & 31) << 16;
             EXPECT_EQ(+entry.notes[i].noteFlags, 0x41E00003 | bits);
         }
     }
@@ -66,7 +62,8 @@ TEST(Frames, AreCountedAndCleanedBeforeTheHostSeesThem) {
     EXPECT_EQ(LoadedTGFCounter, before);
     kit::endMassEdit(progress);
     EXPECT_EQ(MassEditDepth, 0);
-    EXPECT_EQ(rovescio::test::textOf(engine.document), "c4:h r:h");
+    EXPECT_EQ(textOf(engine.document), "c4:h r:h");
 }
 
 }  // namespace
+}  // namespace rovescio::test

@@ -3,11 +3,11 @@
 
 #include "engine_fixture.h"
 
+namespace rovescio::test {
 namespace {
 
-using rovescio::engine::callCount;
-using rovescio::engine::HostFunction;
-using rovescio::test::EngineFixture;
+using engine::callCount;
+using engine::HostFunction;
 
 TEST(HostApi, ALookupThatFailedIsNeverRepeated) {
     EngineFixture engine({"C 4/4 c4:w"});
@@ -37,3 +37,4 @@ TEST(HostApi, HostEditsAreEndedAsOftenAsTheyWereStarted) {
 }
 
 }  // namespace
+}  // namespace rovescio::test

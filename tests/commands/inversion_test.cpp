@@ -9,65 +9,28 @@
 #include <set>
 #include <string>
 
+namespace rovescio::test {
 namespace {
 
-using rovescio::engine::KeySignature;
-using rovescio::engine::SpelledPitch;
-using rovescio::test::CallTrace;
-using rovescio::test::EngineFixture;
-using rovescio::test::pitchFromText;
-using rovescio::test::textOf;
-
-std::string diatonic(const std::string& line, const std::string& axis) {
-    EngineFixture engine({line});
-    EREGION region = engine.everything();
-    const auto step = static_cast<short>(pitchFromText(axis).step);
-    EXPECT_EQ(engine.run([&](CProgress* p) { return InvDiatonic(&region, step, p); }), 1);
-    return textOf(engine.document);
-}
-
-std::string chromatic(const std::string& line, const std::string& axis, short simplify = 0) {
-    EngineFixture engine({line});
-    EREGION region = engine.everything();
-    const SpelledPitch pitch = pitchFromText(axis);
-    EXPECT_EQ(engine.run([&](CProgress* p) {
-        return InvChromatic(&region, static_cast<short>(pitch.step), static_cast<short>(pitch.alter),
-                            simplify, p);
-    }),
-              1);
-    return textOf(engine.document);
-}
-
-std::string chords(const std::string& line, decltype(InvChordUp)* invert,
-                   CHINVTYPE kind = kSingleNotesInSteps, short steps = 0, short alteration = 0) {
-    EngineFixture engine({line});
-    EREGION region = engine.everything();
-    EXPECT_EQ(engine.run([&](CProgress* p) { return invert(&region, kind, steps, alteration, p); }), 1);
-    return textOf(engine.document);
-}
+using engine::KeySignature;
+using engine::SpelledPitch;
 
 TEST(InvDiatonic, MirrorsDegreesAndAlterations) {
-    const struct {
-        const char* before;
-        const char* axis;
-        const char* after;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"C 4/4 e4:q f4:q c#4:q c4:q", "c4", "a3:q g3:q cb4!:q c4!:q"},
         {"G 4/4 g4:h f#4:h", "g4", "g4:h a4:h"},
         {"Eb 4/4 eb4:q ab4:q a4:q bb4:q", "g4", "bb4:q f4:q fb4!:q eb4:q"},
+        {"G 3/4 f#4:q g4:q a4:q", "f4", "f#4:q e4:q d4:q"},
         {"e 4/4 e4:q d#4:q f#4:q r:q", "e4", "e4:q f4!:q d4:q r:q"},
         {"bb 4/4 bb4:q a4:q <bb4 db5 f5>:h", "c4", "db3:q ebb3!:q <gb2 bb2 db3>:h"},
     };
-    for (const auto& c : cases) EXPECT_EQ(diatonic(c.before, c.axis), c.after) << c.before;
+    for (const auto& [before, axis, after] : cases) {
+        EXPECT_EQ(textAfter(before, InvDiatonic, pitchFromText(axis).step), after) << before;
+    }
 }
 
 TEST(InvChromatic, MirrorsSemitones) {
-    const struct {
-        const char* before;
-        const char* axis;
-        short simplify;
-        const char* after;
-    } cases[] = {
+    const std::tuple<const char*, const char*, short, const char*> cases[] = {
         {"C 2/4 f4:q e4:q", "e4", 0, "d#4!:q e4:q"},
         {"C 2/4 f4:q e4:q", "e4", 1, "d#4!:q e4:q"},
         {"C 1/4 eb4:q", "d4", 0, "c#4!:q"},
@@ -76,53 +39,25 @@ TEST(InvChromatic, MirrorsSemitones) {
         {"F 4/4 f4:q bb4:q g4:q e4:q", "f4", 0, "f4:q c4:q eb4!:q gb4!:q"},
         {"C 4/4 c4:q d4:q e4:q b4:q", "c#4", 0, "c##4!:q b#3!:q a#3!:q d#3!:q"},
         {"C 4/4 c4:q d4:q e4:q b4:q", "c#4", 1, "d4:q c4:q a#3!:q d#3!:q"},
+        {"C 4/4 e#4:q fb4:q ebb4:q f##4:q", "d4", 0, "cb4!:q b#3!:q c##4!:q bbb3!:q"},
+        {"C 4/4 e#4:q fb4:q ebb4:q f##4:q", "d4", 1, "b3:q c4:q d4:q a3:q"},
+        {"C 1/4 f###4:q", "d4", 1, "ab3!:q"},
+        {"C 3/4 c4:q e4:q g4:q", "bb3", 0, "ab3!:q fb3!:q db3!:q"},
+        {"D 4/4 d4:q f#4:q a4:q c#5:q", "f#4", 0, "a#4!:q f#4:q d#4!:q b3:q"},
+        {"a 3/4 c4:q e4:q a4:q", "e4", 0, "g#4!:q e4:q b3:q"},
+        {"c 3/4 c4:q d4:q eb4:q", "c4", 0, "c##4!:q b#3!:q a##3!:q"},
         // In minor the axis alteration is taken in the major scale on the minor tonic: there C is a lowered
         // degree, so that a C axis in A minor mirrors around C flat.
         {"a 2/4 c5:q e5:q", "c5", 0, "cbb5!:q abbb4!:q"},
     };
-    for (const auto& c : cases) EXPECT_EQ(chromatic(c.before, c.axis, c.simplify), c.after) << c.before;
-}
-
-// The axis keeps its pitch and every other note its distance, in all major keys.
-TEST(InvChromatic, IsExactInEveryMajorKey) {
-    for (int fifths = -7; fifths <= 7; ++fifths) {
-        const KeySignature key = KeySignature::standard(fifths, false);
-        // Seven flats and six or seven sharps have altered tonics on the letters of other rows.
-        for (int axisStep = -8; axisStep <= 8; ++axisStep) {
-            EngineFixture engine({"C 4/4 c4:w"});
-            engine.document.staffMeasure(1, 1).key = key;
-            std::vector<EXENTRY> entries(15);
-            for (int i = 0; i < 15; ++i) {
-                EXENTRY& entry = entries[static_cast<std::size_t>(i)];
-                entry.entryFlags = ENTRY_VALID | ENTRY_NOTE;
-                entry.noteCount = 1;
-                entry.notes[0].noteId = 1;
-                key.store({i - 7, i % 3 - 1}, entry.notes[0]);
-            }
-            engine.document.setEntries({1, 1, 0}, entries);
-            EREGION region = engine.everything();
-            const SpelledPitch axis{axisStep, 1};
-            engine.run(
-                [&](CProgress* p) { return InvChromatic(&region, static_cast<short>(axisStep), 1, 0, p); });
-            int i = 0;
-            for (const auto& entry : engine.document.entries({1, 1, 0})) {
-                const SpelledPitch from{i - 7, i % 3 - 1};
-                const SpelledPitch to = key.spell(entry.notes()[0]);
-                ASSERT_EQ(to.step, 2 * axis.step - from.step) << fifths;
-                ASSERT_EQ(semitones(to) + semitones(from), 2 * semitones(axis))
-                    << fifths << " " << textOf(from);
-                ++i;
-            }
-        }
+    for (const auto& [before, axis, simplify, after] : cases) {
+        const SpelledPitch pitch = pitchFromText(axis);
+        EXPECT_EQ(textAfter(before, InvChromatic, pitch.step, pitch.alter, simplify), after) << before;
     }
 }
 
 TEST(InvChords, MoveTheOuterNotePastTheOther) {
-    const struct {
-        const char* before;
-        const char* up;
-        const char* down;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"C 4/4 <c4 e4 g4>:w", "<e4 g4 c5>:w", "<g3 c4 e4>:w"},
         {"C 4/4 <c4 c5>:w", "<c5 c6>:w", "<c3 c4>:w"},
         {"C 4/4 <c4 g4 e5>:w", "<g4 e5 c6>:w", "<e3 c4 g4>:w"},
@@ -132,25 +67,24 @@ TEST(InvChords, MoveTheOuterNotePastTheOther) {
         // A sign that stood before the chord does not reach the octave that its note moves to.
         {"C 2/4 c#4!:q <c#4 e4>:q", "c#4!:q <e4 c#5!>:q", "c#4!:q <e3 c#4>:q"},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(chords(c.before, InvChordUp), c.up);
-        EXPECT_EQ(chords(c.before, InvChordDown), c.down);
+    for (const auto& [before, up, down] : cases) {
+        EXPECT_EQ(textAfter(before, InvChordUp, kSingleNotesInSteps, 0, 0), up);
+        EXPECT_EQ(textAfter(before, InvChordDown, kSingleNotesInSteps, 0, 0), down);
     }
 }
 
 TEST(InvChords, SingleNotesByKind) {
-    EXPECT_EQ(chords("C 4/4 e4:h r:h", InvChordUp, kSingleNotesInSteps, 1, 1), "f#4!:h r:h");
-    EXPECT_EQ(chords("C 4/4 e4:h r:h", InvChordDown, kSingleNotesInKey, 1, 0), "f#4!:h r:h");
-    EXPECT_EQ(chords("none 4/4 e4:w", InvChordUp, kSingleNotesInKey, 1, 0), "e4:w");
-    EXPECT_EQ(chords("C 4/4 e4:w", InvChordUp, static_cast<CHINVTYPE>(3), 1, 0), "e4:w");
+    EXPECT_EQ(textAfter("C 4/4 e4:h r:h", InvChordUp, kSingleNotesInSteps, 1, 1), "f#4!:h r:h");
+    EXPECT_EQ(textAfter("C 4/4 e4:h r:h", InvChordDown, kSingleNotesInKey, 1, 0), "f#4!:h r:h");
+    EXPECT_EQ(textAfter("none 4/4 e4:w", InvChordUp, kSingleNotesInKey, 1, 0), "e4:w");
+    EXPECT_EQ(textAfter("C 4/4 e4:w", InvChordUp, static_cast<CHINVTYPE>(3), 1, 0), "e4:w");
 }
 
 TEST(Inversions, LeaveOtherKeysAloneAndRefuseNoRegion) {
     EngineFixture engine({"none 4/4 c4:w", "C 4/4 d4:w"});
-    EREGION region = engine.everything();
     const CallTrace trace;
-    engine.run([&](CProgress* p) { return InvDiatonic(&region, 0, p); });
-    engine.run([&](CProgress* p) { return InvChromatic(&region, 0, 0, 0, p); });
+    engine.transform(engine.everything(), InvDiatonic, 0);
+    engine.transform(engine.everything(), InvChromatic, 0, 0, 0);
     EXPECT_EQ(trace.walk(), "poll poll s2m1l0 s2m1l1 s2m1l2 s2m1l3 poll poll s2m1l0 s2m1l1 s2m1l2 s2m1l3 ");
     EXPECT_EQ(textOf(engine.document, 1), "c4:w");
     EREGION staffWithoutKey = EngineFixture::region(1, 1, 1, 1);
@@ -164,42 +98,48 @@ TEST(Inversions, LeaveOtherKeysAloneAndRefuseNoRegion) {
               0);
 }
 
-// A note anywhere in one of the 30 keys.
-struct AnyNote {
-    KeySignature key = KeySignature::standard(*rc::gen::inRange(-7, 8), *rc::gen::arbitrary<bool>());
-    SpelledPitch pitch{*rc::gen::inRange(-20, 21), *rc::gen::inRange(-2, 3)};
-};
-
-template <class Transformation>
-std::vector<SpelledPitch> afterEach(const AnyNote& note, int times, Transformation&& transformation) {
+// What becomes of a note by a command and what of that by the same once more.
+template <class... Arguments>
+std::pair<SpelledPitch, SpelledPitch> onceAndTwice(const KeySignature& key, const SpelledPitch& pitch,
+                                                   Arguments... arguments) {
     EngineFixture engine({"C 4/4 c4:w"});
-    engine.document.staffMeasure(1, 1).key = note.key;
-    EXENTRY entry{};
-    entry.entryFlags = ENTRY_VALID | ENTRY_NOTE;
-    entry.noteCount = 1;
-    entry.notes[0].noteId = 1;
-    note.key.store(note.pitch, entry.notes[0]);
-    engine.document.setEntries({1, 1, 0}, std::span(&entry, 1));
-    EREGION region = engine.everything();
-    std::vector<SpelledPitch> pitches;
-    for (int i = 0; i < times; ++i) {
-        engine.run([&](CProgress* p) { return transformation(&region, p); });
-        pitches.push_back(note.key.spell(engine.document.entries({1, 1, 0})[0].notes()[0]));
+    engine.document.staffMeasure(1, 1).key = key;
+    editEntries(engine.document, {1, 1, 0}, [&](auto& entries) { key.store(pitch, entries[0].notes[0]); });
+    const auto next = [&] {
+        engine.transform(engine.everything(), arguments...);
+        return key.spell(engine.document.entries({1, 1, 0})[0].notes()[0]);
+    };
+    const SpelledPitch once = next();
+    return {once, next()};
+}
+
+// The axis keeps its pitch and every other note its distance, in all major keys.
+TEST(InvChromatic, IsExactInEveryMajorKey) {
+    for (int fifths = -7; fifths <= 7; ++fifths) {
+        const KeySignature key = KeySignature::standard(fifths, false);
+        // Seven flats and six or seven sharps have altered tonics on the letters of other rows.
+        for (short axisStep = -8; axisStep <= 8; ++axisStep) {
+            const SpelledPitch axis{axisStep, 1};
+            for (int step = -7; step <= 7; ++step) {
+                const SpelledPitch from{step, (step + 7) % 3 - 1};
+                const auto [to, again] = onceAndTwice(key, from, InvChromatic, axisStep, short{1}, 0);
+                ASSERT_EQ(to.step, 2 * axis.step - from.step) << fifths;
+                ASSERT_EQ(semitones(to) + semitones(from), 2 * semitones(axis)) << fifths << textOf(from);
+                ASSERT_EQ(again, from) << fifths;
+            }
+        }
     }
-    return pitches;
 }
 
 RC_GTEST_PROP(Inversions, TwiceGivesTheSameNotes, ()) {
-    const AnyNote note;
+    const auto key = KeySignature::standard(*rc::gen::inRange(-7, 8), *rc::gen::arbitrary<bool>());
+    const SpelledPitch pitch{*rc::gen::inRange(-20, 21), *rc::gen::inRange(-2, 3)};
     const auto axis = *rc::gen::inRange<short>(-20, 21);
     const auto alteration = *rc::gen::inRange<short>(-1, 2);
-    const auto chromaticTwice = afterEach(
-        note, 2, [&](EREGION* region, CProgress* p) { return InvChromatic(region, axis, alteration, 0, p); });
-    RC_ASSERT(chromaticTwice[1] == note.pitch);
-    const auto diatonicTwice =
-        afterEach(note, 2, [&](EREGION* region, CProgress* p) { return InvDiatonic(region, axis, p); });
-    RC_ASSERT(diatonicTwice[1] == note.pitch);
-    RC_ASSERT(diatonicTwice[0].step == 2 * axis - note.pitch.step);
+    RC_ASSERT(onceAndTwice(key, pitch, InvChromatic, axis, alteration, 0).second == pitch);
+    const auto diatonic = onceAndTwice(key, pitch, InvDiatonic, axis);
+    RC_ASSERT(diatonic.second == pitch);
+    RC_ASSERT(diatonic.first.step == 2 * axis - pitch.step);
 }
 
 // Of chords within an octave; wider ones need not come back.
@@ -217,12 +157,12 @@ RC_GTEST_PROP(InvChords, UpAndDownAsOftenGivesTheSameChord, ()) {
         return text;
     };
     const std::string before = pitches();
-    EREGION region = engine.everything();
     for (int i = 0; i < 2 * times; ++i) {
-        const auto invert = i < times ? InvChordUp : InvChordDown;
-        engine.run([&](CProgress* p) { return invert(&region, kSingleNotesInSteps, 0, 0, p); });
+        engine.transform(engine.everything(), i < times ? InvChordUp : InvChordDown, kSingleNotesInSteps, 0,
+                         0);
     }
     RC_ASSERT(pitches() == before);
 }
 
 }  // namespace
+}  // namespace rovescio::test

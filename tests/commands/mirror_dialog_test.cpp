@@ -5,11 +5,8 @@
 #include "shell/main_dialog.h"
 #include "shell/settings.h"
 
+namespace rovescio::test {
 namespace {
-
-using rovescio::test::EngineFixture;
-using rovescio::test::MemoryDialog;
-using rovescio::test::textOf;
 
 class MirrorDialogTest : public testing::Test {
   protected:
@@ -105,15 +102,14 @@ TEST_F(MirrorDialogTest, ApplyRunsInTheFixedOrderWithinOneEdit) {
         SUItems = {};
         SUItems.transpose.kind = 2;
         SUItems.transpose.steps = 1;
-        engine.front.hands[20130] = [&](MemoryDialog& dialog) {
+        engine.workMainDialog([&](MemoryDialog& dialog) {
             EXPECT_EQ(dialog.press(5), 1);
             EXPECT_EQ(SUItems.mirrorAxisStep, 2);
             EXPECT_EQ(SUItems.mirrorCheck, 1);
             dialog.values[4] = c.inversion;
             dialog.values[8] = c.option;
             EXPECT_EQ(dialog.press(1), 1);
-        };
-        SUDialog(nullptr, nullptr, nullptr);
+        });
         EXPECT_EQ(textOf(engine.document), c.after) << "inversion " << c.inversion;
         EXPECT_TRUE(engine.session.massEdits.undo());
         EXPECT_EQ(textOf(engine.document), "<c4 e4 g4>:w");
@@ -121,3 +117,4 @@ TEST_F(MirrorDialogTest, ApplyRunsInTheFixedOrderWithinOneEdit) {
 }
 
 }  // namespace
+}  // namespace rovescio::test

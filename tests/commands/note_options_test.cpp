@@ -3,25 +3,11 @@
 
 #include "engine_fixture.h"
 
+namespace rovescio::test {
 namespace {
 
-using rovescio::test::EngineFixture;
-using rovescio::test::textOf;
-
-std::string after(const std::string& line, short option, short removeTies, short expected = 1) {
-    EngineFixture engine({line});
-    EREGION region = engine.everything();
-    EXPECT_EQ(engine.run([&](CProgress* p) { return DoSUOptions(&region, option, removeTies, p); }),
-              expected);
-    return textOf(engine.document);
-}
-
 TEST(DoSUOptions, EachOptionShowsOrHidesAccidentals) {
-    const struct {
-        const char* before;
-        short option;
-        const char* after;
-    } cases[] = {
+    const std::tuple<const char*, short, const char*> cases[] = {
         // As needed: marked, so the host decides; what was decided by hand keeps the flag it was given.
         {"C 4/4 f#4:q f4+:q f4!+:q c4!:q", 2, "f#4!:q f4!+:q f4!+:q c4:q"},
         {"C 4/4 f#4:q f4:h r:q", 3, "f#4!+:q f4!+:h r:q"},
@@ -30,24 +16,25 @@ TEST(DoSUOptions, EachOptionShowsOrHidesAccidentals) {
         {"D 4/4 f4!:q c##5!+:q <d4 g#4!>:h", 6, "f#4:q c#5:q <d4 g4>:h"},
         {"C 4/4 f#4:q f4!+:h r:q", 1, "f#4:q f4!+:h r:q"},
     };
-    for (const auto& c : cases) EXPECT_EQ(after(c.before, c.option, 0), c.after) << "option " << c.option;
+    for (const auto& [before, option, after] : cases)
+        EXPECT_EQ(textAfter(before, DoSUOptions, option, 0), after) << "option " << option;
 }
 
 TEST(DoSUOptions, TiesAreRemovedWithAnyOption) {
-    EXPECT_EQ(after("C 4/4 f#4~!:h <f#4^~ a4>:h | f#4^:w", 1, 1), "f#4!:h <f#4 a4>:h | f#4:w");
-    EXPECT_EQ(after("C 4/4 c4~:h c4^:h", 3, 1), "c4!+:h c4!+:h");
+    EXPECT_EQ(textAfter("C 4/4 f#4~!:h <f#4^~ a4>:h | f#4^:w", DoSUOptions, 1, 1),
+              "f#4!:h <f#4 a4>:h | f#4:w");
+    EXPECT_EQ(textAfter("C 4/4 c4~:h c4^:h", DoSUOptions, 3, 1), "c4!+:h c4!+:h");
 }
 
 TEST(DoSUOptions, PositionsAndCancels) {
     EngineFixture engine({"C 4/4 c4:h d4:h | e4:h f4:h"});
-    EREGION region = EngineFixture::region(1, 1, 1, 2, 2048, 0);
-    engine.run([&](CProgress* p) { return DoSUOptions(&region, 3, 0, p); });
+    engine.transform(EngineFixture::region(1, 1, 1, 2, 2048, 0), DoSUOptions, 3, 0);
     EXPECT_EQ(textOf(engine.document), "c4:h d4!+:h | e4!+:h f4:h");
     engine.front.cancelAfter = engine.front.polls + 1;
-    region = engine.everything();
-    EXPECT_EQ(engine.run([&](CProgress* p) { return DoSUOptions(&region, 6, 0, p); }), 1);
+    EXPECT_EQ(engine.transform(engine.everything(), DoSUOptions, 6, 0), 1);
     EXPECT_TRUE(engine.cancelled);
     EXPECT_EQ(textOf(engine.document), "c4:h d4!+:h | e4!+:h f4:h");
 }
 
 }  // namespace
+}  // namespace rovescio::test

@@ -6,14 +6,11 @@
 #include "shell/main_dialog.h"
 #include "shell/settings.h"
 
+namespace rovescio::test {
 namespace {
 
-using rovescio::engine::HostFunction;
-using rovescio::engine::PackedEntries;
-using rovescio::engine::planFault;
-using rovescio::test::EngineFixture;
-using rovescio::test::MemoryDialog;
-using rovescio::test::textOf;
+using engine::HostFunction;
+using engine::planFault;
 
 class RetrogradeDialogsTest : public testing::Test {
   protected:
@@ -24,18 +21,12 @@ class RetrogradeDialogsTest : public testing::Test {
 
     // Another C against the first note.
     void addSecondVoice() {
-        std::vector<EXENTRY> entries = engine.document.entries({1, 1, 0}).expanded();
-        entries.insert(entries.begin(), entries.front());
-        entries[0].entryFlags |= ENTRY_STARTS_VOICE2;
-        entries[1].entryFlags |= ENTRY_VOICE2;
-        entries[1].entryNumber = engine.document.nextEntryNumber();
-        PackedEntries changed(entries);
-        engine.document.exchangeEntries({1, 1, 0}, changed);
-    }
-
-    void openMainDialog(const std::function<void(MemoryDialog&)>& hand) {
-        engine.front.hands[20130] = hand;
-        SUDialog(nullptr, nullptr, nullptr);
+        editEntries(engine.document, {1, 1, 0}, [&](std::vector<EXENTRY>& entries) {
+            entries.insert(entries.begin(), entries.front());
+            entries[0].entryFlags |= ENTRY_STARTS_VOICE2;
+            entries[1].entryFlags |= ENTRY_VOICE2;
+            entries[1].entryNumber = engine.document.nextEntryNumber();
+        });
     }
 
     EngineFixture engine{{"C 3/4 c4:q d4:q e4:q | f4:h."}};
@@ -70,7 +61,7 @@ TEST_F(RetrogradeDialogsTest, OptionsComeBackFromTheCheckBoxes) {
         dialog.values[3] = 0;
         dialog.press(1);
     };
-    openMainDialog([](MemoryDialog& dialog) { EXPECT_EQ(dialog.press(10), 1); });
+    engine.workMainDialog([](MemoryDialog& dialog) { EXPECT_EQ(dialog.press(10), 1); });
     EXPECT_EQ(SUItems.retrogradeOptions, 2U);
 }
 
@@ -144,7 +135,7 @@ TEST_F(RetrogradeDialogsTest, ApplyReversesFirstAndStopsWhereItCannot) {
             if (dialog.open) dialog.press(1);
         };
         if (c.failLoad) planFault(HostFunction::SX_LoadTGF, c.failLoad);
-        openMainDialog([](MemoryDialog& dialog) {
+        engine.workMainDialog([](MemoryDialog& dialog) {
             dialog.values[9] = 1;
             EXPECT_EQ(dialog.press(1), 1);
             EXPECT_TRUE(dialog.open);
@@ -158,3 +149,4 @@ TEST_F(RetrogradeDialogsTest, ApplyReversesFirstAndStopsWhereItCannot) {
 }
 
 }  // namespace
+}  // namespace rovescio::test

@@ -6,15 +6,12 @@
 #include "contract/data_records.h"
 #include "engine_fixture.h"
 
+namespace rovescio::test {
 namespace {
 
-using rovescio::engine::callCount;
-using rovescio::engine::HostFunction;
-using rovescio::engine::planFault;
-using rovescio::test::addLayer;
-using rovescio::test::CallTrace;
-using rovescio::test::EngineFixture;
-using rovescio::test::textOf;
+using engine::callCount;
+using engine::HostFunction;
+using engine::planFault;
 
 using Spec = std::array<std::uint16_t, 15>;  // the words of a measure specification
 
@@ -137,8 +134,8 @@ TEST_F(RetrogradeTest, ReversesShownLayersSlotBySlotAndRebarsOnce) {
     EXPECT_EQ(textOf(engine.document, 1, 2), "e5:h | | | f5:h");
     // One poll for each exchange, none while there is nothing more to exchange.
     EXPECT_TRUE(
-        trace.walk().starts_with("s1m1l0 s1m2l0 s1m3l0 s1m4l0 poll poll poll s1m1l1 s1m2l1 s1m3l1 "
-                                 "s1m4l1 poll poll s2m1l0 s2m2l0 s2m3l0 s2m4l0 poll poll s2m1l1 "))
+        trace.walk().starts_with("s1m1l0 s1m2l0 s1m3l0 s1m4l0 poll poll poll s1m1l1 s1m2l1 s1m3l1 s1m4l1 "
+                                 "poll poll s2m1l0 s2m2l0 s2m3l0 s2m4l0 poll poll s2m1l1 "))
         << trace.walk();
     EXPECT_NE(trace.text().find("SX_RebarRegion(region=slots 1-2 from 1:0 to 4:2147483647, mode=4, "
                                 "regroup=1, options=0, redraw=1)"),
@@ -198,3 +195,4 @@ TEST_F(RetrogradeTest, StopsAtMusicThatDoesNotLoad) {
 }
 
 }  // namespace
+}  // namespace rovescio::test

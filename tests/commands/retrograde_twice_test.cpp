@@ -1,88 +1,59 @@
 // A retrograde of a retrograde is the first music again, over generated scores with uneven measures.
-#include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
-
-#include <string>
-#include <vector>
-
-#include "engine_fixture.h"
 #include "retrograde/retrograde.h"
 
+#include "engine_fixture.h"
+
+// After gtest, which it builds on.
+#include <rapidcheck/gtest.h>
+
+namespace rovescio::test {
 namespace {
 
-using rovescio::test::EngineFixture;
-using rovescio::test::textOf;
-
-struct Music {
-    std::string line;
-    std::vector<std::int32_t> lengths;  // of the measures, duration units
+// Music from G to G, so that any two can be tied, each with its length in duration units.
+const std::vector<std::pair<std::string, std::int32_t>> kMeasures = {
+    {"g4:s", 256},
+    {"g4:e.", 768},
+    {"g4:e*3:2 bb4:e*3:2 g4:e*3:2", 1024},
+    {"g4:q. d#4:s g4:s", 2048},
+    {"g4:e*3:2 a4:e*3:2 gb4:e*3:2 g4:q.", 2560},
+    {"g4:e f#4:h g4:e", 3072},
+    {"g4~:q g4^:q e4:s e4:s g4:q.", 4096},
+    {"g4:e. c5~:e. c5^:q c4:s f#4:s g4:q.", 4096},
 };
 
-std::string pitch() {
-    static const std::vector<std::string> kPitches = {"c4", "d#4", "e4", "f#4", "gb4", "a4", "bb4", "c5"};
-    return *rc::gen::elementOf(kPitches);
-}
-
-// Values that fill a measure, some of them tied to the next note, with triplets among them.
-std::string measure(std::int32_t length, bool& tied, std::string& last) {
-    static const std::vector<std::pair<const char*, std::int32_t>> kValues = {
-        {"s", 256}, {"e", 512}, {"e.", 768}, {"q", 1024}, {"q.", 1536}, {"h", 2048}};
-    std::string text;
-    const auto note = [&](const std::string& value) {
-        const std::string sounding = tied ? last : pitch();
-        const bool ties = *rc::gen::inRange(0, 4) == 0;
-        text += sounding + (ties ? "~" : "") + (tied ? "^" : "") + ":" + value + " ";
-        last = sounding;
-        tied = ties;
-    };
-    while (length > 0) {
-        if (*rc::gen::inRange(0, 8) == 0 && length >= 1024) {
-            for (int i = 0; i < 3; ++i) note("e*3:2");
-            length -= 1024;
-            continue;
-        }
-        auto value = *rc::gen::elementOf(kValues);
-        while (value.second > length) value = kValues[static_cast<std::size_t>(value.second > 512 ? 1 : 0)];
-        note(value.first);
-        length -= value.second;
-    }
-    return text;
-}
-
-Music music() {
-    Music result;
-    bool tied = false;
-    std::string last;
-    const int count = *rc::gen::inRange(1, 6);
-    for (int i = 0; i < count; ++i) {
-        result.lengths.push_back(*rc::gen::element(1024, 2048, 2560, 3072, 4096));
-        result.line += (i > 0 ? "| " : "") + measure(result.lengths.back(), tied, last);
-    }
-    // The last tie has nowhere to go.
-    if (tied) result.line.erase(result.line.rfind('~'), 1);
-    return result;
-}
-
 // The notes alone: accidentals are shown by their place.
-std::string notesOf(const rovescio::engine::Document& document) {
+std::string notesOf(const engine::Document& document) {
     std::string text = textOf(document);
     std::erase(text, '!');
     return text;
 }
 
 RC_GTEST_PROP(Retrograde, TwiceIsTheFirstMusic, ()) {
-    const Music first = music();
-    EngineFixture engine({"C 4/4 " + first.line});
-    for (std::size_t i = 0; i < first.lengths.size(); ++i) {
-        engine.document.staffMeasure(1, static_cast<short>(i + 1)).duration = first.lengths[i];
+    std::string line = "C 4/4 ";
+    std::vector<std::int32_t> lengths;
+    for (int count = *rc::gen::inRange(1, 7); count > 0; --count) {
+        auto [music, length] = *rc::gen::elementOf(kMeasures);
+        if (!lengths.empty()) {
+            if (*rc::gen::arbitrary<bool>()) {
+                line.insert(line.rfind("g4") + 2, "~");
+                music.insert(2, "^");
+            }
+            line += " | ";
+        }
+        line += music;
+        lengths.push_back(length);
+    }
+    EngineFixture engine({line});
+    for (std::size_t i = 0; i < lengths.size(); ++i) {
+        engine.document.staffMeasure(1, static_cast<short>(i + 1)).duration = lengths[i];
     }
     const std::string before = notesOf(engine.document);
-    EREGION region = engine.everything();
     for (int time = 0; time < 2; ++time) {
-        RC_ASSERT(engine.run([&](CProgress* p) { return Retrograde(&region, 0, p); }) == 1);
+        RC_ASSERT(engine.transform(engine.everything(), Retrograde, 0U) == 1);
         if (engine.session.refusal) RC_DISCARD("a triplet that no value can cut");
     }
     RC_ASSERT(notesOf(engine.document) == before);
 }
 
 }  // namespace
+}  // namespace rovescio::test

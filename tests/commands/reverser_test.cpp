@@ -3,13 +3,12 @@
 
 #include "engine_fixture.h"
 
+namespace rovescio::test {
 namespace {
 
-using rovescio::engine::callCount;
-using rovescio::engine::HostFunction;
-using rovescio::engine::planFault;
-using rovescio::test::EngineFixture;
-using rovescio::test::textOf;
+using engine::callCount;
+using engine::HostFunction;
+using engine::planFault;
 
 // Frames loaded and saved since the test program started.
 std::pair<std::uint64_t, std::uint64_t> frameCalls() {
@@ -105,3 +104,4 @@ TEST(Reverser, FailsWithAFrameThatDoesNotLoadOrARegionThatEndsBeforeItStarts) {
 }
 
 }  // namespace
+}  // namespace rovescio::test

@@ -7,14 +7,11 @@
 #include "retrograde/shape_removal.h"
 #include "retrograde/smart_shapes.h"
 
+namespace rovescio::test {
 namespace {
 
-using rovescio::engine::FrameAddress;
-using rovescio::engine::PackedEntries;
-using rovescio::test::addLayer;
-using rovescio::test::CallTrace;
-using rovescio::test::EngineFixture;
-using rovescio::test::textOf;
+using engine::FrameAddress;
+using engine::PackedEntries;
 
 constexpr std::uint32_t kVoice2 = 0x10000000;
 constexpr std::uint32_t kStartsVoice2 = 0x20000000;
@@ -24,10 +21,7 @@ class SelectionCheckTest : public testing::Test {
     SelectionCheckTest() { engine.session.selection = EngineFixture::region(1, 2, 1, 2); }
 
     void setFlags(const FrameAddress& frame, std::size_t index, std::uint32_t entryFlags) {
-        std::vector<EXENTRY> entries = engine.document.entries(frame).expanded();
-        entries[index].entryFlags |= entryFlags;
-        PackedEntries changed(entries);
-        engine.document.exchangeEntries(frame, changed);
+        editEntries(engine.document, frame, [&](auto& entries) { entries[index].entryFlags |= entryFlags; });
     }
 
     std::uint16_t check(short fix = 0) {
@@ -202,3 +196,4 @@ TEST_F(ShapesTest, DeleteSmartShapesRemovesEveryShapeOfTheEntryAndNoOther) {
 }
 
 }  // namespace
+}  // namespace rovescio::test

@@ -3,10 +3,8 @@
 
 #include "engine_fixture.h"
 
+namespace rovescio::test {
 namespace {
-
-using rovescio::test::EngineFixture;
-using rovescio::test::MemoryDialog;
 
 constexpr short kUp = 1;
 constexpr short kDown = 2;
@@ -104,3 +102,4 @@ TEST_F(TransposeDialogTest, CancelKeepsWhatThePopupsWroteButNotTheResults) {
 }
 
 }  // namespace
+}  // namespace rovescio::test

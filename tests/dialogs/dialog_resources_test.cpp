@@ -3,11 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace rovescio::dialogs {
 namespace {
-
-using rovescio::dialogs::DialogDescription;
-using rovescio::dialogs::DialogResources;
-using rovescio::dialogs::ItemKind;
 
 TEST(DialogResources, KeepsItemsInTheOrderOfTheDialog) {
     const auto resources = DialogResources::parse(
@@ -58,3 +55,4 @@ TEST(DialogResources, RefusesDescriptionsThatAreNotExact) {
 }
 
 }  // namespace
+}  // namespace rovescio::dialogs

@@ -8,9 +8,8 @@
 #include "dialogs/open_dialog.h"
 #include "dialogs/transformation_script.h"
 
+namespace rovescio::dialogs {
 namespace {
-
-using namespace rovescio::dialogs;
 
 DialogResources pluginResources() {
     std::ifstream file(DIALOG_DESCRIPTIONS);
@@ -23,6 +22,7 @@ std::string actions(const Scripts& scripts, short dialog) {
     std::string text;
     for (auto [script, end] = scripts.equal_range(dialog); script != end; ++script) {
         for (const Step& step : script->second) {
+            text += text.empty() ? "" : ", ";
             if (const auto* set = std::get_if<Set>(&step)) {
                 text += std::to_string(set->item) + "=" + std::to_string(set->value);
             } else if (const auto* press = std::get_if<Press>(&step)) {
@@ -34,20 +34,6 @@ std::string actions(const Scripts& scripts, short dialog) {
             } else {
                 text += "select";
             }
-            text += ", ";
-        }
-    }
-    return text;
-}
-
-// What the script sets in a dialog, as "item=value" in order.
-std::string settings(const Scripts& scripts, short dialog) {
-    std::string text;
-    const auto found = scripts.find(dialog);
-    if (found == scripts.end()) return "not opened";
-    for (const Step& step : found->second) {
-        if (const auto* set = std::get_if<Set>(&step)) {
-            text += (text.empty() ? "" : " ") + std::to_string(set->item) + "=" + std::to_string(set->value);
         }
     }
     return text;
@@ -76,79 +62,80 @@ void expectPossible(const Scripts& scripts, const DialogResources& resources) {
 
 TEST(TransformationScripts, ChooseIntervalsFromThePopUpsAndElseInTheOtherDialog) {
     using Kind = Transposition::Kind;
-    const struct {
-        Transposition transposition;
-        const char* main;
-        const char* other;
-    } cases[] = {
-        {{.kind = Kind::chromatic, .steps = 2, .alteration = -1}, "3=3 6=8 7=1 9=0", "not opened"},
-        {{.kind = Kind::chromatic, .down = true, .steps = 7, .octaves = 1}, "3=3 6=26 7=2 9=1", "not opened"},
-        {{.kind = Kind::chromatic, .steps = 1, .alteration = 2}, "3=3 6=27 7=1 9=0", "4=1 6=2"},
-        {{.kind = Kind::diatonic, .steps = 7}, "3=2 5=8 7=1 9=0", "not opened"},
-        {{.kind = Kind::diatonic, .down = true, .steps = 8}, "3=2 5=9 7=2 9=0", "4=8"},
+    const std::tuple<Transposition, const char*, const char*> cases[] = {
+        {{.kind = Kind::chromatic, .steps = 2, .alteration = -1}, "3=3, 6=8, 7=1, 9=0, press 1", ""},
+        {{.kind = Kind::chromatic, .down = true, .steps = 7, .octaves = 1},
+         "3=3, 6=26, 7=2, 9=1, press 1",
+         ""},
+        {{.kind = Kind::chromatic, .steps = 1, .alteration = 2},
+         "3=3, 6=27, 7=1, 9=0, press 1",
+         "4=1, 6=2, press 1"},
+        {{.kind = Kind::diatonic, .steps = 7}, "3=2, 5=8, 7=1, 9=0, press 1", ""},
+        {{.kind = Kind::diatonic, .down = true, .steps = 8}, "3=2, 5=9, 7=2, 9=0, press 1", "4=8, press 1"},
         {{.kind = Kind::semitones,
           .semitones = 11,
           .spelling = Transposition::Spelling::sharps,
           .octaves = -1},
-         "3=4 4=12 8=1 7=1 9=-1",
-         "not opened"},
+         "3=4, 4=12, 8=1, 7=1, 9=-1, press 1",
+         ""},
     };
     const DialogResources resources = pluginResources();
     for (const auto& [transposition, main, other] : cases) {
         const Scripts scripts = transformationScripts({.transposition = transposition}, {});
-        EXPECT_EQ(settings(scripts, 20150), main);
-        EXPECT_EQ(settings(scripts, 20180), other);
+        EXPECT_EQ(actions(scripts, 20150), main);
+        EXPECT_EQ(actions(scripts, 20180), other);
         expectPossible(scripts, resources);
     }
 }
 
 TEST(TransformationScripts, ChooseInversionsAndNoteOptionsAndLeaveTheRestAlone) {
     using Kind = Inversion::Kind;
-    const struct {
-        Transformation transformation;
-        const char* main;
-        const char* axis;
-    } cases[] = {
-        {{.inversion = Inversion{.kind = Kind::diatonic, .axis = {2, 0}}}, "4=2", "3=8 5=4 6=0"},
+    const std::tuple<Transformation, const char*, const char*> cases[] = {
+        {{.inversion = Inversion{.kind = Kind::diatonic, .axis = {2, 0}}},
+         "4=2, press 5",
+         "3=8, 5=4, 6=0, press 1"},
         {{.inversion = Inversion{.kind = Kind::chromatic, .axis = {-7, -1}, .simplify = true}},
-         "4=3",
-         "3=1 5=3 6=1"},
-        {{.inversion = Inversion{.kind = Kind::chromatic, .axis = {41, 1}}}, "4=3", "3=21 5=9 6=0"},
-        {{.inversion = Inversion{.kind = Kind::chordsUp}}, "4=4", "not opened"},
+         "4=3, press 5",
+         "3=1, 5=3, 6=1, press 1"},
+        {{.inversion = Inversion{.kind = Kind::chromatic, .axis = {41, 1}}},
+         "4=3, press 5",
+         "3=21, 5=9, 6=0, press 1"},
+        {{.inversion = Inversion{.kind = Kind::chordsUp}}, "4=4", ""},
         {{.inversion = Inversion{.kind = Kind::chordsDown}, .accidentals = Accidentals::asNeeded},
-         "4=5 8=2",
-         "not opened"},
-        {{.accidentals = Accidentals::inKey, .removeTies = true}, "8=6 11=1", "not opened"},
-        {{.removeTies = true}, "11=1", "not opened"},
+         "4=5, 8=2",
+         ""},
+        {{.accidentals = Accidentals::inKey, .removeTies = true}, "8=6, 11=1", ""},
+        {{.removeTies = true}, "11=1", ""},
     };
     const DialogResources resources = pluginResources();
     for (const auto& [transformation, main, axis] : cases) {
         const Scripts scripts = transformationScripts(transformation, {});
-        EXPECT_EQ(settings(scripts, 20130), std::string("9=0 6=1 4=1 8=1 11=0 ") + main);
-        EXPECT_EQ(settings(scripts, 20140), axis);
-        EXPECT_EQ(settings(scripts, 20150), "not opened");
+        EXPECT_EQ(actions(scripts, 20130),
+                  "9=0, 6=1, 4=1, 8=1, 11=0, " + std::string(main) + ", press 1, press 2");
+        EXPECT_EQ(actions(scripts, 20140), axis);
+        EXPECT_EQ(actions(scripts, 20150), "");
         expectPossible(scripts, resources);
     }
 }
 
 TEST(TransformationScripts, ReverseOrCheckAndReadTheReports) {
     const std::string nothing = "9=0, 6=1, 4=1, 8=1, 11=0, ";
-    const std::string report = "read 2, read 3, press 1, ";
-    const std::string repair = "read 2, read 3, yes, press 7?, press 1, ";
+    const std::string report = "read 2, read 3, press 1";
+    const std::string repair = "read 2, read 3, yes, press 7?, press 1";
     const struct {
         Scripts scripts;
         std::string main, options, report;
     } cases[] = {
-        {transformationScripts({.retrograde = Retrograde{}}, {}),
-         nothing + "9=1, press 10, press 1, press 2, ", "3=0, 4=0, press 1, ", report},
+        {transformationScripts({.retrograde = Retrograde{}}, {}), nothing + "9=1, press 10, press 1, press 2",
+         "3=0, 4=0, press 1", report},
         {transformationScripts(
              {.retrograde = Retrograde{.mirrorKeys = true, .repair = true}, .removeTies = true}, {[] {}}),
-         nothing + "9=1, press 10, 11=1, press 1, select, press 1, press 2, ", "3=1, 4=0, press 1, ",
-         repair + repair},
+         nothing + "9=1, press 10, 11=1, press 1, select, press 1, press 2", "3=1, 4=0, press 1",
+         repair + ", " + repair},
         {transformationScripts({.retrograde = Retrograde{.mirrorSpacing = true}}, {}),
-         nothing + "9=1, press 10, press 1, press 2, ", "3=0, 4=1, press 1, ", report},
-        {checkScripts(false, {}), "press 12, press 2, ", "", report},
-        {checkScripts(true, {[] {}}), "press 12, select, press 12, press 2, ", "", repair + repair},
+         nothing + "9=1, press 10, press 1, press 2", "3=0, 4=1, press 1", report},
+        {checkScripts(false, {}), "press 12, press 2", "", report},
+        {checkScripts(true, {[] {}}), "press 12, select, press 12, press 2", "", repair + ", " + repair},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(actions(c.scripts, 20130), c.main);
@@ -164,3 +151,4 @@ TEST(TransformationScripts, ReverseOrCheckAndReadTheReports) {
 }
 
 }  // namespace
+}  // namespace rovescio::dialogs

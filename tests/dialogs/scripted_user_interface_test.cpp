@@ -10,17 +10,10 @@
 
 #include "engine/strictness.h"
 
+namespace rovescio::dialogs {
 namespace {
 
-using rovescio::dialogs::Answer;
-using rovescio::dialogs::DialogResources;
-using rovescio::dialogs::Meanwhile;
-using rovescio::dialogs::Press;
-using rovescio::dialogs::Script;
-using rovescio::dialogs::ScriptedUserInterface;
-using rovescio::dialogs::Scripts;
-using rovescio::dialogs::Set;
-using rovescio::engine::Rule;
+using engine::Rule;
 
 // Dialog 100 has one item of each kind, dialog 200 only a button.
 DialogResources testResources() {
@@ -39,7 +32,7 @@ class ScriptedDialog : public testing::Test {
 
     void SetUp() override {
         active_ = this;
-        rovescio::engine::setBrokenRuleHandler(
+        engine::setBrokenRuleHandler(
             [this](Rule rule, const std::string& detail) { broken.emplace_back(rule, detail); });
     }
 
@@ -85,10 +78,7 @@ TEST_F(ScriptedDialog, SendsWhatAHandWouldCause) {
 }
 
 TEST_F(ScriptedDialog, RefusesWhatAHandCannotDo) {
-    const struct {
-        Script script;
-        const char* problem;
-    } cases[] = {
+    const std::pair<Script, const char*> cases[] = {
         {{Set{3, 5}, Press{1}}, "item 3 of dialog 100, a popup, cannot be set to 5"},
         {{Set{3, 0}, Press{1}}, "cannot be set to 0"},
         {{Set{2, 2}, Press{1}}, "a check, cannot be set to 2"},
@@ -107,53 +97,40 @@ TEST_F(ScriptedDialog, RefusesWhatAHandCannotDo) {
 }
 
 TEST_F(ScriptedDialog, CannotReachItemsHiddenOrDisabled) {
-    const struct {
-        void (*hide)(ScriptedUserInterface&, SXWindow);
-        const char* problem;
-    } cases[] = {
-        {[](ScriptedUserInterface& ui, SXWindow dialog) { ui.show(dialog, 3, false); },
-         "item 3 of dialog 100 is hidden"},
-        {[](ScriptedUserInterface& ui, SXWindow dialog) { ui.enable(dialog, 3, false); },
-         "item 3 of dialog 100 is disabled"},
-    };
-    for (const auto& [hide, problem] : cases) {
+    for (const bool hidden : {true, false}) {
         bool reached = false;
-        handler = [&, hide = hide](SXWindow dialog, std::uint16_t message, short item, std::uint32_t) {
-            if (message == kDialogInit) hide(*front, dialog);
+        handler = [&](SXWindow dialog, std::uint16_t message, short item, std::uint32_t) {
+            if (message == kDialogInit) {
+                hidden ? front->show(dialog, 3, false) : front->enable(dialog, 3, false);
+            }
             reached = reached || item == 3;
         };
         const ScriptedUserInterface& after = open({Set{3, 2}, Press{1}});
         ASSERT_TRUE(after.problem());
-        EXPECT_EQ(after.problem()->message, problem);
+        EXPECT_EQ(after.problem()->message,
+                  std::string("item 3 of dialog 100 is ") + (hidden ? "hidden" : "disabled"));
         EXPECT_FALSE(reached) << "the procedure must not hear of it";
     }
 }
 
 TEST_F(ScriptedDialog, NamesWhatThePlugInDoesWrong) {
-    const struct {
-        std::function<void(ScriptedUserInterface&, SXWindow)> misdeed;
-        Rule rule;
-    } cases[] = {
-        {[](ScriptedUserInterface& ui, SXWindow dialog) { ui.value(dialog, 3, kCheckValue); },
-         Rule::dialogMisused},
-        {[](ScriptedUserInterface& ui, SXWindow dialog) { ui.value(dialog, 9, kPopupValue); },
-         Rule::dialogMisused},
-        {[](ScriptedUserInterface& ui, SXWindow dialog) { ui.value(dialog, 5, kPopupValue); },
-         Rule::dialogMisused},
-        {[](ScriptedUserInterface& ui, SXWindow dialog) { ui.setValue(dialog, 3, kPopupValue, 5); },
-         Rule::dialogMisused},
-        {[](ScriptedUserInterface& ui, SXWindow dialog) { ui.setValue(dialog, 4, kNumberValue, 70000); },
-         Rule::dialogMisused},
-        {[](ScriptedUserInterface& ui, SXWindow) { ui.setValue(&ui, 3, kPopupValue, 1); },
-         Rule::dialogMisused},
-        {[](ScriptedUserInterface& ui, SXWindow) { ui.endDialog(nullptr); }, Rule::dialogMisused},
-        {[](ScriptedUserInterface& ui, SXWindow dialog) { ui.show(dialog, 8, true); }, Rule::dialogMisused},
-        {[](ScriptedUserInterface& ui, SXWindow dialog) { ui.runDialog(300, procedure, dialog, 0, nullptr); },
-         Rule::dialogUnknown},
-        {[](ScriptedUserInterface& ui, SXWindow dialog) { ui.runDialog(200, nullptr, dialog, 0, nullptr); },
-         Rule::dialogWithoutProcedure},
+    using Interface = ScriptedUserInterface;
+    const std::pair<Rule, std::function<void(Interface&, SXWindow)>> cases[] = {
+        {Rule::dialogMisused, [](Interface& ui, SXWindow dialog) { ui.value(dialog, 3, kCheckValue); }},
+        {Rule::dialogMisused, [](Interface& ui, SXWindow dialog) { ui.value(dialog, 9, kPopupValue); }},
+        {Rule::dialogMisused, [](Interface& ui, SXWindow dialog) { ui.value(dialog, 5, kPopupValue); }},
+        {Rule::dialogMisused, [](Interface& ui, SXWindow dialog) { ui.setValue(dialog, 3, kPopupValue, 5); }},
+        {Rule::dialogMisused,
+         [](Interface& ui, SXWindow dialog) { ui.setValue(dialog, 4, kNumberValue, 70000); }},
+        {Rule::dialogMisused, [](Interface& ui, SXWindow) { ui.setValue(&ui, 3, kPopupValue, 1); }},
+        {Rule::dialogMisused, [](Interface& ui, SXWindow) { ui.endDialog(nullptr); }},
+        {Rule::dialogMisused, [](Interface& ui, SXWindow dialog) { ui.show(dialog, 8, true); }},
+        {Rule::dialogUnknown,
+         [](Interface& ui, SXWindow dialog) { ui.runDialog(300, procedure, dialog, 0, nullptr); }},
+        {Rule::dialogWithoutProcedure,
+         [](Interface& ui, SXWindow dialog) { ui.runDialog(200, nullptr, dialog, 0, nullptr); }},
     };
-    for (const auto& [misdeed, rule] : cases) {
+    for (const auto& [rule, misdeed] : cases) {
         broken.clear();
         handler = [&, misdeed = misdeed](SXWindow dialog, std::uint16_t message, short, std::uint32_t) {
             if (message == kDialogInit) misdeed(*front, dialog);
@@ -172,8 +149,8 @@ TEST_F(ScriptedDialog, StopsAtTheUsersCancel) {
                                     EXPECT_FALSE(front->progress({1, 2}));
                                 }},
                                 Meanwhile{[&] { wentOn = true; }}, Press{1}});
-    front = std::make_unique<ScriptedUserInterface>(
-        resources, scripts, [&](const rovescio::engine::Progress&) { return !cancel; });
+    front = std::make_unique<ScriptedUserInterface>(resources, scripts,
+                                                    [&](const engine::Progress&) { return !cancel; });
     EXPECT_TRUE(front->progress({0, 2}));
     front->runDialog(100, procedure, nullptr, 0, nullptr);
     EXPECT_TRUE(front->cancelled());
@@ -200,3 +177,4 @@ TEST_F(ScriptedDialog, AnswersQuestionsAsTheScriptSaysAndRemembersWarnings) {
 }
 
 }  // namespace
+}  // namespace rovescio::dialogs

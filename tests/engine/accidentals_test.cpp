@@ -20,10 +20,7 @@ void decideAll(Document& document) {
 }
 
 TEST(Accidentals, FollowTheRulesOfTheMeasure) {
-    const struct {
-        const char* before;
-        const char* after;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         // The signature, and deviation from it.
         {"C 4/4 c4:q f#4:q bb4:q c4:q", "c4:q f#4!:q bb4!:q c4:q"},
         {"D 4/4 f#4:q f4:q c#5:q c5:q", "f#4:q f4!:q c#5:q c5!:q"},
@@ -39,10 +36,10 @@ TEST(Accidentals, FollowTheRulesOfTheMeasure) {
         // Accidentals that are not needed any more go.
         {"C 4/4 c4!:q d4!:q f#4:h", "c4:q d4:q f#4!:h"},
     };
-    for (const auto& c : cases) {
-        Document document = test::scoreFromText({c.before});
+    for (const auto& [before, after] : cases) {
+        Document document = test::scoreFromText({before});
         decideAll(document);
-        EXPECT_EQ(test::textOf(document), c.after) << c.before;
+        EXPECT_EQ(test::textOf(document), after) << before;
     }
 }
 

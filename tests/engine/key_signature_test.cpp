@@ -3,21 +3,19 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "support/score_text.h"
 
 namespace rovescio::engine {
 namespace {
 
-struct KeyCase {
-    int fifths;
-    bool minor;
-    const char* tonic;    // the tonic counted from
-    const char* altered;  // letters the signature alters
-    const char* sign;
-};
-
 TEST(KeySignature, CountsFromItsTonicAndAltersItsLetters) {
-    const KeyCase cases[] = {
+    const struct {
+        int fifths;
+        bool minor;
+        const char *tonic, *altered, *sign;  // counted from, and the letters that the signature alters
+    } cases[] = {
         {0, false, "c4", "", ""},          {1, false, "g4", "f", "#"},
         {2, false, "d4", "fc", "#"},       {3, false, "a4", "fcg", "#"},
         {6, false, "f#4", "fcgdae", "#"},  {7, false, "c#4", "fcgdaeb", "#"},
@@ -28,18 +26,15 @@ TEST(KeySignature, CountsFromItsTonicAndAltersItsLetters) {
         {-3, true, "c4", "bea", "b"},      {-5, true, "bb3", "beadg", "b"},
         {-7, true, "ab4", "beadgcf", "b"},
     };
-    for (const KeyCase& c : cases) {
+    for (const auto& c : cases) {
         const KeySignature key = KeySignature::standard(c.fifths, c.minor);
         SCOPED_TRACE(std::to_string(c.fifths) + (c.minor ? " minor" : " major"));
         ENOTE tonic{};
         EXPECT_EQ(test::textOf(key.spell(tonic)), c.tonic);
         EXPECT_EQ(key.word(), (c.minor ? 0x100 : 0) | (c.fifths & 0xFF));
-        const std::string letters = "cdefgab";
         for (int letter = 0; letter < 7; ++letter) {
-            const bool altered =
-                std::string(c.altered).find(letters[static_cast<std::size_t>(letter)]) != std::string::npos;
-            EXPECT_EQ(key.letterAlter(letter), altered ? (c.sign[0] == '#' ? 1 : -1) : 0)
-                << letters[static_cast<std::size_t>(letter)];
+            const bool altered = std::strchr(c.altered, "cdefgab"[letter]) != nullptr;
+            EXPECT_EQ(key.letterAlter(letter), !altered ? 0 : *c.sign == '#' ? 1 : -1) << letter;
         }
     }
 }

@@ -29,11 +29,7 @@ std::string textAfter(const std::string& line, const std::vector<Move>& moves) {
 }
 
 TEST(Ties, BreakOnlyWhereTheNotesDiffer) {
-    const struct {
-        const char* before;
-        std::vector<Move> moves;
-        const char* after;
-    } cases[] = {
+    const std::tuple<const char*, std::vector<Move>, const char*> cases[] = {
         {"C 4/4 c4~:h c4^:h", {{1, 0, 1}, {1, 1, 1}}, "d4~:h d4^:h"},
         {"C 4/4 c4~:h c4^:h", {{1, 0, 1}}, "d4:h c4:h"},
         {"C 4/4 c4:h c4~:h | c4^~:h c4^:h", {{2, 0, 1}, {2, 1, 1}}, "c4:h c4:h | d4~:h d4^:h"},
@@ -44,7 +40,7 @@ TEST(Ties, BreakOnlyWhereTheNotesDiffer) {
         // Enharmonic ties join the same sound.
         {"C 4/4 c#4~:h db4^:h", {}, "c#4~:h db4^:h"},
     };
-    for (const auto& c : cases) EXPECT_EQ(textAfter(c.before, c.moves), c.after) << c.before;
+    for (const auto& [before, moves, after] : cases) EXPECT_EQ(textAfter(before, moves), after) << before;
 }
 
 }  // namespace

@@ -95,11 +95,7 @@ TEST(CompressedScore, badArchivesAreRefused) {
     const std::size_t directory = lying.rfind("PK\x01\x02");
     lying.replace(directory + 24, 4, std::string("\x10\0\0\0", 4));
     const std::string again = ". Get the file again, or export the score uncompressed.";
-    const struct {
-        const char* name;
-        std::string bytes;
-        std::string message;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::string> cases[] = {
         {"cut off", good.substr(0, good.size() / 2),
          "the compressed score is not a sound zip archive" + again},
         {"no container", zipOf({{"s.xml", smallScore()}}),
@@ -117,9 +113,9 @@ TEST(CompressedScore, badArchivesAreRefused) {
          "the compressed score is encrypted. Save it without a password."},
     };
     ASSERT_EQ(problemOf(good, {65536}), "");
-    for (const auto& archive : cases) {
-        SCOPED_TRACE(archive.name);
-        EXPECT_EQ(problemOf(archive.bytes, {65536}), "test.musicxml: " + archive.message);
+    for (const auto& [name, bytes, message] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(problemOf(bytes, {65536}), "test.musicxml: " + message);
     }
 }
 

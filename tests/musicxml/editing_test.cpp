@@ -12,133 +12,100 @@
 namespace rovescio::test {
 namespace {
 
-// The children of a measure's only note.
-std::string only(const std::string& children) {
-    return "<note>" + children + "</note>";
-}
-
-struct PitchCase {
+// An edit of a measure's first note, and the measure before and after it.
+struct Edit {
     const char* name;
     std::string before;
-    const char* pitch;
     std::string after;
+    const char* pitch = nullptr;
+    std::uint32_t cleared = 0;
+    std::uint32_t set = 0;
 };
 
-TEST(NoteEdits, pitch) {
-    const std::string rest = "<duration>16</duration><type>whole</type>";
-    const PitchCase cases[] = {
-        {"step", only("<pitch><step>C</step><octave>4</octave></pitch>" + rest), "e4",
-         only("<pitch><step>E</step><octave>4</octave></pitch>" + rest)},
-        {"step and octave", only("<pitch><step>C</step><octave>4</octave></pitch>" + rest), "b3",
-         only("<pitch><step>B</step><octave>3</octave></pitch>" + rest)},
-        {"a new alteration stands on a line of its own",
-         only("\n\t<pitch>\n\t\t<step>C</step>\n\t\t<octave>4</octave>\n\t</pitch>" + rest), "c#4",
-         only("\n\t<pitch>\n\t\t<step>C</step>\n\t\t<alter>1</alter>\n\t\t<octave>4</octave>\n\t</pitch>" +
-              rest)},
-        {"an alteration that ends takes its line with it",
-         only("<pitch>\n  <step>C</step>\n  <alter>1</alter>\n  <octave>4</octave></pitch>" + rest), "d4",
-         only("<pitch>\n  <step>D</step>\n  <octave>4</octave></pitch>" + rest)},
-        {"another alteration", only("<pitch><step>C</step><alter>1</alter><octave>4</octave></pitch>" + rest),
-         "ebb4", only("<pitch><step>E</step><alter>-2</alter><octave>4</octave></pitch>" + rest)},
-        {"a quarter-tone keeps its fraction",
-         only("<pitch><step>C</step><alter>-0.5</alter><octave>4</octave></pitch>" + rest), "d#4",
-         only("<pitch><step>D</step><alter>1.5</alter><octave>4</octave></pitch>" + rest)},
-        {"values in unusual form",
-         only("<pitch ><step><!-- do --><![CDATA[C]]></step><octave > 4 </octave></pitch>" + rest), "d5",
-         only("<pitch ><step>D</step><octave >5</octave></pitch>" + rest)},
-        {"marks inside of quotes and comments",
-         only("<!-- </note> <pitch> --><pitch id='\"></pitch>'><step>C</step><octave>4</octave></pitch>" +
-              rest),
-         "d4",
-         only("<!-- </note> <pitch> --><pitch id='\"></pitch>'><step>D</step><octave>4</octave></pitch>" +
-              rest)},
-        {"lyrics, articulations and comments stay",
-         only("<pitch><step>C</step><octave>4</octave></pitch>" + rest +
-              "<notations><articulations><accent/></articulations></notations><lyric><text>C</text></lyric>"
-              "<!-- <step>C</step> -->"),
-         "d4",
-         only("<pitch><step>D</step><octave>4</octave></pitch>" + rest +
-              "<notations><articulations><accent/></articulations></notations><lyric><text>C</text></lyric>"
-              "<!-- <step>C</step> -->")},
-    };
-    for (const PitchCase& edit : cases) {
+void expectEdits(const std::vector<Edit>& edits) {
+    for (const Edit& edit : edits) {
         SCOPED_TRACE(edit.name);
         OpenScore score = open(scoreOf({edit.before}));
-        score.setPitch(edit.pitch);
+        if (edit.pitch != nullptr) score.setPitch(edit.pitch);
+        score.setFlags(edit.cleared, edit.set);
         EXPECT_EQ(score.written(), scoreOf({edit.after}));
     }
+}
+
+TEST(NoteEdits, pitch) {
+    const auto whole = [](const std::string& pitch, const std::string& more = "") {
+        return "<note>" + pitch + "<duration>16</duration><type>whole</type>" + more + "</note>";
+    };
+    const std::string before = "<pitch><step>C</step><octave>4</octave></pitch>";
+    const std::string after = "<pitch><step>D</step><octave>4</octave></pitch>";
+    const std::string more =
+        "<notations><articulations><accent/></articulations></notations>"
+        "<lyric><text>C</text></lyric><!-- <step>C</step> -->";
+    const std::string comment = "<!-- </note> <pitch> --><pitch id='\"></pitch>'>";
+    expectEdits({
+        {"step", note("c4:w"), note("e4:w"), "e4"},
+        {"step and octave", note("c4:w"), note("b3:w"), "b3"},
+        {"another alteration", note("c#4:w"), note("ebb4:w"), "ebb4"},
+        {"a new alteration stands on a line of its own",
+         whole("\n\t<pitch>\n\t\t<step>C</step>\n\t\t<octave>4</octave>\n\t</pitch>"),
+         whole("\n\t<pitch>\n\t\t<step>C</step>\n\t\t<alter>1</alter>\n\t\t<octave>4</octave>\n\t</pitch>"),
+         "c#4"},
+        {"an alteration that ends takes its line with it",
+         whole("<pitch>\n  <step>C</step>\n  <alter>1</alter>\n  <octave>4</octave></pitch>"),
+         whole("<pitch>\n  <step>D</step>\n  <octave>4</octave></pitch>"), "d4"},
+        {"a quarter-tone keeps its fraction",
+         whole("<pitch><step>C</step><alter>-0.5</alter><octave>4</octave></pitch>"),
+         whole("<pitch><step>D</step><alter>1.5</alter><octave>4</octave></pitch>"), "d#4"},
+        {"values in unusual form",
+         whole("<pitch ><step><!-- do --><![CDATA[C]]></step><octave > 4 </octave></pitch>"),
+         whole("<pitch ><step>D</step><octave >5</octave></pitch>"), "d5"},
+        {"marks inside of quotes and comments", whole(comment + before.substr(7)),
+         whole(comment + after.substr(7)), "d4"},
+        {"lyrics, articulations and comments stay", whole(before, more), whole(after, more), "d4"},
+    });
 }
 
 TEST(NoteEdits, accidentals) {
-    const std::string sharp = "<accidental>sharp</accidental>";
-    const struct {
-        const char* name;
-        std::string before;
-        const char* pitch;
-        bool shown;
-        std::string after;
-    } cases[] = {
-        {"shown before the stem", note("c4:w", "<dot/><stem>none</stem>"), "c4", true,
-         note("c4:w", "<dot/><accidental>natural</accidental><stem>none</stem>")},
-        {"hidden", note("c#4:w", sharp), "c#4", false, note("c#4:w")},
-        {"another sign, attributes stay", note("c#4:w", "<accidental color=\"red\">sharp</accidental>"),
-         "dbb4", true, note("dbb4:w", "<accidental color=\"red\">flat-flat</accidental>")},
-        {"an unmoved note keeps its sign", note("c4:w", "<accidental>natural-sharp</accidental>"), "c4", true,
-         note("c4:w", "<accidental>natural-sharp</accidental>")},
-        {"double sharp", note("c#4:w", sharp), "f##4", true,
-         note("f##4:w", "<accidental>double-sharp</accidental>")},
-        {"beyond the signs", note("c#4:w", sharp), "c####4", true,
-         note("c####4:w", "<accidental>other</accidental>")},
+    const auto sign = [](const std::string& name, const std::string& attributes = "") {
+        return "<accidental" + attributes + ">" + name + "</accidental>";
     };
-    for (const auto& edit : cases) {
-        SCOPED_TRACE(edit.name);
-        OpenScore score = open(scoreOf({edit.before}));
-        score.setPitch(edit.pitch);
-        score.setFlags(NOTE_FLAG24, edit.shown ? NOTE_FLAG24 : 0);
-        EXPECT_EQ(score.written(), scoreOf({edit.after}));
-    }
+    const std::string red = " color=\"red\"";
+    expectEdits({
+        {"shown before the stem", note("c4:w", "<dot/><stem>none</stem>"),
+         note("c4:w", "<dot/>" + sign("natural") + "<stem>none</stem>"), "c4", 0, NOTE_FLAG24},
+        {"hidden", note("c#4:w", sign("sharp")), note("c#4:w"), "c#4", NOTE_FLAG24},
+        {"another sign, attributes stay", note("c#4:w", sign("sharp", red)),
+         note("dbb4:w", sign("flat-flat", red)), "dbb4"},
+        {"an unmoved note keeps its sign", note("c4:w", sign("natural-sharp")),
+         note("c4:w", sign("natural-sharp")), "c4"},
+        {"double sharp", note("c#4:w", sign("sharp")), note("f##4:w", sign("double-sharp")), "f##4"},
+        {"beyond the signs", note("c#4:w", sign("sharp")), note("c####4:w", sign("other")), "c####4"},
+    });
 }
 
 TEST(NoteEdits, ties) {
     const std::string start = "<tied type=\"start\"/>";
     const std::string stop = "<tied type=\"stop\"/>";
-    const struct {
-        const char* name;
-        std::string before;
-        std::uint32_t cleared;
-        std::string after;
-    } cases[] = {
-        {"the only notation goes whole", note("c4:w", "\n<notations>\n" + start + "\n</notations>"),
-         NOTE_TIE_START, note("c4:w")},
-        {"both ends", note("c4:w", "<notations>" + stop + start + "</notations>"), NOTE_TIES, note("c4:w")},
-        {"the other end stays", note("c4:w", "<notations>" + stop + "\n " + start + "</notations>"),
-         NOTE_TIE_START, note("c4:w", "<notations>" + stop + "</notations>")},
-        {"other notations stay", note("c4:w", "<notations>" + start + "<fermata/></notations>"),
-         NOTE_TIE_START, note("c4:w", "<notations><fermata/></notations>")},
-        {"the sounding tie too",
-         "<note><pitch><step>C</step><octave>4</octave></pitch><duration>16</duration>\n<tie type=\"stop\"/>"
-         "\n<tie type=\"start\"/><voice>1</voice><type>whole</type></note>",
-         NOTE_TIE_END,
-         "<note><pitch><step>C</step><octave>4</octave></pitch><duration>16</duration>"
-         "\n<tie type=\"start\"/><voice>1</voice><type>whole</type></note>"},
+    const auto with = [](const std::string& notations) {
+        return note("c4:w", "<notations>" + notations + "</notations>");
     };
-    for (const auto& edit : cases) {
-        SCOPED_TRACE(edit.name);
-        OpenScore score = open(scoreOf({edit.before}));
-        score.setFlags(edit.cleared, 0);
-        EXPECT_EQ(score.written(), scoreOf({edit.after}));
-    }
+    const auto sounding = [](const std::string& ties) {
+        return timedNote("C", "16", ties + "\n<tie type=\"start\"/><voice>1</voice><type>whole</type>");
+    };
+    expectEdits({
+        {"the only notation goes whole", note("c4:w", "\n<notations>\n" + start + "\n</notations>"),
+         note("c4:w"), nullptr, NOTE_TIE_START},
+        {"both ends", with(stop + start), note("c4:w"), nullptr, NOTE_TIES},
+        {"the other end stays", with(stop + "\n " + start), with(stop), nullptr, NOTE_TIE_START},
+        {"other notations stay", with(start + "<fermata/>"), with("<fermata/>"), nullptr, NOTE_TIE_START},
+        {"the sounding tie too", sounding("\n<tie type=\"stop\"/>"), sounding(""), nullptr, NOTE_TIE_END},
+    });
 }
 
 // A note with a stem, and its beam when one is named.
 std::string stemmed(const std::string& text, const std::string& stem, const std::string& beam = "") {
     return note(text,
                 "<stem>" + stem + "</stem>" + (beam.empty() ? "" : "<beam number=\"1\">" + beam + "</beam>"));
-}
-
-std::string clef(const std::string& sign, int line) {
-    return "<attributes><clef><sign>" + sign + "</sign><line>" + std::to_string(line) +
-           "</line></clef></attributes>";
 }
 
 // The directions of all stems in a text, in order.
@@ -219,12 +186,11 @@ TEST(ScoreWriting, whatDoesNotMoveWithTheNotesIsTold) {
 TEST(ScoreWriting, refusals) {
     const std::string bytes = scoreOf({note("c4:h") + note("d4:h"), note("e4:w")});
     const std::string short_ =
-        "test.musicxml:4: the notes of staff 1 do not add up to the measure's length (measure 1). "
-        "Correct the durations there, or select other measures.";
+        "test.musicxml:4: the notes of staff 1 do not add up to the measure's length (measure 1). Correct "
+        "the durations there, or select other measures.";
     const std::string chord =
         "test.musicxml:4: notes were added to chords or taken from them, which cannot be written (measure "
-        "1). "
-        "Choose another transformation.";
+        "1). Choose another transformation.";
     using Entries = std::vector<EXENTRY>;
     const struct {
         const char* name;
@@ -243,20 +209,15 @@ TEST(ScoreWriting, refusals) {
         {"note ids", [](Entries& entries) { entries[0].notes[0].noteId = 2; }, chord},
         {"octave", [](Entries& entries) { entries[0].notes[0].displacement = -29; },
          "test.musicxml:4: a note would leave the octaves 0 to 9, which is all that the file format has "
-         "(measure 1). "
-         "Choose a smaller interval or a nearer axis."},
+         "(measure 1). Choose a smaller interval or a nearer axis."},
         {"tie", [](Entries& entries) { entries[0].notes[0].noteFlags |= NOTE_TIE_START; },
          "test.musicxml:4: a note has gained a tie that the score lacks (measure 1). Choose another "
-         "transformation: "
-         "this one cannot be written yet."},
+         "transformation: this one cannot be written yet."},
     };
     for (const auto& refusal : cases) {
         SCOPED_TRACE(refusal.name);
         OpenScore score = open(bytes);
-        Entries entries = score.document.entries({1, 1, 0}).expanded();
-        refusal.edit(entries);
-        engine::PackedEntries packed(entries);
-        score.document.exchangeEntries({1, 1, 0}, packed);
+        editEntries(score.document, {1, 1, 0}, refusal.edit);
         const auto written = score.file.write(score.document, musicxml::Container::plain);
         ASSERT_FALSE(written.ok());
         EXPECT_EQ(written.problem().text(), refusal.message);

@@ -6,11 +6,8 @@
 namespace rovescio::test {
 namespace {
 
-struct ProblemCase {
-    const char* name;
-    std::string bytes;
-    std::string message;
-};
+// A name, the file and what is said of it.
+using ProblemCase = std::tuple<const char*, std::string, std::string>;
 
 std::string withNote(const std::string& children) {
     return scoreOf({"\n<note>" + children + "</note>"});
@@ -73,16 +70,15 @@ std::vector<ProblemCase> scoreProblems() {
     return {
         {"another format", "\n<opus version=\"4.0\"><title/></opus>",
          "2: this is XML but not a score: its root element is <opus>. Give a file whose root is "
-         "<score-partwise> "
-         "or <score-timewise>."},
+         "<score-partwise> or <score-timewise>."},
         {"no part", "<score-partwise>\n<part-list/></score-partwise>",
          "1: the score has no part. Give a score with music in it."},
         {"no measure", scoreOf({}), "1: the score has no measure. Give a score with music in it."},
         {"unlisted part", "<score-partwise><part-list/>\n<part id=\"P9\"/></score-partwise>",
          "2: the part \"P9\" is not in the part list. Add a <score-part> with that id to the <part-list>."},
         {"part twice",
-         "<score-partwise><part-list><score-part id=\"A\"/></part-list><part id=\"A\"/>\n<part id=\"A\"/>"
-         "</score-partwise>",
+         "<score-partwise><part-list><score-part id=\"A\"/></part-list><part id=\"A\"/>\n<part "
+         "id=\"A\"/></score-partwise>",
          "2: the part \"A\" appears twice. Give every <part> an id of its own."},
         {"no duration", withNote(pitch),
          "5: a note has no duration (measure 1). Give it a <duration>; only grace notes have none."},
@@ -94,16 +90,13 @@ std::vector<ProblemCase> scoreProblems() {
          "5: the duration \"99999999999999999999\" is not a positive number" + noteRemedy},
         {"duration of years", withNote(pitch + "<duration>999999999</duration>"),
          "5: the duration of a note is beyond what can be counted (measure 1). Correct the note's <duration> "
-         "or the "
-         "<divisions> of the part."},
+         "or the <divisions> of the part."},
         {"backup without duration", scoreOf({"\n<backup/>"}),
          "5: the duration of a <backup> is missing or unusable: \"\" (measure 1). Give it a positive number "
-         "of "
-         "divisions."},
+         "of divisions."},
         {"no divisions", withAttributes("<divisions>0</divisions>"),
          "5: the divisions of a quarter note, \"0\", are not a usable positive number (measure 1). Set "
-         "<divisions> "
-         "to the number of durations that make a quarter note."},
+         "<divisions> to the number of durations that make a quarter note."},
         {"step", withNote("<pitch><step>H</step><octave>4</octave></pitch>"),
          "5: the step \"H\" is not one of the letters A to G" + pitchRemedy},
         {"no step", withNote("<pitch><octave>4</octave></pitch>"),
@@ -114,32 +107,24 @@ std::vector<ProblemCase> scoreProblems() {
          "5: the alteration \"1000\" is not a number of semitones" + pitchRemedy},
         {"key", withAttributes("<key><fifths>sharp</fifths></key>"),
          "5: the key signature \"sharp\" is not a number of sharps or flats (measure 1). Correct the key "
-         "signature; "
-         "flats are negative."},
+         "signature; flats are negative."},
         {"staff", withNote(pitch + "<duration>4</duration><staff>0</staff>"),
          "5: the staff \"0\" is not a staff number (measure 1). Number the staves of a part from 1."},
         {"too many staves", withAttributes("<staves>99999</staves>"),
          "5: the part \"Flute\" has too many staves and measures (measure 1). Split the score, or correct "
-         "the staff "
-         "numbers."},
+         "the staff numbers."},
         {"too many voices", scoreOf({voices}),
          "5: staff 1 of part \"Flute\" has more than 8 voices (measure 1). Move voices of this measure to "
-         "another "
-         "staff."},
+         "another staff."},
     };
 }
 
-TEST(ScoreProblems, brokenXml) {
-    for (const ProblemCase& problem : xmlProblems()) {
-        SCOPED_TRACE(problem.name);
-        EXPECT_EQ(problemOf(problem.bytes), "test.musicxml:" + problem.message);
-    }
-}
-
-TEST(ScoreProblems, brokenMusic) {
-    for (const ProblemCase& problem : scoreProblems()) {
-        SCOPED_TRACE(problem.name);
-        EXPECT_EQ(problemOf(problem.bytes), "test.musicxml:" + problem.message);
+TEST(ScoreProblems, areToldWithTheirLineAndWhatToDo) {
+    for (const auto& problems : {xmlProblems(), scoreProblems()}) {
+        for (const auto& [name, bytes, message] : problems) {
+            SCOPED_TRACE(name);
+            EXPECT_EQ(problemOf(bytes), "test.musicxml:" + message);
+        }
     }
 }
 

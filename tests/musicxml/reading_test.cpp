@@ -16,20 +16,7 @@ struct FrameText {
     std::string text;
 };
 
-struct ReadingCase {
-    const char* name;
-    std::string measure;
-    std::vector<FrameText> frames;
-};
-
-const std::string kTriplet =
-    "<time-modification><actual-notes>3</actual-notes><normal-notes>2</normal-notes></time-modification>";
-
-// A note whose duration and type are given as they stand.
-std::string timed(const std::string& step, const std::string& duration, const std::string& more) {
-    return "<note><pitch><step>" + step + "</step><octave>4</octave></pitch><duration>" + duration +
-           "</duration>" + more + "</note>";
-}
+using ReadingCase = std::tuple<const char*, std::string, std::vector<FrameText>>;
 
 std::string onStaff(const std::string& notes, int staff) {
     return voice(std::to_string(4 * staff - 3), notes, "<staff>" + std::to_string(staff) + "</staff>");
@@ -50,19 +37,17 @@ std::vector<ReadingCase> readingCases() {
          {{1, 0, "<c4 g4 e5>:h r:h"}}},
         {"ties by either element",
          note("c4:h", "<notations><tied type=\"start\"/></notations>") +
-             "<note><pitch><step>C</step><octave>4</octave></pitch><duration>8</duration><tie type=\"stop\"/>"
-             "<tie type=\"start\"/></note>",
+             timedNote("C", "8", "<tie type=\"stop\"/><tie type=\"start\"/>"),
          {{1, 0, "c4~:h c4~^:h"}}},
         {"dots and tuplets, nested ones multiplied",
-         timed("C", "6", "<type>quarter</type><dot/>") + timed("D", "1.333333", "<type>quarter</type>") +
-             timed("E", "2", "<type>eighth</type>") + "<attributes><divisions>9</divisions></attributes>" +
-             timed("F", "3", "<type>eighth</type>" + kTriplet) +
-             timed("G", "2",
-                   "<type>16th</type><time-modification><actual-notes>9</actual-notes>"
-                   "<normal-notes>8</normal-notes></time-modification>"),
+         timedNote("C", "6", "<type>quarter</type><dot/>") +
+             timedNote("D", "1.333333", "<type>quarter</type>") + timedNote("E", "2", "<type>eighth</type>") +
+             "<attributes><divisions>9</divisions></attributes>" +
+             timedNote("F", "3", "<type>eighth</type>" + tuplet(3, 2)) +
+             timedNote("G", "2", "<type>16th</type>" + tuplet(9, 8)),
          {{1, 0, "c4:q. d4:341 e4:e f4:e*3:2 g4:s*9:8"}}},
         {"the sounding duration where the type does not agree",
-         timed("C", "16", "<type>half</type>"),
+         timedNote("C", "16", "<type>half</type>"),
          {{1, 0, "c4:w"}}},
         {"grace notes take no time, cue notes do",
          "<note><grace slash=\"yes\"/><pitch><step>D</step><octave>5</octave></pitch></note>" + note("c5:h") +
@@ -92,22 +77,22 @@ std::vector<ReadingCase> readingCases() {
 }
 
 TEST(ScoreReading, entriesOfAMeasure) {
-    for (const ReadingCase& reading : readingCases()) {
-        SCOPED_TRACE(reading.name);
-        const OpenScore score = open(scoreOf({reading.measure}));
+    for (const auto& [name, measure, frames] : readingCases()) {
+        SCOPED_TRACE(name);
+        const OpenScore score = open(scoreOf({measure}));
         EXPECT_TRUE(score.file.notices().empty());
-        for (const FrameText& frame : reading.frames) {
-            EXPECT_EQ(textOf(score.document, frame.staff, frame.layer), frame.text);
+        for (const auto& [staff, layer, text] : frames) {
+            EXPECT_EQ(textOf(score.document, staff, layer), text);
         }
     }
 }
 
 TEST(ScoreReading, positionsStayExactAcrossTupletsAndDivisions) {
     std::string measure;
-    for (int i = 0; i < 6; ++i) measure += timed("C", "0.666666", "");  // not quite a sixth
+    for (int i = 0; i < 6; ++i) measure += timedNote("C", "0.666666", "");  // not quite a sixth
     measure += "<attributes><divisions>3</divisions></attributes>";
-    for (int i = 0; i < 3; ++i) measure += timed("D", "1", "<type>eighth</type>" + kTriplet);
-    measure += "<forward><duration>3</duration></forward>" + timed("E", "3", "");
+    for (int i = 0; i < 3; ++i) measure += timedNote("D", "1", "<type>eighth</type>" + tuplet(3, 2));
+    measure += "<forward><duration>3</duration></forward>" + timedNote("E", "3", "");
     const OpenScore score = open(scoreOf({measure}));
     std::vector<std::int32_t> positions;
     for (const engine::StoredEntry& entry : score.document.entries({1, 1, 0}))
@@ -174,10 +159,6 @@ TEST(ScoreReading, keyChangesCountFromTheNextMeasure) {
 }
 
 TEST(ScoreReading, onlyAClefThatIsAnotherOneChangesInside) {
-    const auto clef = [](const std::string& sign, int line) {
-        return "<attributes><clef><sign>" + sign + "</sign><line>" + std::to_string(line) +
-               "</line></clef></attributes>";
-    };
     const OpenScore score =
         open(scoreOf({note("c4:h") + clef("G", 2) + note("c4:h"), note("c4:h") + clef("F", 4) + note("c4:h"),
                       clef("C", 3) + note("c4:w")}));
@@ -190,6 +171,7 @@ TEST(ScoreReading, measuresAreAsLongAsTheirTime) {
     const auto time = [](const std::string& contents) {
         return "<attributes><divisions>4</divisions><time>" + contents + "</time></attributes>";
     };
+    const std::string common = time("<beats>4</beats><beat-type>4</beat-type>");
     const struct {
         const char* name;
         std::string attributes;
@@ -197,8 +179,8 @@ TEST(ScoreReading, measuresAreAsLongAsTheirTime) {
         std::int32_t duration;
         std::int32_t beat;
     } cases[] = {
-        {"signature", time("<beats>4</beats><beat-type>4</beat-type>"), "", 4096, 1024},
-        {"pick-up", time("<beats>4</beats><beat-type>4</beat-type>"), note("c4:q"), 1024, 1024},
+        {"signature", common, "", 4096, 1024},
+        {"pick-up", common, note("c4:q"), 1024, 1024},
         {"sum of beats", time("<beats>3+2</beats><beat-type>8</beat-type>"), "", 2560, 512},
         {"several signatures",
          time("<beats>2</beats><beat-type>4</beat-type><beats>3</beats><beat-type>8</beat-type>"), "", 3584,

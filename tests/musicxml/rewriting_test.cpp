@@ -27,28 +27,18 @@ std::string attributes(const std::string& divisions, const std::string& time) {
 std::string beam(const std::string& value) {
     return "<beam number=\"1\">" + value + "</beam>";
 }
-std::string tuplet(const std::string& type, const std::string& look = "") {
+std::string bracket(const std::string& type, const std::string& look = "") {
     return "<notations><tuplet type=\"" + type + "\"" + look + "/></notations>";
 }
-// A triplet eighth on C with the notations given.
+// An eighth of a triplet.
 std::string third(const std::string& step, const std::string& notations) {
-    return "<note><pitch><step>" + step + "</step><octave>4</octave></pitch><duration>2</duration>" +
-           "<type>eighth</type><time-modification><actual-notes>3</actual-notes><normal-notes>2</"
-           "normal-notes>"
-           "</time-modification>" +
-           notations + "</note>";
+    return timedNote(step, "2", "<type>eighth</type>" + tuplet(3, 2) + notations);
 }
-// A tie in both of its elements around a note's type.
-std::string tiedNote(const std::string& pitch, const std::string& duration, const std::string& type,
-                     const std::vector<std::string>& ends) {
-    std::string sound;
-    std::string look;
-    for (const std::string& end : ends) {
-        sound += "<tie type=\"" + end.substr(0, end.find('"')) + "\"/>";
-        look += "<tied type=\"" + end + "\"/>";
-    }
-    return "<note><pitch><step>" + pitch + "</step><octave>4</octave></pitch><duration>" + duration +
-           "</duration>" + sound + "<type>" + type + "</type><notations>" + look + "</notations></note>";
+// A quarter with a tie in both of its elements around the type.
+std::string tiedNote(const std::string& step, const std::string& end, const std::string& more = "") {
+    return timedNote(step, "4",
+                     "<tie type=\"" + end + "\"/><type>quarter</type><notations><tied type=\"" + end + "\"" +
+                         more + "/></notations>");
 }
 
 struct Case {
@@ -65,8 +55,7 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
     const std::string words = "<direction><direction-type><words>dolce</words></direction-type></direction>";
     const std::string harmony =
         "<harmony><root><root-step>C</root-step></root><kind>major</kind><offset>2</offset></harmony>";
-    const std::string grace =
-        "<note><grace/><pitch><step>A</step><octave>4</octave></pitch><type>eighth</type></note>";
+    const std::string grace = graceNote("A", 4);
     const std::vector<Case> cases = {
         {"what belongs to a note goes with it",
          {note("c4:q", sung) + note("d4:q") + note("e4:h")},
@@ -81,20 +70,20 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
          {note("c4:q") + chordNote("e4:q") + note("r:q") + note("d4:h")},
          {note("d4:h") + note("r:q") + note("c4:q") + chordNote("e4:q")}},
         {"ties turn round",
-         {tiedNote("C", "4", "quarter", {"start"}) + tiedNote("C", "4", "quarter", {"stop"}) + note("d4:h")},
-         {note("d4:h") + tiedNote("C", "4", "quarter", {"start"}) + tiedNote("C", "4", "quarter", {"stop"})}},
+         {tiedNote("C", "start") + tiedNote("C", "stop") + note("d4:h")},
+         {note("d4:h") + tiedNote("C", "start") + tiedNote("C", "stop")}},
         {"a note over the barline is cut and joined again",
          {note("c4:h", sung), note("d4:h") + note("e4:q")},
-         {note("e4:q") + tiedNote("D", "4", "quarter", {"start"}),
-          tiedNote("D", "4", "quarter", {"stop\" id=\"rovescio-cut-1-2-1"}) + note("c4:h", sung)}},
+         {note("e4:q") + tiedNote("D", "start"),
+          tiedNote("D", "stop", " id=\"rovescio-cut-1-2-1\"") + note("c4:h", sung)}},
         {"whole beams are mirrored",
          {note("c4:e", beam("begin")) + note("d4:e", beam("end")) + note("e4:q") + note("f4:h")},
          {note("f4:h") + note("e4:q") + note("d4:e", beam("begin")) + note("c4:e", beam("end"))}},
         {"brackets keep their look at their start",
-         {third("C", tuplet("start", " bracket=\"yes\"")) + third("D", "") + third("E", tuplet("stop")) +
+         {third("C", bracket("start", " bracket=\"yes\"")) + third("D", "") + third("E", bracket("stop")) +
           "<note><rest/><duration>6</duration><type>quarter</type></note>"},
          {"<note><rest/><duration>6</duration><type>quarter</type></note>" +
-          third("E", tuplet("start", " bracket=\"yes\"")) + third("D", "") + third("C", tuplet("stop"))},
+          third("E", bracket("start", " bracket=\"yes\"")) + third("D", "") + third("C", bracket("stop"))},
          attributes("6", "<time><beats>2</beats><beat-type>4</beat-type></time>")},
         {"grace notes stay behind their note",
          {note("c4:h") + grace + note("d4:h")},

@@ -4,14 +4,10 @@
 #include <utility>
 
 #include "musicxml/score_builder.h"
+#include "support/score_text.h"
 
 namespace rovescio::test {
 namespace {
-
-struct RoundTripCase {
-    const char* name;
-    std::string bytes;
-};
 
 // UTF-16 of ASCII text.
 std::string wide(const std::string& text, bool bigEndian) {
@@ -35,7 +31,7 @@ std::string plainScore() {
     return scoreOf({note("c4:h") + note("d4:h"), note("e4:w")});
 }
 
-std::vector<RoundTripCase> roundTripCases() {
+TEST(RoundTrip, bytesStayTheSame) {
     const std::string odd =
         "<?xml version='1.0' encoding='UTF-8' standalone=\"no\"?>\n"
         "<!DOCTYPE score-partwise PUBLIC \"-//Recordare//DTD MusicXML 4.0 Partwise//EN\"\n"
@@ -46,7 +42,7 @@ std::vector<RoundTripCase> roundTripCases() {
                  "&#x266D;</words></direction-type></direction>\n\t  " +
                  note("c4:w", "<lyric><text><![CDATA[</note>]]></text></lyric><play id = 'a>b' />") +
                  "<?eof > ?><barline><bar-style>light-heavy</bar-style></barline><custom:thing/>"});
-    return {
+    const std::pair<const char*, std::string> cases[] = {
         {"plain", plainScore()},
         {"markup of every kind", odd},
         {"carriage returns", replaceAll(plainScore(), "\n", "\r\n")},
@@ -63,12 +59,9 @@ std::vector<RoundTripCase> roundTripCases() {
         {"bytes that are not the UTF-8 they claim", replaceAll(plainScore(), "Flute", "Fl\xF6te")},
         {"text behind the root element", plainScore() + "\n<!-- end --><?done?>\n\n"},
     };
-}
-
-TEST(RoundTrip, bytesStayTheSame) {
-    for (const RoundTripCase& trip : roundTripCases()) {
-        SCOPED_TRACE(trip.name);
-        EXPECT_EQ(open(trip.bytes).written(), trip.bytes);
+    for (const auto& [name, bytes] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(open(bytes).written(), bytes);
     }
 }
 
@@ -90,11 +83,10 @@ TEST(RoundTrip, framesExchangedForThemselvesChangeNothing) {
 TEST(RoundTrip, placeholdersOfRestsAreNoNotes) {
     const std::string bytes = scoreOf({note("r:w")});
     OpenScore score = open(bytes);
-    std::vector<EXENTRY> entries = score.document.entries({1, 1, 0}).expanded();
-    entries[0].noteCount = 1;
-    entries[0].notes[0].noteFlags = NOTE_PLACEHOLDER;
-    engine::PackedEntries packed(entries);
-    score.document.exchangeEntries({1, 1, 0}, packed);
+    editEntries(score.document, {1, 1, 0}, [](std::vector<EXENTRY>& entries) {
+        entries[0].noteCount = 1;
+        entries[0].notes[0].noteFlags = NOTE_PLACEHOLDER;
+    });
     EXPECT_EQ(score.written(), bytes);
 }
 

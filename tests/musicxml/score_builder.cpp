@@ -45,28 +45,36 @@ std::string noteXml(const std::string& before, const std::string& text, const st
 
 void change(Document& document, const engine::FrameAddress& address, std::size_t entry, int noteId,
             const std::function<void(ENOTE&)>& edit) {
-    std::vector<EXENTRY> entries = document.entries(address).expanded();
-    EXENTRY& changed = entries.at(entry);
-    for (ENOTE* found = changed.notes; found != changed.notes + changed.noteCount; ++found) {
-        if (found->noteId == noteId) edit(*found);
-    }
-    engine::PackedEntries packed(entries);
-    document.exchangeEntries(address, packed);
+    editEntries(document, address, [&](std::vector<EXENTRY>& entries) {
+        EXENTRY& changed = entries.at(entry);
+        for (ENOTE* found = changed.notes; found != changed.notes + changed.noteCount; ++found) {
+            if (found->noteId == noteId) edit(*found);
+        }
+    });
 }
 
 }  // namespace
 
 std::string scoreOf(const std::vector<std::string>& measures, const std::string& attributes) {
-    std::string text =
-        "<score-partwise version=\"4.0\">\n<part-list><score-part id=\"P1\"><part-name>Flute</part-name>"
-        "</score-part></part-list>\n<part id=\"P1\">\n";
-    int number = 0;
-    for (const std::string& measure : measures) {
-        text += "<measure number=\"" + std::to_string(++number) + "\">";
-        if (number == 1) text += attributes;
-        text += measure + "</measure>\n";
+    return scoreOfParts({measures}, attributes);
+}
+
+std::string scoreOfParts(const std::vector<std::vector<std::string>>& parts, const std::string& attributes) {
+    std::string list;
+    std::string music;
+    for (const auto& measures : parts) {
+        const std::string id = " id=\"P" + std::to_string(&measures - parts.data() + 1) + "\">";
+        list += "<score-part" + id + "<part-name>Flute</part-name></score-part>";
+        music += "<part" + id + "\n";
+        int number = 0;
+        for (const std::string& measure : measures) {
+            music += "<measure number=\"" + std::to_string(++number) + "\">";
+            music += (number == 1 ? attributes : "") + measure + "</measure>\n";
+        }
+        music += "</part>\n";
     }
-    return text + "</part>\n</score-partwise>\n";
+    return "<score-partwise version=\"4.0\">\n<part-list>" + list + "</part-list>\n" + music +
+           "</score-partwise>\n";
 }
 
 std::string note(const std::string& text, const std::string& more) {
@@ -75,6 +83,26 @@ std::string note(const std::string& text, const std::string& more) {
 
 std::string chordNote(const std::string& text, const std::string& more) {
     return noteXml("<chord/>", text, more);
+}
+
+std::string timedNote(const std::string& step, const std::string& duration, const std::string& more) {
+    return "<note><pitch><step>" + step + "</step><octave>4</octave></pitch><duration>" + duration +
+           "</duration>" + more + "</note>";
+}
+
+std::string graceNote(const std::string& step, int octave, const std::string& more) {
+    return "<note><grace/><pitch><step>" + step + "</step><octave>" + std::to_string(octave) +
+           "</octave></pitch>" + more + "<type>eighth</type></note>";
+}
+
+std::string tuplet(int actual, int normal) {
+    return "<time-modification><actual-notes>" + std::to_string(actual) + "</actual-notes><normal-notes>" +
+           std::to_string(normal) + "</normal-notes></time-modification>";
+}
+
+std::string clef(const std::string& sign, int line) {
+    return "<attributes><clef><sign>" + sign + "</sign><line>" + std::to_string(line) +
+           "</line></clef></attributes>";
 }
 
 std::string voice(const std::string& number, const std::string& notes, const std::string& more) {

@@ -18,11 +18,21 @@ inline const std::string kCommonAttributes =
 // A partwise score of one part; the first measure begins with the attributes.
 std::string scoreOf(const std::vector<std::string>& measures,
                     const std::string& attributes = kCommonAttributes);
+// The same of several parts, each with its measures.
+std::string scoreOfParts(const std::vector<std::vector<std::string>>& parts,
+                         const std::string& attributes = kCommonAttributes);
 
 // A note such as "f#4:q" (value w h q e s) or rest "r:h", with more children behind its type.
 std::string note(const std::string& text, const std::string& more = "");
 // The same as a further note of the chord before it.
 std::string chordNote(const std::string& text, const std::string& more = "");
+// A note in the fourth octave whose duration is given as it stands, with more children behind that.
+std::string timedNote(const std::string& step, const std::string& duration, const std::string& more = "");
+// A grace note of such a pitch, with more children in front of its type.
+std::string graceNote(const std::string& step, int octave, const std::string& more = "");
+// What makes a note one of a tuplet.
+std::string tuplet(int actual, int normal);
+std::string clef(const std::string& sign, int line);
 // Notes as above, divided by spaces, in one voice.
 std::string voice(const std::string& number, const std::string& notes, const std::string& more = "");
 // A step back by a number of quarters.

@@ -125,11 +125,7 @@ struct Records {
 TEST(Shapes, areFoundByTheirEnds) {
     const std::string up = inVoice(note("e4:w", slur("start")), "1");
     const std::string down = inVoice(note("c3:w", slur("start")), "5", 2);
-    const struct {
-        const char* what;
-        std::vector<std::string> measures;
-        std::string shapes;
-    } cases[] = {
+    const std::tuple<const char*, std::vector<std::string>, std::string> cases[] = {
         {"one measure", {note("c4:h", slur("start")) + note("d4:h", slur("stop"))}, "1 1-2; "},
         {"a chain, stop written last",
          {note("c4:h", slur("start")) +
@@ -170,10 +166,10 @@ TEST(Shapes, areFoundByTheirEnds) {
           note("d4:h", "<notations><glissando type=\"stop\"/></notations>")},
          "4 1-2; "},
     };
-    for (const auto& c : cases) {
-        const Records score(scoreOf(c.measures));
-        EXPECT_EQ(score.shapes(), c.shapes) << c.what;
-        EXPECT_EQ(score.open.written(), scoreOf(c.measures)) << c.what;
+    for (const auto& [what, measures, shapes] : cases) {
+        const Records score(scoreOf(measures));
+        EXPECT_EQ(score.shapes(), shapes) << what;
+        EXPECT_EQ(score.open.written(), scoreOf(measures)) << what;
     }
 }
 

@@ -8,30 +8,22 @@
 #include "musicxml/score_builder.h"
 #include "playback/heard.h"
 
+namespace rovescio::test {
 namespace {
 
-using rovescio::engine::PlaybackRequest;
-using rovescio::test::backup;
-using rovescio::test::chordNote;
-using rovescio::test::hear;
-using rovescio::test::HeardFile;
-using rovescio::test::kCommonAttributes;
-using rovescio::test::note;
-using rovescio::test::scoreOf;
-using rovescio::test::voice;
+using engine::PlaybackRequest;
 
 // All measures of all staves, unless the request names some.
 HeardFile heardOf(const std::string& score, PlaybackRequest request = {0, 0, {}},
                   std::array<bool, 4> layers = {true, true, true, true}) {
-    const rovescio::test::OpenScore open = rovescio::test::open(score);
+    const OpenScore read = open(score);
     if (request.startMeasure == 0) request.startMeasure = 1;
-    if (request.endMeasure == 0) request.endMeasure = open.document.measureCount();
+    if (request.endMeasure == 0) request.endMeasure = read.document.measureCount();
     if (request.staves.empty()) {
-        request.staves.resize(static_cast<std::size_t>(open.document.staffCount()));
+        request.staves.resize(static_cast<std::size_t>(read.document.staffCount()));
         std::iota(request.staves.begin(), request.staves.end(), short{1});
     }
-    const auto file =
-        rovescio::playback::makeMidiFile(open.document, open.file.performance(), request, layers);
+    const auto file = playback::makeMidiFile(read.document, read.file.performance(), request, layers);
     EXPECT_TRUE(file.ok());
     return hear(file.value().bytes);
 }
@@ -48,71 +40,47 @@ std::string wedge(const std::string& type) {
 
 const std::string kTieStart = "<tie type=\"start\"/>";
 const std::string kTieStop = "<tie type=\"stop\"/>";
-const std::string kGraceC5 =
-    "<note><grace/><pitch><step>C</step><octave>5</octave></pitch><type>eighth</type></note>";
-const std::string kTriplet =
-    "<time-modification><actual-notes>3</actual-notes><normal-notes>2</normal-notes></time-modification>";
 const std::string kTransposed =
-    "<attributes><divisions>4</divisions><key><fifths>2</fifths></key><time><beats>2</beats><beat-type>4"
-    "</beat-type></time><transpose><diatonic>-1</diatonic><chromatic>-2</chromatic><octave-change>-1"
-    "</octave-change></transpose></attributes>";
-
-std::string tupletNote(int actual, int duration) {
-    return "<note><pitch><step>C</step><octave>4</octave></pitch><duration>" + std::to_string(duration) +
-           "</duration><type>quarter</type><time-modification><actual-notes>" + std::to_string(actual) +
-           "</actual-notes><normal-notes>4</normal-notes></time-modification></note>";
-}
+    "<attributes><divisions>4</divisions><key><fifths>2</fifths></key><time><beats>2</beats><beat-type>4</"
+    "beat-type></time><transpose><diatonic>-1</diatonic><chromatic>-2</chromatic><octave-change>-1</"
+    "octave-change></transpose></attributes>";
 
 TEST(MidiFileTest, NotesSoundWhenAndAsLongAsWritten) {
-    const std::string grace = kGraceC5;
-    const std::string tiedGrace = "<note><grace/><pitch><step>E</step><octave>4</octave></pitch>" +
-                                  kTieStart + "<type>eighth</type></note>";
+    const std::string grace = graceNote("C", 5);
+    const std::string tiedGrace = graceNote("E", 4, kTieStart);
     const struct {
         const char* what;
         std::vector<std::string> measures;
-        std::string attributes;
         const char* heard;
+        std::string attributes = kCommonAttributes;
     } cases[] = {
         {"a tie over the barline, and a note of the chord without one",
          {note("c4:w", kTieStart) + chordNote("e4:w"), note("c4:h", kTieStop) + note("e4:h")},
-         kCommonAttributes,
          "0+6:60 0+4:64 6+2:64"},
         {"a tie of three notes, struck again without one; a tie that leads nowhere",
          {note("c4:q", kTieStart) + note("c4:q", kTieStop + kTieStart) + note("c4:q", kTieStop) +
           note("c4:q", kTieStart)},
-         kCommonAttributes,
          "0+3:60 3+1:60"},
         {"a tie into another voice",
          {voice("1", "c5:h e5:h") + backup(4) + voice("2", "r:h") + voice("2", "g4:h", kTieStart),
           voice("1", "g4:h", kTieStop) + voice("1", "r:h")},
-         kCommonAttributes,
          "0+2:72 2+4:67 2+2:76"},
-        {"a short measure is as long as what it holds",
-         {note("c4:q"), note("d4:q")},
-         kCommonAttributes,
-         "0+1:60 1+1:62"},
-        {"an instrument in B flat, an octave down", {note("d5:h")}, kTransposed, "0+2:60"},
+        {"a short measure is as long as what it holds", {note("c4:q"), note("d4:q")}, "0+1:60 1+1:62"},
+        {"an instrument in B flat, an octave down", {note("d5:h")}, "0+2:60", kTransposed},
         {"grace notes take from the note before and leave the beat alone",
          {note("g4:h") + grace + grace + note("a4:h")},
-         kCommonAttributes,
          "0+1.75:67 1.75+0.125:72 1.875+0.125:72 2+2:69"},
         {"at most half of it",
          {note("g4:s") + grace + grace + note("a4:h")},
-         kCommonAttributes,
          "0+0.125:67 0.125+0.0625:72 0.1875+0.0625:72 0.25+2:69"},
         {"from what follows at the start; not from a rest or a tied note",
          {grace + note("g4:q") + note("r:q") + grace + note("a4:h", kTieStart),
           grace + note("a4:w", kTieStop)},
-         kCommonAttributes,
          "0+0.125:72 0.125+0.875:67 1.875+0.125:72 2+6:69 3.875+0.125:72"},
         {"after-graces at the end; one that is tied to the chord after it",
          {note("g4:w") + grace, note("r:h") + tiedGrace + grace + note("e4:h", kTieStop)},
-         kCommonAttributes,
          "0+3.875:67 3.875+0.125:72 5.75+2.25:64 5.875+0.125:72"},
-        {"what is too low for MIDI sounds an octave higher",
-         {note("c-1:w") + note("b-2:w")},
-         kCommonAttributes,
-         "0+4:0 4+4:11"},
+        {"what is too low for MIDI sounds an octave higher", {note("c-1:w") + note("b-2:w")}, "0+4:0 4+4:11"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(heardOf(scoreOf(c.measures, c.attributes)).notes(), c.heard) << c.what;
@@ -124,20 +92,20 @@ TEST(MidiFileTest, TupletsAreExact) {
     const auto attributes = [](int divisions) {
         return "<attributes><divisions>" + std::to_string(divisions) + "</divisions></attributes>";
     };
-    const struct {
-        int actual;
-        int ticks;
-    } cases[] = {{4, 960}, {5, 960}, {6, 960}, {7, 959}, {11, 957}, {13, 949}, {1021, 1021}};
-    for (const auto& c : cases) {
+    const std::pair<int, int> cases[] = {{4, 960},  {5, 960},  {6, 960},    {7, 959},
+                                         {11, 957}, {13, 949}, {1021, 1021}};
+    for (const auto& [actual, ticks] : cases) {
         std::string measure;
-        for (int i = 0; i < c.actual; ++i) measure += tupletNote(c.actual, 4);
-        const HeardFile file = heardOf(scoreOf({measure, note("c4:q")}, attributes(c.actual)));
-        EXPECT_EQ(file.ticksPerQuarter % c.ticks, 0) << c.actual << " in " << file.ticksPerQuarter;
+        for (int i = 0; i < actual; ++i) {
+            measure += timedNote("C", "4", "<type>quarter</type>" + tuplet(actual, 4));
+        }
+        const HeardFile file = heardOf(scoreOf({measure, note("c4:q")}, attributes(actual)));
+        EXPECT_EQ(file.ticksPerQuarter % ticks, 0) << actual << " in " << file.ticksPerQuarter;
         const auto& notes = file.tracks.at(1).notes;
-        ASSERT_EQ(notes.size(), static_cast<std::size_t>(c.actual) + 1);
-        EXPECT_DOUBLE_EQ(notes.back().start, 4) << c.actual;
-        for (int i = 0; i < c.actual; ++i) {
-            EXPECT_DOUBLE_EQ(notes[static_cast<std::size_t>(i)].start, 4.0 * i / c.actual) << c.actual;
+        ASSERT_EQ(notes.size(), static_cast<std::size_t>(actual) + 1);
+        EXPECT_DOUBLE_EQ(notes.back().start, 4) << actual;
+        for (int i = 0; i < actual; ++i) {
+            EXPECT_DOUBLE_EQ(notes[static_cast<std::size_t>(i)].start, 4.0 * i / actual) << actual;
         }
     }
 }
@@ -211,31 +179,27 @@ TEST(MidiFileTest, TemposAndSignaturesStandWhereTheyChange) {
 // Two staves of a piano and a drummer who changes instruments.
 TEST(MidiFileTest, PlaysTheStavesAskedForWithTheirSounds) {
     const std::string score =
-        "<score-partwise><work><work-title>Duo</work-title></work><part-list>"
-        "<score-part id=\"P1\"><part-name>Organ</part-name><score-instrument id=\"I1\"/><midi-instrument "
-        "id=\"I1\">"
-        "<midi-channel>1</midi-channel><midi-program>20</midi-program></midi-instrument></score-part>"
-        "<score-part id=\"P2\"><part-name>Drums</part-name><score-instrument id=\"D1\"/><score-instrument "
-        "id=\"D2\"/>"
-        "<score-instrument id=\"D3\"/>"
-        "<midi-instrument id=\"D1\"><midi-unpitched>36</midi-unpitched></midi-instrument>"
-        "<midi-instrument id=\"D2\"><midi-unpitched>43</midi-unpitched></midi-instrument>"
-        "<midi-instrument id=\"D3\"><midi-program>15</midi-program></midi-instrument></score-part>"
-        "</part-list><part id=\"P1\"><measure "
-        "number=\"1\"><attributes><divisions>4</divisions><staves>2</staves>"
-        "</attributes>" +
+        R"(<score-partwise><work><work-title>Duo</work-title></work><part-list>
+        <score-part id="P1"><part-name>Organ</part-name><score-instrument id="I1"/><midi-instrument id="I1">
+        <midi-channel>1</midi-channel><midi-program>20</midi-program></midi-instrument></score-part>
+        <score-part id="P2"><part-name>Drums</part-name><score-instrument id="D1"/>
+        <score-instrument id="D2"/><score-instrument id="D3"/>
+        <midi-instrument id="D1"><midi-unpitched>36</midi-unpitched></midi-instrument>
+        <midi-instrument id="D2"><midi-unpitched>43</midi-unpitched></midi-instrument>
+        <midi-instrument id="D3"><midi-program>15</midi-program></midi-instrument></score-part></part-list>
+        <part id="P1"><measure number="1">
+        <attributes><divisions>4</divisions><staves>2</staves></attributes>)" +
         note("c5:h", "<staff>1</staff>") + note("d5:h", kTieStart + "<staff>1</staff>") + backup(4) +
         voice("5", "c3:w", "<staff>2</staff>") + "</measure><measure number=\"2\">" +
         note("d5:h", kTieStop + "<staff>1</staff>") + note("e5:h", "<staff>1</staff>") + backup(4) +
         voice("2", "g4:w", "<staff>1</staff>") + backup(4) + voice("5", "d3:w", "<staff>2</staff>") +
-        "</measure></part><part id=\"P2\"><measure "
-        "number=\"1\"><attributes><divisions>1</divisions></attributes>"
-        "<note><rest/><duration>4</duration></note></measure><measure number=\"2\">"
-        "<note><unpitched/><duration>1</duration><instrument id=\"D1\"/></note>"
-        "<note><unpitched/><duration>2</duration><instrument id=\"D2\"/></note>"
-        "<note><pitch><step>A</step><octave>4</octave></pitch><duration>1</duration><instrument "
-        "id=\"D3\"/></note>"
-        "</measure></part></score-partwise>";
+        R"(</measure></part><part id="P2">
+        <measure number="1"><attributes><divisions>1</divisions></attributes>
+        <note><rest/><duration>4</duration></note></measure>
+        <measure number="2"><note><unpitched/><duration>1</duration><instrument id="D1"/></note>
+        <note><unpitched/><duration>2</duration><instrument id="D2"/></note>
+        <note><pitch><step>A</step><octave>4</octave></pitch><duration>1</duration><instrument id="D3"/></note>
+        </measure></part></score-partwise>)";
     const HeardFile all = heardOf(score);
     EXPECT_EQ(all.notes(), "0+4:48 0+2:72 2+4:74 4+1:35 4+4:50 4+4:67 5+2:42 6+2:76 7+1:69");
     ASSERT_EQ(all.tracks.size(), 4U);
@@ -251,3 +215,4 @@ TEST(MidiFileTest, PlaysTheStavesAskedForWithTheirSounds) {
 }
 
 }  // namespace
+}  // namespace rovescio::test

@@ -30,11 +30,6 @@ class DataRecords : public testing::Test {
             return tag << 8 | static_cast<unsigned char>(letter);
         });
     }
-    static short loadPreferences(const std::string& tag, std::uint16_t incident, void* buffer,
-                                 std::uint32_t& size) {
-        EDATAKEY key{kGlobalNumber, incident};
-        return SX_LoadEData(tagOf(tag), &key, buffer, &size);
-    }
 };
 
 TEST_F(DataRecords, AccidentalModificationsAreFoundByTheirNote) {
@@ -98,7 +93,8 @@ TEST_F(DataRecords, PreferencesInRunsHaveTheirSubRecords) {
         const auto end = static_cast<std::uint16_t>(first + c.count);
         Words words(std::size_t{c.count} * 6, 999);
         std::uint32_t size = 500;
-        EXPECT_EQ(loadPreferences(tag, incident, words.data(), size), 1);
+        EDATAKEY key{kGlobalNumber, incident};
+        EXPECT_EQ(SX_LoadEData(tagOf(tag), &key, words.data(), &size), 1);
         EXPECT_EQ(size, c.count * 12);
         for (unsigned i = 0; i < words.size(); ++i) EXPECT_EQ(words[i], first + i / 6);
 

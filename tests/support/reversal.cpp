@@ -9,7 +9,6 @@
 
 namespace rovescio::test {
 
-// them.
 void reverse(engine::Session& session, short staff, short layer) {
     engine::Document& document = session.document;
     std::vector<std::vector<EXENTRY>> measures;
@@ -24,10 +23,8 @@ void reverse(engine::Session& session, short staff, short layer) {
         std::swap(*all[i], *all[all.size() - 1 - i]);
         for (EXENTRY* entry : {all[i], all[all.size() - 1 - i]}) {
             for (ENOTE& note : entry->notes) {
-                const bool start = (note.noteFlags & NOTE_TIE_START) != 0;
-                const bool end = (note.noteFlags & NOTE_TIE_END) != 0;
-                note.noteFlags &= ~NOTE_TIES;
-                note.noteFlags |= (end ? NOTE_TIE_START : 0U) | (start ? NOTE_TIE_END : 0U);
+                const std::uint32_t ties = note.noteFlags & NOTE_TIES;
+                if (ties != 0 && ties != NOTE_TIES) note.noteFlags ^= NOTE_TIES;
             }
         }
     }

@@ -204,7 +204,7 @@ std::string textOf(const SpelledPitch& pitch) {
            std::to_string(4 + engine::floorDiv(pitch.step, 7));
 }
 
-Document scoreFromText(const std::vector<std::string>& lines) {
+Document scoreFromText(const std::vector<std::string>& lines, const std::vector<std::string>& measureLabels) {
     struct Line {
         KeySignature key;
         std::int32_t duration;
@@ -224,7 +224,7 @@ Document scoreFromText(const std::vector<std::string>& lines) {
         document.addStaff({"staff " + std::to_string(parsed.size()), key == "none"});
     }
     for (std::size_t i = 0; i < parsed.front().measures.size(); ++i)
-        document.addMeasure({std::to_string(i + 1)});
+        document.addMeasure({measureLabels.empty() ? std::to_string(i + 1) : measureLabels.at(i)});
     document.layOut();
     for (short staff = 1; staff <= document.staffCount(); ++staff) {
         const Line& line = parsed[static_cast<std::size_t>(staff - 1)];
@@ -239,6 +239,14 @@ Document scoreFromText(const std::vector<std::string>& lines) {
 void addLayer(Document& document, short staff, short layer, const std::string& measures) {
     std::istringstream in(measures);
     setLayer(document, staff, layer, measuresOf(in));
+}
+
+void editEntries(Document& document, const engine::FrameAddress& address,
+                 const std::function<void(std::vector<EXENTRY>&)>& edit) {
+    std::vector<EXENTRY> entries = document.entries(address).expanded();
+    edit(entries);
+    engine::PackedEntries packed(entries);
+    document.exchangeEntries(address, packed);
 }
 
 std::string textOf(const Document& document, short staff, short layer) {

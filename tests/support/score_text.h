@@ -8,6 +8,7 @@
 // front of an entry makes it a grace entry.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,11 +17,16 @@
 namespace rovescio::test {
 
 // A document of one staff for each line, all lines with as many measures. Every line fills layer 1 of its
-// staff.
-engine::Document scoreFromText(const std::vector<std::string>& lines);
+// staff. Measures are labelled from 1 unless labels are given.
+engine::Document scoreFromText(const std::vector<std::string>& lines,
+                               const std::vector<std::string>& measureLabels = {});
 
 // Puts a second, third or fourth layer under an existing staff; the line has no key and time signature.
 void addLayer(engine::Document& document, short staff, short layer, const std::string& measures);
+
+// Changes the entries of a frame behind the engine's back.
+void editEntries(engine::Document& document, const engine::FrameAddress& address,
+                 const std::function<void(std::vector<EXENTRY>&)>& edit);
 
 // The measures of one staff and layer in the same notation, without key and time signature.
 std::string textOf(const engine::Document& document, short staff = 1, short layer = 0);

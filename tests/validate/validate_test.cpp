@@ -116,10 +116,7 @@ TEST(Validator, FindsDamageInTheBundle) {
         }
         std::ofstream(copy / "Contents" / file, std::ios::binary) << text;
     };
-    const struct {
-        const char* complaint;
-        std::function<void()> damage;
-    } cases[] = {
+    const std::pair<const char*, std::function<void()>> cases[] = {
         {"information dictionary|failed|there is no", [&] { fs::remove(copy / "Contents/Info.plist"); }},
         {"information dictionary|failed|it gives no CFBundleIdentifier",
          [&] { replace("Info.plist", "CFBundleIdentifier", "Nothing"); }},
