@@ -24,7 +24,9 @@ void readGroup(TextWalk& walk, std::string_view text, NoteGroups& groups) {
         case tag("notations"):
             for (const std::size_t inner = walk.enter(); walk.next(inner);) {
                 if (walk.tagNumber() != tag("tuplet") || walk.attribute("id").starts_with(kCutId)) continue;
-                TupletMark mark{std::string(walk.attribute("number")), walk.attribute("type") == "start", {}};
+                const std::string_view number = walk.attribute("number");
+                TupletMark mark{
+                    number.empty() ? "1" : std::string(number), walk.attribute("type") == "start", {}};
                 const Element element = walk.whole();
                 mark.text = text.substr(element.begin, element.end - element.begin);
                 groups.tuplets.push_back(std::move(mark));

@@ -11,7 +11,7 @@ namespace rovescio::musicxml {
 
 // A <tuplet> of a note.
 struct TupletMark {
-    std::string number;  // as written; empty for none
+    std::string number;  // 1 if it says none
     bool start = false;
     std::string text;  // the whole element
 };
