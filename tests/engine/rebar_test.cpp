@@ -71,6 +71,11 @@ INSTANTIATE_TEST_SUITE_P(
              {3584},
              "g4:h. f4:e*3:2 e4~:s*3:2 | e4^:s*3:2 d4:e*3:2 g4:e c4:h.",
              false},
+        Case{"tupletRestCut",
+             "C 4/4 f4:h. | c4:q.*3:2 r:q.*3:2 a4:h g4:s",
+             {kThree, 4352},
+             "g4:s a4:h r:q*3:2 r:t*3:2 | r:s.*3:2 c4:q.*3:2 f4:h.",
+             false},
         Case{"restRegrouped",
              "C 4/4 c4:q r:w | d4:q r:h",
              {5120, kThree},
@@ -79,6 +84,29 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"graceStaysWithItsNote", "C 2/4 c4:h | /d4:e e4:h", {}, "e4:h /d4:e | c4:h"},
         Case{"keepsAccidentals", "G 2/4 f4!:q f#4!:q | f#4:h", {}, "f#4:h | f#4:q f4!:q", false}),
     [](const auto& test) { return std::string(test.param.name); });
+
+TEST(Rebar, DropsTiesOfNotesThatPartInTheSameEdit) {
+    Rebarred run({"C 4/4 c4~:q c4^:q d4:h"});
+    const SXMassEdit edit = run.session.massEdits.start();
+    ASSERT_TRUE(run.turn());
+    for (ENOTE& note : run.session.massEdits.editable({1, 1, 0})[1].notes()) ++note.displacement;
+    run.session.massEdits.end(edit, false);
+    EXPECT_EQ(textOf(run.document), "d4:h d4:q c4:q");
+}
+
+TEST(Rebar, TiesNoLayersThatWereNotTied) {
+    Rebarred run({"C 4/4 c5:h. f3:q"});
+    addLayer(run.document, 1, 1, "f3~:h. f3^:q");
+    const SXMassEdit edit = run.session.massEdits.start();
+    for (const auto& [layer, flags] : {std::pair<short, std::uint32_t>(0, NOTE_TIE_END), {1, 0}}) {
+        for (ENOTE& note : run.session.massEdits.editable({1, 1, layer})[1].notes()) {
+            note.noteFlags = (note.noteFlags & ~NOTE_TIES) | flags;
+        }
+    }
+    ASSERT_TRUE(engine::rebar(run.session, {{0, 1, 1, 0}, {0, 1, 1, 0x7FFFFFFF}}));
+    run.session.massEdits.end(edit, false);
+    EXPECT_EQ(textOf(run.document) + " / " + textOf(run.document, 1, 1), "c5:h. f3:q / f3:h. f3:q");
+}
 
 TEST(Rebar, EmptiesLayersThatHoldNothingButFillers) {
     Rebarred run({"C 2/4 c4:h | d4:h"});

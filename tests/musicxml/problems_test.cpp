@@ -65,6 +65,8 @@ std::vector<ProblemCase> scoreProblems() {
         " (measure 1). Correct the note's pitch in a notation program or text editor.";
     const std::string noteRemedy = " (measure 1). Correct the note in a notation program or text editor.";
     const std::string pitch = "<pitch><step>C</step><octave>4</octave></pitch>";
+    std::string manyNotes = "\n";
+    for (int i = 0; i <= 16'000; ++i) manyNotes += note("c4:s");
     std::string voices;
     for (int i = 1; i <= 9; ++i) voices += (i > 1 ? backup(4) : "\n") + voice(std::to_string(i), "c4:w");
     return {
@@ -113,6 +115,9 @@ std::vector<ProblemCase> scoreProblems() {
         {"too many staves", withAttributes("<staves>99999</staves>"),
          "5: the part \"Flute\" has too many staves and measures (measure 1). Split the score, or correct "
          "the staff numbers."},
+        {"too many notes", scoreOf({manyNotes}),
+         "5: a measure of part \"Flute\" has more than 16000 notes and rests (measure 1). Divide the "
+         "measure."},
         {"too many voices", scoreOf({voices}),
          "5: staff 1 of part \"Flute\" has more than 8 voices (measure 1). Move voices of this measure to "
          "another staff."},

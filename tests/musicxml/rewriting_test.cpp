@@ -41,6 +41,14 @@ std::string tiedNote(const std::string& step, const std::string& end, const std:
                          more + "/></notations>");
 }
 
+// The first or second half of the triplet's D, tied.
+std::string sixth(const std::string& end, const std::string& more) {
+    return timedNote("D", "1",
+                     "<tie type=\"" + end + "\"/><type>16th</type>" + tuplet(3, 2) +
+                         "<notations><tied type=\"" + end + "\"" +
+                         (end == "stop" ? " id=\"rovescio-cut-1-2-2\"" : "") + "/>" + more + "</notations>");
+}
+
 struct Case {
     const char* name;
     std::vector<std::string> before;
@@ -76,6 +84,18 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
          {note("c4:h", sung), note("d4:h") + note("e4:q")},
          {note("e4:q") + tiedNote("D", "start"),
           tiedNote("D", "stop", " id=\"rovescio-cut-1-2-1\"") + note("c4:h", sung)}},
+        {"a tie turns round on a note that keeps its measure",
+         {note("c4:q") + tiedNote("D", "start"), tiedNote("D", "stop") + note("e4:q"), note("f4:h")},
+         {note("f4:h"), note("e4:q") + tiedNote("D", "start"), tiedNote("D", "stop") + note("c4:q")}},
+        {"brackets are closed at a barline that cuts, and are whole again",
+         {timedNote("F", "9", "<type>quarter</type><dot/>"), third("C", bracket("start")) + third("D", "") +
+                                                                 third("E", bracket("stop")) +
+                                                                 timedNote("G", "6", "<type>quarter</type>")},
+         {timedNote("G", "6", "<type>quarter</type>") + third("E", bracket("start")) +
+              sixth("start", "<tuplet id=\"rovescio-cut-1-1-1\" type=\"stop\"/>"),
+          sixth("stop", "<tuplet id=\"rovescio-cut-1-2-1\" type=\"start\"/>") + third("C", bracket("stop")) +
+              timedNote("F", "9", "<type>quarter</type><dot/>")},
+         attributes("6", "<time><beats>2</beats><beat-type>4</beat-type></time>")},
         {"whole beams are mirrored",
          {note("c4:e", beam("begin")) + note("d4:e", beam("end")) + note("e4:q") + note("f4:h")},
          {note("f4:h") + note("e4:q") + note("d4:e", beam("begin")) + note("c4:e", beam("end"))}},

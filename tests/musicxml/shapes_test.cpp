@@ -231,6 +231,21 @@ TEST(Shapes, leaveTheTextWithTheirMarks) {
               scoreWith("<notations>" + tie + "</notations>", "", "", "", "<sound dynamics=\"80\"/>"));
 }
 
+TEST(Shapes, goWithTheEntriesAtTheirEnds) {
+    Records score(scoreOf({note("c4:h", slur("start")) + note("d4:h"), note("e4:w", slur("stop"))}));
+    const auto removeFirst = [&] {
+        EXTGF2005a* const frame = score.session.frames.load({1, 1, 0});
+        EXPECT_TRUE(score.session.frames.remove(frame, 0, 1));
+        EXPECT_TRUE(score.session.frames.save(frame));
+        score.session.frames.free(frame);
+    };
+    score.edit(removeFirst);
+    EXPECT_FALSE(score.load<EntryMarkRecord>(kEntryMarkTag, EENTRYKEY{1, 0}));
+    EXPECT_TRUE(score.load<EntryMarkRecord>(kEntryMarkTag, EENTRYKEY{3, 0}));
+    ASSERT_TRUE(score.session.massEdits.undo());
+    EXPECT_TRUE(score.load<EntryMarkRecord>(kEntryMarkTag, EENTRYKEY{1, 0}));
+}
+
 TEST(Shapes, enterTheText) {
     const std::string lyric = "<lyric><text>la</text></lyric>";
     Records score(scoreOf({note("c4:h", slur("start", "1") + lyric) + note("d4:h"),
