@@ -58,6 +58,53 @@ void MeasureFrames::rankVoices() {
     }
 }
 
+void MeasureFrames::placeVoices(StaffVoices& voices, short measure) {
+    std::sort(voices.labels.begin(), voices.labels.end(), labelBefore);
+    constexpr std::size_t kNowhere = kMaxVoices;
+    for (std::size_t i = 0; i < voices.labels.size(); ++i) {
+        const auto holder =
+            std::find_if(voices.holders.begin(), voices.holders.end(),
+                         [&](const Holder& other) { return other.label == voices.labels[i]; });
+        const bool known = holder != voices.holders.end();
+        if (known) holder->measure = measure;
+        voices.places[i] = known ? static_cast<std::size_t>(holder - voices.holders.begin()) : kNowhere;
+    }
+    std::size_t secondVoice = engine::kMaxLayers;
+    for (std::size_t i = 0; i < voices.labels.size(); ++i) {
+        if (voices.places[i] != kNowhere) continue;
+        // Layers that no voice has had come first, then the one whose voice has been absent for longest.
+        auto* const holder = std::min_element(
+            voices.holders.begin(), voices.holders.end(),
+            [](const Holder& left, const Holder& right) { return left.measure < right.measure; });
+        if (holder->measure == measure) {
+            voices.places[i] = secondVoice++;
+            continue;
+        }
+        voices.shared = voices.shared || holder->measure > 0;
+        *holder = {voices.labels[i], measure};
+        voices.places[i] = static_cast<std::size_t>(holder - voices.holders.begin());
+    }
+}
+
+void MeasureFrames::orderLayers(std::vector<GatheredFrame>& frames) const {
+    std::vector<std::array<short, engine::kMaxLayers>> orders;  // of the staves
+    for (const StaffVoices& voices : voices_) {
+        std::array<short, engine::kMaxLayers>& order = orders.emplace_back();
+        std::iota(order.begin(), order.end(), short{0});
+        if (voices.shared) continue;
+        std::transform(
+            voices.holders.begin(), voices.holders.end(), order.begin(), [&](const Holder& holder) {
+                return static_cast<short>(
+                    std::count_if(voices.holders.begin(), voices.holders.end(), [&](const Holder& other) {
+                        return other.measure > 0 && labelBefore(other.label, holder.label);
+                    }));
+            });
+    }
+    for (GatheredFrame& frame : frames) {
+        frame.layer = orders[static_cast<std::size_t>(frame.staff)][static_cast<std::size_t>(frame.layer)];
+    }
+}
+
 EXENTRY MeasureFrames::finish(GatheredEntry& entry, const engine::FrameAddress& address,
                               const engine::KeySignature& key, engine::Document& document,
                               SourceMap& sources) {
@@ -159,6 +206,7 @@ void MeasureFrames::layOut(short measure, const engine::Fraction& end,
                            SourceMap& sources, std::vector<GatheredFrame>& frames) {
     end_ = end;
     rankVoices();
+    for (StaffVoices& voices : voices_) placeVoices(voices, measure);
     order_.resize(entries_.size());
     std::iota(order_.begin(), order_.end(), 0U);
     const auto place = [&](std::uint32_t index) {
@@ -171,7 +219,8 @@ void MeasureFrames::layOut(short measure, const engine::Fraction& end,
     std::size_t next = 0;
     while (next < order_.size()) {
         const int staff = entries_[order_[next]].staff;
-        std::array<std::span<const std::uint32_t>, kMaxVoices> voices{};
+        const StaffVoices& known = voices_[static_cast<std::size_t>(staff)];
+        std::array<std::span<const std::uint32_t>, kMaxVoices> voices{};  // by place
         while (next < order_.size() && entries_[order_[next]].staff == staff) {
             const std::size_t begin = next;
             const int voice = entries_[order_[begin]].voice;
@@ -179,9 +228,12 @@ void MeasureFrames::layOut(short measure, const engine::Fraction& end,
                    entries_[order_[next]].voice == voice) {
                 ++next;
             }
-            voices[static_cast<std::size_t>(voice)] = std::span(order_).subspan(begin, next - begin);
+            voices[known.places[static_cast<std::size_t>(voice)]] =
+                std::span(order_).subspan(begin, next - begin);
         }
-        for (std::size_t layer = 0; layer < engine::kMaxLayers && !voices[layer].empty(); ++layer) {
+        for (std::size_t rank = 0; rank < known.labels.size(); ++rank) {
+            const std::size_t layer = known.places[rank];
+            if (layer >= engine::kMaxLayers) continue;
             frames.push_back(makeFrame(measure, static_cast<short>(layer), voices[layer],
                                        voices[layer + engine::kMaxLayers],
                                        keys[static_cast<std::size_t>(staff)], document, sources));

@@ -1,5 +1,5 @@
-// The entries of one measure of one part, gathered in the order of the text and
-// then laid into layers.
+// The entries of the measures of one part, one measure after the other, gathered in
+// the order of the text and then laid into layers.
 #pragma once
 
 #include <array>
@@ -22,7 +22,7 @@ struct GatheredEntry {
     engine::Fraction start;                          // exact
     std::array<std::uint32_t, kMaxNotes> offsets{};  // of the notes, by id; the first one for a rest
     int staff = 0;                                   // within the part, from 0
-    int voice = 0;                                   // number of the voice on its staff
+    int voice = 0;                                   // of its staff; a number given by MeasureFrames
     bool sharesStem = false;
 };
 
@@ -39,27 +39,41 @@ class MeasureFrames {
     // Most voices that the layers of one staff hold: two in each.
     static constexpr std::size_t kMaxVoices = std::size_t{2} * engine::kMaxLayers;
 
+    // Begins a measure. The layers of the voices stay theirs.
     void clear();
-    // The number of a voice on a staff; -1 when the staff has too many.
+    // The number of a voice on a staff in this measure; -1 when the staff has too many. The label
+    // must last as long as the part is read.
     int voice(int staff, std::string_view label);
     GatheredEntry& add();
     [[nodiscard]] std::vector<GatheredEntry>& entries() { return entries_; }
 
-    // Voices become layers in the order of their labels; where a voice is absent
-    // between the measure's start and its end, a gap keeps its time. Numbers the entries,
-    // fills their sources (staves still within the part), stores pitches relative
-    // to the keys of the staves and appends the frames.
+    // A voice keeps its layer from measure to measure, so that what goes over a barline goes on in it.
+    // New voices get the lowest layers left, in the order of their labels; where none is left, those
+    // of voices that the measure does not have, or else a place as second voice. Where a voice is
+    // absent between the measure's start and its end, a gap keeps its time. Numbers the entries,
+    // fills their sources (staves still within the part), stores pitches relative to the keys of the
+    // staves and appends the frames, in the order of their voices. Measures count upwards from 1.
     void layOut(short measure, const engine::Fraction& end, const std::vector<engine::KeySignature>& keys,
                 engine::Document& document, SourceMap& sources, std::vector<GatheredFrame>& frames);
+    // After the last measure, puts the layers of each staff into the order of their voices' labels
+    // where no layer had more than one voice.
+    void orderLayers(std::vector<GatheredFrame>& frames) const;
 
   private:
-    // The voices of one staff; labels in order of appearance, and where each
-    // stands in order of label.
+    // The voice that has a layer.
+    struct Holder {
+        std::string_view label;
+        short measure = 0;  // the last one with the voice; 0 for a layer that no voice has had
+    };
     struct StaffVoices {
-        std::vector<std::string_view> labels;
-        std::array<int, kMaxVoices> rank{};
+        std::vector<std::string_view> labels;              // of the measure, in order of appearance
+        std::array<int, kMaxVoices> rank{};                // where they stand in order of label
+        std::array<std::size_t, kMaxVoices> places{};      // by rank: layers, then those of second voices
+        std::array<Holder, engine::kMaxLayers> holders{};  // by layer
+        bool shared = false;                               // a layer went from one voice to another
     };
     void rankVoices();
+    static void placeVoices(StaffVoices& voices, short measure);
     GatheredFrame makeFrame(short measure, short layer, std::span<const std::uint32_t> first,
                             std::span<const std::uint32_t> second, const engine::KeySignature& key,
                             engine::Document& document, SourceMap& sources);

@@ -56,6 +56,8 @@ class PartReader {
     bool readMeasure(TreeWalk& walk);
     // The part has nothing for the next measure.
     void skipMeasure();
+    // To be called behind the last measure; the frames have their final layers then.
+    void finishLayers() { gathered_.orderLayers(frames_); }
 
     [[nodiscard]] const std::string& name() const { return name_; }
     [[nodiscard]] std::vector<StaffReading>& staves() { return staves_; }

@@ -188,6 +188,7 @@ void ScoreReader::takeLengths(PartReader& part) const {
 }
 
 void ScoreReader::assemblePart(PartReader& part, short firstStaff) {
+    part.finishLayers();
     moveToUnpitched(part);
     takeLengths(part);
     reading_.sources.parts.push_back({firstStaff, static_cast<short>(part.staves().size()),
@@ -207,11 +208,11 @@ void ScoreReader::assemblePart(PartReader& part, short firstStaff) {
         ++number;
     }
     for (GatheredFrame& frame : part.frames()) {
+        const engine::FrameAddress address{global(frame.staff), frame.measure, frame.layer};
         for (const engine::StoredEntry& entry : frame.entries) {
-            reading_.sources.entries[entry.entryNumber - 1].address.staff = global(frame.staff);
+            reading_.sources.entries[entry.entryNumber - 1].address = address;
         }
-        document_.setPackedEntries({global(frame.staff), frame.measure, frame.layer},
-                                   std::move(frame.entries));
+        document_.setPackedEntries(address, std::move(frame.entries));
     }
     for (engine::KeyChange change : part.keyChanges()) {
         if (part.staves()[static_cast<std::size_t>(change.staff - 1)].isUnpitched()) continue;

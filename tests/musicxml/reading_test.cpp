@@ -117,6 +117,34 @@ TEST(ScoreReading, fifthToEighthVoiceAreSecondVoicesOfTheirLayers) {
     EXPECT_EQ(marks, (std::vector<std::uint32_t>{ENTRY_STARTS_VOICE2, ENTRY_VOICE2, ENTRY_VOICE2, 0}));
 }
 
+TEST(ScoreReading, voicesKeepTheirLayersFromMeasureToMeasure) {
+    // Voices of the measures, and the layers that have entries there.
+    const std::pair<std::vector<std::string>, const char*> cases[] = {
+        {{"123", "13", "23"}, "012 02 12 "},
+        {{"2", "12"}, "1 01 "},
+        {{"1234", "134", "5134"}, "0123 023 0123 "},
+        {{"12345", "5"}, "0123 0 "},
+    };
+    for (const auto& [measures, layers] : cases) {
+        std::vector<std::string> contents;
+        for (const std::string& voices : measures) {
+            std::string& content = contents.emplace_back();
+            for (const char number : voices) {
+                content += (content.empty() ? "" : backup(4)) + voice(std::string(1, number), "c4:w");
+            }
+        }
+        const OpenScore score = open(scoreOf(contents));
+        std::string found;
+        for (short measure = 1; measure <= score.document.measureCount(); ++measure) {
+            for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
+                if (!score.document.entries({1, measure, layer}).empty()) found += std::to_string(layer);
+            }
+            found += " ";
+        }
+        EXPECT_EQ(found, layers) << measures.front();
+    }
+}
+
 TEST(ScoreReading, keysBecomeWordsByTheirThird) {
     const struct {
         const char* key;
