@@ -30,8 +30,8 @@ struct NumberSpan {
 
     explicit NumberSpan(const PackedEntries& entries) {
         for (const StoredEntry& entry : entries) {
-            least = std::min<std::uint32_t>(least, entry.entryNumber);
-            greatest = std::max<std::uint32_t>(greatest, entry.entryNumber);
+            least = std::min<std::uint32_t>(least, +entry.entryNumber);
+            greatest = std::max<std::uint32_t>(greatest, +entry.entryNumber);
         }
     }
     [[nodiscard]] bool contains(std::uint32_t number) const { return number >= least && number <= greatest; }

@@ -10,12 +10,12 @@ void dropMarksOfDeleted(const Document& document, MassEdits& edits, std::span<co
     std::set<std::uint32_t> gone;
     for (const FrameAddress& address : frames) {
         for (const StoredEntry& entry : edits.before(address)) {
-            if (document.hasShapes(entry.entryNumber)) gone.insert(entry.entryNumber);
+            if (document.hasShapes(entry.entryNumber)) gone.insert(+entry.entryNumber);
         }
     }
     // An entry may have moved to another frame.
     for (const FrameAddress& address : frames) {
-        for (const StoredEntry& entry : document.entries(address)) gone.erase(entry.entryNumber);
+        for (const StoredEntry& entry : document.entries(address)) gone.erase(+entry.entryNumber);
     }
     for (const std::uint32_t number : gone) edits.changeRecords({kEntryMarkTag, number, 0}, {});
 }
