@@ -162,7 +162,9 @@ ExitCode finishScore(const Options& options, const ScoreFile& score, const Docum
 // Tells what the check found; the exit status says whether that was anything.
 ExitCode showCheck(const TransformationOutcome& outcome, const Selection& selection) {
     std::cout << selection.description << ": "
-              << (outcome.findings.empty() ? "nothing stands in the way of a retrograde" : outcome.findings)
+              << (!outcome.findings.empty()   ? outcome.findings
+                  : outcome.obstacles.empty() ? "nothing stands in the way of a retrograde"
+                                              : "some durations are wrong")
               << '\n';
     for (const std::string& line : outcome.obstacles) std::cout << line << '\n';
     std::cout.flush();
@@ -170,7 +172,7 @@ ExitCode showCheck(const TransformationOutcome& outcome, const Selection& select
         say("standard output cannot be written");
         return ExitCode::badOutput;
     }
-    return outcome.findings.empty() ? ExitCode::ok : ExitCode::refused;
+    return outcome.findings.empty() && outcome.obstacles.empty() ? ExitCode::ok : ExitCode::refused;
 }
 
 ExitCode workOnScore(const Options& options, const Installation& installation) {

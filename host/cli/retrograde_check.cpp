@@ -1,6 +1,7 @@
 // A walk over the frames of the selection for what the check of a retrograde looks for.
 #include "cli/retrograde_check.h"
 
+#include <algorithm>
 #include <array>
 #include <iterator>
 #include <map>
@@ -8,14 +9,17 @@
 #include <span>
 #include <utility>
 
+#include "engine/fraction.h"
+#include "engine/pour.h"
+
 namespace rovescio::cli {
 
 namespace {
 
-enum Obstacle : std::size_t { kChangeInside, kSecondVoice, kShape };
-constexpr std::array<const char*, 3> kNames = {"the clef or key changes inside the measure",
-                                               "a layer has a second voice",
-                                               "slurs, hairpins or other lines begin or end"};
+enum Obstacle : std::size_t { kChangeInside, kSecondVoice, kShape, kLength };
+constexpr std::array<const char*, 4> kNames = {
+    "the clef or key changes inside the measure", "a layer has a second voice",
+    "slurs, hairpins or other lines begin or end", "the notes overlap or do not fill the measure"};
 
 // "3-5, 8" in the measures' printed numbers.
 std::string ranges(const std::set<short>& measures, const engine::Document& document) {
@@ -29,6 +33,27 @@ std::string ranges(const std::set<short>& measures, const engine::Document& docu
         first = std::next(last);
     }
     return text;
+}
+
+// The measures of a layer whose notes are more or less than the measure holds. What one measure has too much
+// and another too little does no harm: the layer is poured as one.
+std::set<short> misfits(const engine::Document& document, engine::FrameAddress address, short first,
+                        short last) {
+    std::set<short> measures;
+    engine::Fraction surplus;
+    for (address.measure = first; address.measure <= last; ++address.measure) {
+        const engine::PackedEntries& entries = document.entries(address);
+        if (entries.empty()) continue;  // the plug-in fills it with a rest
+        engine::Fraction over =
+            engine::Fraction(0) -
+            engine::Fraction(document.staffMeasure(address.staff, address.measure).duration);
+        for (const engine::StoredEntry& entry : entries) {
+            if (!(entry.entryFlags & ENTRY_VOICE2)) over += engine::lengthOf(entry);
+        }
+        if (over != engine::Fraction(0)) measures.insert(address.measure);
+        surplus += over;
+    }
+    return surplus == engine::Fraction(0) ? std::set<short>() : measures;
 }
 
 }  // namespace
@@ -49,6 +74,19 @@ std::vector<std::string> retrogradeObstacles(engine::Session& session, const Sel
         }
         session.frames.free(frame);
     });
+    const engine::Document& document = session.document;
+    for (const EREGION& region : selection.regions) {
+        const short first = std::max<short>(region.start.measure, 1);
+        const short last = std::min(region.end.measure, document.measureCount());
+        const short lastStaff = std::min(region.end.slot, document.staffCount());
+        for (short staff = std::max<short>(region.start.slot, 1); staff <= lastStaff; ++staff) {
+            for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
+                if (!selection.layers[static_cast<std::size_t>(layer)]) continue;
+                const std::set<short> measures = misfits(document, {staff, first, layer}, first, last);
+                if (!measures.empty()) found[{staff, kLength}].insert(measures.begin(), measures.end());
+            }
+        }
+    }
     std::vector<std::string> lines;
     lines.reserve(found.size());
     for (const auto& [place, measures] : found) {

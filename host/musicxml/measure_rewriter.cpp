@@ -135,6 +135,7 @@ class PartRewriter {
     // What a layer has in all open measures, and where its order has turned round.
     bool readLayer(short staff, short layer) {
         Event* earlier = nullptr;
+        Event* firstPiece = nullptr;  // of the note that the earlier event belongs to; it bears the lyrics
         std::uint32_t earlierOrigin = 0;
         for (const auto& measure : open_) {
             const FrameAddress address{staff, measure->number, layer};
@@ -154,8 +155,10 @@ class PartRewriter {
                 if (aside || origin > sources_.entries.size()) continue;
                 if (earlier != nullptr) {
                     earlier->continued = earlierOrigin == origin;
-                    if (origin < earlierOrigin) earlier->mirrored = event.mirrored = true;
+                    if (origin < earlierOrigin)
+                        earlier->mirrored = firstPiece->mirrored = event.mirrored = true;
                 }
+                if (earlier == nullptr || earlierOrigin != origin) firstPiece = &event;
                 earlier = &event;
                 earlierOrigin = origin;
             }

@@ -7,6 +7,7 @@
 #include "contract/records.h"
 #include "musicxml/note_types.h"
 #include "musicxml/tag_names.h"
+#include "musicxml/text_edits.h"
 #include "musicxml/text_walk.h"
 
 namespace rovescio::musicxml {
@@ -177,6 +178,10 @@ void NoteRewriter::take(TextWalk& walk) {
         takeNotations(walk);
         return;
     }
+    if (rank == kLyric && shape_->mirrored && !shape_->continuation) {
+        takeLyric(walk);
+        return;
+    }
     const Element element = walk.whole();
     switch (rank) {
         case kChord:
@@ -252,6 +257,33 @@ void NoteRewriter::takeOrnaments(TextWalk& walk) {
     }
     if (copied > ornaments.begin) walk.complete(ornaments);
     text += note_.substr(copied, ornaments.end - copied);
+}
+
+// A word's first syllable is now read as its last one. Syllables that share the note change places as well.
+void NoteRewriter::takeLyric(TextWalk& walk) {
+    Element lyric = walk.element();
+    std::vector<Element> syllables;
+    std::vector<Element> extensions;
+    for (const std::size_t level = walk.enter(); walk.next(level);) {
+        const std::uint64_t name = walk.tagNumber();
+        const Element child = walk.whole();
+        if (name == tag("syllabic")) syllables.push_back(child);
+        if (name == tag("extend")) extensions.push_back(child);
+    }
+    walk.complete(lyric);
+    TextEdits edits(note_);
+    for (std::size_t i = 0; i < syllables.size(); ++i) {
+        const Element& here = syllables[i];
+        const Element& there = syllables[syllables.size() - 1 - i];
+        const std::string_view value =
+            note_.substr(there.contentBegin, there.contentEnd - there.contentBegin);
+        edits.replace(here.contentBegin, here.contentEnd, std::string(mirroredBeam(value)));
+    }
+    for (const Element& extension : extensions) {
+        edits.replace(extension.begin, extension.end, turned(sliceOf(note_, extension)));
+    }
+    edits.settleAll();
+    add(kLyric, edits.edited(lyric.begin, lyric.end));
 }
 
 void NoteRewriter::addNew() {

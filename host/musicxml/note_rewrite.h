@@ -48,6 +48,7 @@ class NoteRewriter {
     void takeRest(const Element& element);
     void takeNotations(TextWalk& walk);
     void takeOrnaments(TextWalk& walk);
+    void takeLyric(TextWalk& walk);
     void addNew();
     void addNotations();
     [[nodiscard]] std::string_view textOf(const Child& child) const;

@@ -44,6 +44,7 @@ TEST_F(RetrogradeRun, ChecksRefusesAndRepairs) {
     const auto slur = [](const std::string& type) {
         return "<notations><slur type=\"" + type + "\"/></notations>";
     };
+    write("overlapping.musicxml", scoreOf({note("c4:h") + backup(1) + note("d4:h."), note("e4:w")}));
     write("slurred.musicxml",
           scoreOf({note("c4:h") + note("d4:h", slur("start")), note("e4:w", slur("stop"))}));
     const struct {
@@ -54,6 +55,10 @@ TEST_F(RetrogradeRun, ChecksRefusesAndRepairs) {
     } cases[] = {
         {"rovescio crab-canon.musicxml --check", 0, "nothing stands in the way", false},
         {"rovescio slurred.musicxml --check", 1, "staff 1, measures 1-2: slurs", false},
+        {"rovescio overlapping.musicxml --check", 1,
+         "some durations are wrong\nstaff 1, measure 1: the notes overlap or do not fill the measure\n",
+         false},
+        {"rovescio overlapping.musicxml --retrograde -o out.musicxml", 1, "Correct the durations", false},
         {"rovescio slurred.musicxml --retrograde -o out.musicxml", 1,
          "slurs or other lines; nothing was written", false},
         {"rovescio slurred.musicxml --check --transpose m3", 2, "--check looks at one score", false},

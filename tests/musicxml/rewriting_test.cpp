@@ -30,6 +30,13 @@ std::string beam(const std::string& value) {
 std::string bracket(const std::string& type, const std::string& look = "") {
     return "<notations><tuplet type=\"" + type + "\"" + look + "/></notations>";
 }
+std::string extension(const std::string& type) {
+    return "<lyric number=\"1\"><extend type=\"" + type + "\"/></lyric>";
+}
+std::string syllable(const std::string& place, const std::string& extend = "") {
+    return "<lyric number=\"1\"><syllabic>" + place + "</syllabic><text>la</text>" +
+           (extend.empty() ? "" : "<extend type=\"" + extend + "\"/>") + "</lyric>";
+}
 // An eighth of a triplet.
 std::string third(const std::string& step, const std::string& notations) {
     return timedNote(step, "2", "<type>eighth</type>" + tuplet(3, 2) + notations);
@@ -68,6 +75,11 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
         {"what belongs to a note goes with it",
          {note("c4:q", sung) + note("d4:q") + note("e4:h")},
          {note("e4:h") + note("d4:q") + note("c4:q", sung)}},
+        {"words keep their hyphens and extensions",
+         {note("c4:h", syllable("begin")) + note("d4:q", syllable("end", "start")) +
+          note("e4:q", extension("stop"))},
+         {note("e4:q", extension("start")) + note("d4:q", syllable("begin", "stop")) +
+          note("c4:h", syllable("end"))}},
         {"directions and harmony keep their time",
          {note("c4:h") + words + note("d4:q") + harmony + note("e4:q")},
          {note("e4:q") + note("d4:q") + words + note("c4:h") + "<backup><duration>4</duration></backup>" +
