@@ -1,12 +1,12 @@
 // A walk over the frames of the selection for what the check of a retrograde looks for.
 #include "cli/retrograde_check.h"
 
-#include <algorithm>
 #include <array>
 #include <iterator>
 #include <map>
 #include <set>
 #include <span>
+#include <tuple>
 #include <utility>
 
 #include "engine/fraction.h"
@@ -35,26 +35,25 @@ std::string ranges(const std::set<short>& measures, const engine::Document& docu
     return text;
 }
 
-// The measures of a layer whose notes are more or less than the measure holds. What one measure has too much
-// and another too little does no harm: the layer is poured as one.
-std::set<short> misfits(const engine::Document& document, engine::FrameAddress address, short first,
-                        short last) {
-    std::set<short> measures;
+// The measures of a layer whose notes are more or less than the measure holds. What one has too much and
+// another too little does no harm: the layer is poured as one.
+struct Misfits {
     engine::Fraction surplus;
-    for (address.measure = first; address.measure <= last; ++address.measure) {
+    std::set<short> measures;
+
+    void add(const engine::Document& document, const engine::FrameAddress& address) {
         const engine::PackedEntries& entries = document.entries(address);
-        if (entries.empty()) continue;  // the plug-in fills it with a rest
-        engine::Fraction over =
-            engine::Fraction(0) -
-            engine::Fraction(document.staffMeasure(address.staff, address.measure).duration);
+        if (entries.empty()) return;  // the plug-in fills it with a rest
+        engine::Fraction length;
         for (const engine::StoredEntry& entry : entries) {
-            if (!(entry.entryFlags & ENTRY_VOICE2)) over += engine::lengthOf(entry);
+            if (!(entry.entryFlags & ENTRY_VOICE2)) length += engine::lengthOf(entry);
         }
-        if (over != engine::Fraction(0)) measures.insert(address.measure);
-        surplus += over;
+        const engine::Fraction room(document.staffMeasure(address.staff, address.measure).duration);
+        if (length == room) return;
+        surplus += length - room;
+        measures.insert(address.measure);
     }
-    return surplus == engine::Fraction(0) ? std::set<short>() : measures;
-}
+};
 
 }  // namespace
 
@@ -74,18 +73,13 @@ std::vector<std::string> retrogradeObstacles(engine::Session& session, const Sel
         }
         session.frames.free(frame);
     });
-    const engine::Document& document = session.document;
-    for (const EREGION& region : selection.regions) {
-        const short first = std::max<short>(region.start.measure, 1);
-        const short last = std::min(region.end.measure, document.measureCount());
-        const short lastStaff = std::min(region.end.slot, document.staffCount());
-        for (short staff = std::max<short>(region.start.slot, 1); staff <= lastStaff; ++staff) {
-            for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
-                if (!selection.layers[static_cast<std::size_t>(layer)]) continue;
-                const std::set<short> measures = misfits(document, {staff, first, layer}, first, last);
-                if (!measures.empty()) found[{staff, kLength}].insert(measures.begin(), measures.end());
-            }
-        }
+    std::map<std::tuple<const EREGION*, short, short>, Misfits> layers;  // by region, staff and layer
+    forEachFrame(selection, [&](const EREGION& region, const engine::FrameAddress& address) {
+        layers[{&region, address.staff, address.layer}].add(session.document, address);
+    });
+    for (const auto& [layer, misfits] : layers) {
+        if (misfits.surplus == engine::Fraction(0)) continue;
+        found[{std::get<1>(layer), kLength}].insert(misfits.measures.begin(), misfits.measures.end());
     }
     std::vector<std::string> lines;
     lines.reserve(found.size());

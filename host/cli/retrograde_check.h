@@ -10,7 +10,8 @@
 namespace rovescio::cli {
 
 // One line for each kind of obstacle on each staff of the selection: "staff 1, measures 3-5, 8: ...". The
-// frames are looked at as the plug-in sees them, those of hidden layers too.
+// frames are looked at as the plug-in sees them, those of hidden layers too; only the lengths of hidden
+// layers do not matter.
 std::vector<std::string> retrogradeObstacles(engine::Session& session, const Selection& selection);
 
 }  // namespace rovescio::cli

@@ -34,7 +34,7 @@ class BeamMender {
     void mend() {
         for (GroupMember* const member : members_) {
             if (!member->mirrored) continue;
-            for (BeamMark& beam : member->groups.beams) beam.value = mirroredBeam(beam.value);
+            for (BeamMark& beam : member->groups.beams) beam.value = mirroredPart(beam.value);
         }
         findBroken(true);
         findBroken(false);

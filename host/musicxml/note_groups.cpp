@@ -46,7 +46,7 @@ std::string turned(std::string_view element) {
     return text.replace(begin, type.value.size(), other);
 }
 
-std::string_view mirroredBeam(std::string_view value) {
+std::string_view mirroredPart(std::string_view value) {
     if (value == "begin") return "end";
     if (value == "end") return "begin";
     if (value == "forward hook") return "backward hook";

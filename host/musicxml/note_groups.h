@@ -37,8 +37,9 @@ void readGroup(TextWalk& walk, std::string_view text, NoteGroups& groups);
 std::string withId(std::string_view element, std::string_view id);
 // An element whose type, start or stop, is the other one.
 std::string turned(std::string_view element);
-// Exchanges the ends of a group that is now read backwards.
-std::string_view mirroredBeam(std::string_view value);
+// What a note is in a beam, or a syllable in its word, now that they are read backwards: begin and end change
+// places.
+std::string_view mirroredPart(std::string_view value);
 TupletMark retyped(TupletMark mark, bool start);
 
 }  // namespace rovescio::musicxml

@@ -277,7 +277,7 @@ void NoteRewriter::takeLyric(TextWalk& walk) {
         const Element& there = syllables[syllables.size() - 1 - i];
         const std::string_view value =
             note_.substr(there.contentBegin, there.contentEnd - there.contentBegin);
-        edits.replace(here.contentBegin, here.contentEnd, std::string(mirroredBeam(value)));
+        edits.replace(here.contentBegin, here.contentEnd, std::string(mirroredPart(value)));
     }
     for (const Element& extension : extensions) {
         edits.replace(extension.begin, extension.end, turned(sliceOf(note_, extension)));
