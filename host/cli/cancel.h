@@ -1,6 +1,9 @@
 // The user's cancel: Ctrl-C and the termination signals.
 #pragma once
 
+#include <signal.h>
+
+#include <cstddef>
 #include <string>
 
 namespace rovescio::cli {
@@ -21,13 +24,45 @@ class DeferredCancel {
     [[nodiscard]] static bool requested();
 };
 
-// While an object of this class lives, a signal removes the file before it ends the program.
+// While an object of this class lives, signals wait.
+class HeldSignals {
+  public:
+    HeldSignals();
+    ~HeldSignals();
+    HeldSignals(const HeldSignals&) = delete;
+    HeldSignals& operator=(const HeldSignals&) = delete;
+
+  private:
+    sigset_t before_{};
+};
+
+// While an object of this class lives, a signal removes the file before it ends the program. For at most two
+// files at a time.
 class RemovedOnCancel {
   public:
     explicit RemovedOnCancel(const std::string& path);
     ~RemovedOnCancel();
     RemovedOnCancel(const RemovedOnCancel&) = delete;
     RemovedOnCancel& operator=(const RemovedOnCancel&) = delete;
+
+  private:
+    std::size_t slot_;
+};
+
+// Something is about to be written that cannot be taken back; the words of a cancel take that into account.
+void streamBegins();
+
+// The time in which the results are put into place: a cancel that came before ends the program as this object
+// is made, and one that comes later waits. Whether it is too late then depends on what was decided meanwhile.
+class CommitPoint {
+  public:
+    CommitPoint();
+
+    // Everything is in place, and a cancel can only end what follows, such as playing.
+    static void allWritten();
+
+  private:
+    HeldSignals held_;
 };
 
 }  // namespace rovescio::cli

@@ -3,12 +3,12 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
-#include <filesystem>
 #include <iostream>
 #include <string_view>
 
 #include "cli/messages.h"
-#include "cli/score_bytes.h"
+#include "cli/output_path.h"
+#include "cli/result_names.h"
 #include "cli/transformation_options.h"
 
 namespace rovescio::cli {
@@ -179,11 +179,6 @@ Result<engine::Done> understand(const RawOptions& raw, Options& options) {
     return engine::Done{};
 }
 
-bool isSameFile(const std::string& left, const std::string& right) {
-    std::error_code error;
-    return left == right || std::filesystem::equivalent(left, right, error);
-}
-
 // The same for playback.
 Result<engine::Done> checkPlayback(const Options& options) {
     if (!options.wantsPlayback()) return engine::Done{};
@@ -191,18 +186,16 @@ Result<engine::Done> checkPlayback(const Options& options) {
         return problemWith("--play and --midi are for one score", "Leave the other scores and --out-dir out");
     }
     if (options.midiFile.empty()) return engine::Done{};
-    if (options.midiFile == kStandardStream) {
-        if (options.output != kStandardStream) return engine::Done{};
-        return problemWith("--midi - and -o - cannot both be standard output", "Name a file for one of them");
+    if (!options.output.empty() && sameOutput(options.midiFile, options.output)) {
+        return problemWith(
+            "--midi " + options.midiFile + " and -o " + options.output + " lead to the same place",
+            "Name two files");
     }
-    if (options.midiFile == options.output) {
-        return problemWith("--midi and -o name the same file", "Name two files");
-    }
-    if (isSameFile(options.midiFile, options.scores.front())) {
+    if (isOutputOnto(options.midiFile, options.scores.front())) {
         return problemWith("--midi " + options.midiFile + " would replace the score itself",
                            "Name another file, such as one that ends in .mid");
     }
-    return engine::Done{};
+    return checkMidiName(options.midiFile);
 }
 
 // The same for row forms, which need no score.
@@ -235,6 +228,7 @@ Result<engine::Done> checkMidiInput(const Options& options) {
 
 // Finds combinations that make no sense.
 Result<engine::Done> checkTogether(const Options& options) {
+    if (const Result<engine::Done> name = checkScoreName(options.output, options.scores); !name) return name;
     if (!options.row.empty()) return checkRowForms(options);
     const bool several = options.scores.size() > 1;
     const bool nothing = options.transformation.stepCount() == 0;

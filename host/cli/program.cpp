@@ -2,7 +2,6 @@
 // validate.
 #include "cli/program.h"
 
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -15,7 +14,10 @@
 #include "cli/installation.h"
 #include "cli/messages.h"
 #include "cli/options.h"
+#include "cli/output_path.h"
+#include "cli/outputs.h"
 #include "cli/playback_run.h"
+#include "cli/result_names.h"
 #include "cli/row_forms.h"
 #include "cli/score_bytes.h"
 #include "cli/score_info.h"
@@ -32,7 +34,6 @@ namespace {
 using engine::Document;
 using engine::Problem;
 using engine::Result;
-using musicxml::Container;
 using musicxml::ScoreFile;
 
 std::string scoreName(const std::string& path) {
@@ -67,10 +68,6 @@ ExitCode showInfo(const Options& options) {
     return code;
 }
 
-Container containerFor(const std::string& path) {
-    return std::filesystem::path(path).extension() == ".mxl" ? Container::compressed : Container::plain;
-}
-
 ExitCode fail(ExitCode code, const Problem& problem) {
     if (!problem.message.empty()) say(problem);
     return code;
@@ -87,8 +84,7 @@ void summarise(const Options& options, const TransformationOutcome& outcome, con
     if (outcome.notesChanged < outcome.notesSelected)
         notes = std::to_string(outcome.notesChanged) + " of " + notes;
     say((options.transformation.isTransposition() ? "transposed " : "changed ") + notes + " in " +
-        selection.description + " -> " +
-        (options.output == kStandardStream ? "standard output" : options.output));
+        selection.description + " -> " + outputName(options.output));
 }
 
 // Everything that a score needs around it while it is worked on; found before any work begins.
@@ -111,7 +107,7 @@ RunOptions runOptions(const Options& options, const Installation& installation) 
 // The code tells what is missing, after a message.
 ExitCode prepare(const Options& options, const Installation& installation, Surroundings& around) {
     if (!options.output.empty()) {
-        const Result<engine::Done> target = checkTarget(options.output);
+        const Result<OutputPath> target = findOutput(options.output);
         if (!target) return fail(ExitCode::badOutput, target.problem());
     }
     around.run = runOptions(options, installation);
@@ -144,16 +140,18 @@ ExitCode finishScore(const Options& options, const ScoreFile& score, const Docum
         written = std::move(*result);
         notices.insert(notices.end(), written->notices().begin(), written->notices().end());
     }
-    if (around.playback) {
-        const Result<engine::Done> stored =
-            around.playback->write(document, score.performance(), *outcome.playback, selection);
-        if (!stored) return fail(ExitCode::badOutput, stored.problem());
-    }
+    std::vector<Output> outputs;
     if (written) {
-        const Result<engine::Done> stored = writeScoreBytes(
-            options.output, [&](const musicxml::ByteSink& sink) { return written->writeTo(sink); });
-        if (!stored) return fail(ExitCode::badOutput, stored.problem());
+        outputs.push_back({options.output, [&](const auto& sink) { return written->writeTo(sink); }});
     }
+    if (around.playback) {
+        const Result<engine::Done> made =
+            around.playback->make(document, score.performance(), *outcome.playback, selection);
+        if (!made) return fail(ExitCode::badOutput, made.problem());
+        if (std::optional<Output> output = around.playback->output()) outputs.push_back(std::move(*output));
+    }
+    const Result<engine::Done> stored = writeOutputs(outputs);
+    if (!stored) return fail(ExitCode::badOutput, stored.problem());
     for (const std::string& notice : notices) say(notice);
     if (!options.quiet && written) summarise(options, outcome, selection);
     return around.playback ? around.playback->play(options.quiet) : ExitCode::ok;
@@ -195,17 +193,16 @@ ExitCode workOnScore(const Options& options, const Installation& installation) {
 ExitCode makeRowForms(const Options& options, const Installation& installation) {
     const Result<Row> row = parseRow(options.row);
     if (!row) return fail(ExitCode::usage, row.problem());
-    const Result<engine::Done> target = checkTarget(options.output);
+    const Result<OutputPath> target = findOutput(options.output);
     if (!target) return fail(ExitCode::badOutput, target.problem());
     const RowForms forms =
         rowForms(row.value(), containerFor(options.output), runOptions(options, installation));
     if (forms.code != ExitCode::ok) return fail(forms.code, forms.problem);
     const Result<engine::Done> stored =
-        writeScoreBytes(options.output, [&](const musicxml::ByteSink& sink) { return sink(forms.bytes); });
+        writeOutputs({{options.output, [&](const auto& sink) { return sink(forms.bytes); }}});
     if (!stored) return fail(ExitCode::badOutput, stored.problem());
     if (!options.quiet) {
-        say("wrote " + counted(forms.count, "form") + " of the row -> " +
-            (options.output == kStandardStream ? "standard output" : options.output));
+        say("wrote " + counted(forms.count, "form") + " of the row -> " + outputName(options.output));
     }
     return ExitCode::ok;
 }

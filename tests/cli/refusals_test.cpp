@@ -43,6 +43,9 @@ TEST_F(Refusals, OfCommandLinesThatAreWrong) {
         {"rovescio greensleeves.musicxml --info -o new.xml", 2, "--info"},
         {"rovescio greensleeves.musicxml --unknown", 2, "--unknown"},
         {"rovescio - -t M2 --out-dir .", 2, "standard input"},
+        {"rovescio greensleeves.musicxml -t M2 -o new.MID", 2, "Use --midi new.MID"},
+        {"rovescio greensleeves.musicxml -t M2 -o new.pdf", 2, "open it in a notation program"},
+        {"rovescio greensleeves.musicxml -t M2 -o new.mscz", 2, "ends in .musicxml, .xml or .mxl"},
     };
     for (const auto& [line, code, message] : cases) expectRefused(line, code, message);
 }
