@@ -234,9 +234,7 @@ TransformationOutcome transform(Document& document, const Selection& selection,
     if (!engineBundle) return failed(ExitCode::installation, engineBundle.problem());
     engine::Result<engine::PluginBundle> plugin = engine::PluginBundle::load(options.pluginBundle);
     if (!plugin) return failed(ExitCode::installation, plugin.problem());
-    const engine::Result<std::string> descriptions = plugin->dialogDescriptions();
-    if (!descriptions) return failed(ExitCode::installation, descriptions.problem());
-    const auto resources = dialogs::DialogResources::parse(descriptions.value(), options.pluginBundle);
+    const auto resources = dialogs::DialogResources::load(options.pluginBundle);
     if (!resources) return failed(ExitCode::installation, resources.problem());
 
     engine::Session* openSession = nullptr;

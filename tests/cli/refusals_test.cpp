@@ -124,12 +124,24 @@ TEST_F(Refusals, OfDamagedInstallations) {
     expectRefused(line, 5, "lacks the entry point ScorixExtensionInvoke");
     write(plugin, "no program");
     expectRefused(line, 5, "Rovescio.bundle");
+    // However little of it is there, a cut file is refused and does not end the program.
+    for (const std::size_t part : {8, 4, 2}) {
+        write(plugin, pluginBytes.substr(0, pluginBytes.size() / part));
+        expectRefused(line, 5, "the plug-in's executable is missing, incomplete");
+        EXPECT_NE(run("home/rovescio validate home/Rovescio.bundle").out.find("failed  code loads"),
+                  std::string::npos);
+    }
     write(plugin, pluginBytes);
     write(engine, without(engineBytes, "SX_LoadTGF"));
     expectRefused(line, 5, "lacks the host function SX_LoadTGF");
     write(engine, engineBytes);
-    write("home/Rovescio.bundle/Contents/Resources/Dialogs.json", "{}");
+    const std::string descriptions = "home/Rovescio.bundle/Contents/Resources/Dialogs.json";
+    write(descriptions, "{}");
     expectRefused(line, 5, "dialog descriptions");
+    for (const char* make : {"mkfifo", "ln -s /dev/zero", "mkdir"}) {
+        ASSERT_EQ(run("rm " + descriptions + "; " + make + " " + descriptions).code, 0);
+        expectRefused(line, 5, descriptions + ": dialog descriptions: not an ordinary file");
+    }
     fs::remove_all(path("home/Rovescio.bundle"));
     expectRefused(line, 5, "there is no plug-in bundle here");
     expectRefused("rovescio greensleeves.musicxml -t M2 -o new.xml --plugin home", 5, "home");
