@@ -2,7 +2,6 @@
 // validate.
 #include "cli/program.h"
 
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -58,12 +57,7 @@ ExitCode showInfo(const Options& options) {
             code = ExitCode::badInput;
             continue;
         }
-        std::cout << scoreInfo(scoreName(path), document);
-    }
-    std::cout.flush();
-    if (!std::cout) {
-        say("standard output cannot be written");
-        return ExitCode::badOutput;
+        if (!show(scoreInfo(scoreName(path), document))) return ExitCode::badOutput;
     }
     return code;
 }
@@ -159,17 +153,12 @@ ExitCode finishScore(const Options& options, const ScoreFile& score, const Docum
 
 // Tells what the check found; the exit status says whether that was anything.
 ExitCode showCheck(const TransformationOutcome& outcome, const Selection& selection) {
-    std::cout << selection.description << ": "
-              << (!outcome.findings.empty()   ? outcome.findings
-                  : outcome.obstacles.empty() ? "nothing stands in the way of a retrograde"
-                                              : "some durations are wrong")
-              << '\n';
-    for (const std::string& line : outcome.obstacles) std::cout << line << '\n';
-    std::cout.flush();
-    if (!std::cout) {
-        say("standard output cannot be written");
-        return ExitCode::badOutput;
-    }
+    const std::string result = !outcome.findings.empty()   ? outcome.findings
+                               : outcome.obstacles.empty() ? "nothing stands in the way of a retrograde"
+                                                           : "some durations are wrong";
+    std::vector<std::string> lines = {selection.description + ": " + result};
+    lines.insert(lines.end(), outcome.obstacles.begin(), outcome.obstacles.end());
+    if (!show(lines)) return ExitCode::badOutput;
     return outcome.findings.empty() && outcome.obstacles.empty() ? ExitCode::ok : ExitCode::refused;
 }
 

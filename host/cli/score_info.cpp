@@ -52,21 +52,19 @@ std::string keyName(const engine::KeySignature& key) {
     return name + (minor ? " minor" : " major");
 }
 
-std::string scoreInfo(const std::string& name, const Document& document) {
+std::vector<std::string> scoreInfo(const std::string& name, const Document& document) {
     const auto measures = static_cast<std::size_t>(document.measureCount());
-    std::string text = name + "\n  " + counted(measures, "measure");
+    std::vector<std::string> lines = {name, "  " + counted(measures, "measure")};
     if (measures > 0) {
-        text += ", numbered " + document.measure(1).label + " to " +
-                document.measure(document.measureCount()).label;
+        lines.back() += ", numbered " + document.measure(1).label + " to " +
+                        document.measure(document.measureCount()).label;
     }
-    text += "\n";
     for (short staff = 1; staff <= document.staffCount(); ++staff) {
-        text += "  staff " + std::to_string(staff);
-        if (!document.staff(staff).name.empty()) text += "  " + document.staff(staff).name;
-        if (measures > 0) text += "  layers " + layersUsed(document, staff) + "  " + keysOf(document, staff);
-        text += "\n";
+        std::string& line = lines.emplace_back("  staff " + std::to_string(staff));
+        if (!document.staff(staff).name.empty()) line += "  " + document.staff(staff).name;
+        if (measures > 0) line += "  layers " + layersUsed(document, staff) + "  " + keysOf(document, staff);
     }
-    return text;
+    return lines;
 }
 
 }  // namespace rovescio::cli

@@ -286,6 +286,7 @@ TransformationOutcome transform(Document& document, const Selection& selection,
     plugin->stop();
     engine::traceCalls(nullptr);
     bar.clear();
+    for (const std::string& alert : userInterface.alerts()) say(alert);
     TransformationOutcome outcome = judge(
         userInterface,
         transformation.retrograde ? turned
