@@ -48,7 +48,7 @@ class Batch {
     }
 
     ExitCode run() {
-        const DeferredCancel deferred;
+        const DeferredCancel deferred(DeferredCancel::End::handOver);
         while (!DeferredCancel::requested() && (next_ < items_.size() || !running_.empty())) {
             while (next_ < items_.size() && running_.size() < slots_) startNext();
             waitForMessages();

@@ -1,6 +1,8 @@
 // Signal handling. The handler uses only what is safe inside one: flags, unlink, write and _exit.
 #include "cli/cancel.h"
 
+#include <poll.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <array>
@@ -8,8 +10,6 @@
 #include <csignal>
 #include <cstring>
 #include <string_view>
-
-#include "cli/exit_code.h"
 
 namespace rovescio::cli {
 
@@ -46,15 +46,9 @@ std::string_view lastWords() {
 }
 
 [[noreturn]] void end() {
-    for (const DoomedFile& file : doomedFiles) {
-        if (file.isSet != 0) unlink(file.path.data());
-    }
     // All is done but the telling of it.
-    if (written == kAll && deferred == 0) _exit(static_cast<int>(ExitCode::ok));
-    const std::string_view text = lastWords();
-    // Nothing can be done about a standard error that takes no text.
-    [[maybe_unused]] const ssize_t count = write(STDERR_FILENO, text.data(), text.size());
-    _exit(static_cast<int>(ExitCode::cancelled));
+    if (written == kAll && deferred == 0) endProgram({}, ExitCode::ok);
+    endProgram(lastWords(), ExitCode::cancelled);
 }
 
 void onSignal(int) {
@@ -63,7 +57,36 @@ void onSignal(int) {
     wasRequested = 1;
 }
 
+// How often work that is to be rolled back is looked after, and how often a cancel may be found unanswered.
+constexpr suseconds_t kLookMicroseconds = 40'000;
+constexpr std::sig_atomic_t kPatience = 1;
+volatile std::sig_atomic_t looks = 0;
+
+void onLook(int) {
+    if (wasRequested == 0) return;
+    looks = looks + 1;
+    if (looks > kPatience) end();
+}
+
+void lookRegularly(bool on) {
+    const timeval pause{.tv_sec = 0, .tv_usec = on ? kLookMicroseconds : 0};
+    const itimerval timer{.it_interval = pause, .it_value = pause};
+    setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
 }  // namespace
+
+void endProgram(std::string_view text, ExitCode code) {
+    for (const DoomedFile& file : doomedFiles) {
+        if (file.isSet != 0) unlink(file.path.data());
+    }
+    // A pipe that is full and that nobody reads would keep the program from its end.
+    pollfd standardError{.fd = STDERR_FILENO, .events = POLLOUT, .revents = 0};
+    if (!text.empty() && poll(&standardError, 1, 0) > 0) {
+        [[maybe_unused]] const ssize_t count = write(STDERR_FILENO, text.data(), text.size());
+    }
+    _exit(static_cast<int>(code));
+}
 
 void watchSignals() {
     struct sigaction action {};
@@ -83,16 +106,22 @@ void watchSignals() {
     for (const int signal : kCancelSignals) {
         if (sigismember(&watched, signal) == 1) sigaction(signal, &action, nullptr);
     }
+    action.sa_handler = onLook;
+    sigaction(SIGALRM, &action, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
-DeferredCancel::DeferredCancel() {
+DeferredCancel::DeferredCancel(End end) : end_(end) {
     deferred = 1;
+    if (end_ == End::rollBack) lookRegularly(true);
 }
 
 DeferredCancel::~DeferredCancel() {
     deferred = 0;
+    if (end_ != End::rollBack) return;
+    lookRegularly(false);
+    if (wasRequested != 0) end();
 }
 
 bool DeferredCancel::requested() {

@@ -5,6 +5,9 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
+
+#include "cli/exit_code.h"
 
 namespace rovescio::cli {
 
@@ -12,16 +15,28 @@ namespace rovescio::cli {
 // grows beyond its limit makes writing fail instead of ending the program.
 void watchSignals();
 
+// Ends the program from wherever it is, with a message; files on their way are removed. Safe in a signal's
+// handler and where no memory is left.
+[[noreturn]] void endProgram(std::string_view text, ExitCode code);
+
 // While an object of this class lives, a first signal is only remembered, so that the work at hand can be
-// rolled back; a second one ends the program at once.
+// brought to an end in order; a second one ends the program at once.
 class DeferredCancel {
   public:
-    DeferredCancel();
+    // What the work at hand means by an end in order.
+    enum class End {
+        rollBack,  // in no time, else the program ends all the same; and at the latest with this object
+        handOver,  // whenever others have ended, which the work sees to
+    };
+    explicit DeferredCancel(End end);
     ~DeferredCancel();
     DeferredCancel(const DeferredCancel&) = delete;
     DeferredCancel& operator=(const DeferredCancel&) = delete;
 
     [[nodiscard]] static bool requested();
+
+  private:
+    End end_;
 };
 
 // While an object of this class lives, signals wait.

@@ -11,6 +11,7 @@
 #include "cli/batch.h"
 #include "cli/cancel.h"
 #include "cli/installation.h"
+#include "cli/memory.h"
 #include "cli/messages.h"
 #include "cli/options.h"
 #include "cli/output_path.h"
@@ -47,23 +48,26 @@ Result<ScoreFile> readScore(const std::string& path, std::size_t maximumBytes, D
     return ScoreFile::read(std::move(*bytes), scoreName(path), document, options);
 }
 
+ExitCode fail(ExitCode code, const Problem& problem) {
+    if (memoryIsShort()) {
+        say(memoryProblem());
+        return ExitCode::refused;
+    }
+    if (!problem.message.empty()) say(problem);
+    return code;
+}
+
 ExitCode showInfo(const Options& options) {
     ExitCode code = ExitCode::ok;
     for (const std::string& path : options.scores) {
         Document document;
         const Result<ScoreFile> score = readScore(path, options.maximumBytes, document);
         if (!score) {
-            say(score.problem());
-            code = ExitCode::badInput;
+            code = fail(ExitCode::badInput, score.problem());
             continue;
         }
         if (!show(scoreInfo(scoreName(path), document))) return ExitCode::badOutput;
     }
-    return code;
-}
-
-ExitCode fail(ExitCode code, const Problem& problem) {
-    if (!problem.message.empty()) say(problem);
     return code;
 }
 
@@ -139,6 +143,11 @@ ExitCode finishScore(const Options& options, const ScoreFile& score, const Docum
         outputs.push_back({options.output, [&](const auto& sink) { return written->writeTo(sink); }});
     }
     if (around.playback) {
+        // The library for MIDI files keeps each note as two events, and aborts where it cannot.
+        constexpr std::size_t kBytesOfNote = 512;
+        if (!hasMemoryFor(outcome.notesSelected * kBytesOfNote)) {
+            return fail(ExitCode::refused, memoryProblem());
+        }
         const Result<engine::Done> made =
             around.playback->make(document, score.performance(), *outcome.playback, selection);
         if (!made) return fail(ExitCode::badOutput, made.problem());
@@ -199,6 +208,7 @@ ExitCode makeRowForms(const Options& options, const Installation& installation) 
 }  // namespace
 
 int run(int argc, char** argv) {
+    watchMemory();
     watchSignals();
     const Installation installation = findInstallation(argv[0]);
     if (argc > 1 && std::string_view(argv[1]) == "validate") {

@@ -276,7 +276,7 @@ TransformationOutcome transform(Document& document, const Selection& selection,
     const int expectedRedraws = transforms ? regionsReached(document, selection, transformation) : 0;
     if (options.trace) engine::traceCalls(&std::cerr);
     for (const auto& [function, call] : options.faults) engine::planFault(function, call);
-    const DeferredCancel deferred;
+    const DeferredCancel deferred(DeferredCancel::End::rollBack);
     const engine::Result<engine::Done> started = plugin->start();
     if (!started) return failed(ExitCode::installation, started.problem());
     plugin->invoke(0, nullptr);

@@ -159,5 +159,29 @@ TEST_F(Refusals, OfRunsInWhichHostFunctionsFail) {
     for (const auto& [line, code, message] : cases) expectRefused(line, code, message);
 }
 
+#ifndef __SANITIZE_ADDRESS__  // which takes more address space than any limit leaves
+TEST_F(Refusals, OfScoresForWhichMemoryLacks) {
+    write("long.musicxml", longScore(8000));
+    ASSERT_EQ(run("rovescio long.musicxml -t M2 -q -o long.mxl").code, 0);
+    write("old.musicxml", "old");
+    int refused = 0;
+    for (const char* score : {"long.musicxml", "long.mxl"}) {
+        write("old.musicxml", "old");
+        // From where the program itself can be loaded to where the score fits.
+        for (int kibibytes = 70000; kibibytes < 140000; kibibytes += 7000) {
+            const ProgramRun run = this->run("ulimit -v " + std::to_string(kibibytes) + "; rovescio " +
+                                             score + " -t M2 -q -o old.musicxml");
+            if (run.code == 0) break;
+            ++refused;
+            EXPECT_EQ(run.code, 1) << kibibytes << run.err;
+            EXPECT_EQ(run.err.find("rovescio: not enough memory for this score."), 0U) << run.err;
+            EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+            EXPECT_EQ(read("old.musicxml"), "old");
+        }
+    }
+    EXPECT_GT(refused, 2);
+}
+#endif
+
 }  // namespace
 }  // namespace rovescio::test
