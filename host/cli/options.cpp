@@ -83,7 +83,8 @@ void define(CLI::App& app, Options& options, RawOptions& raw) {
 
     const char* where = "Where (default: everywhere)";
     app.add_option("-m,--measures", raw.measures,
-                   "By printed number: 7, 3-10, 3-; with beats 3:2-10:1.5; #5 is the fifth")
+                   "By printed number: 7, 3-10, 3- or several: 1-4,9-12; with "
+                   "beats 3:2-10:1.5; #5 is the fifth")
         ->type_name("RANGE")
         ->group(where);
     app.add_option("-s,--staves", raw.staves, "From the top: 1-2 or 1,3-4")->type_name("LIST")->group(where);
@@ -152,7 +153,7 @@ Result<engine::Done> understand(const RawOptions& raw, Options& options) {
     if (!transformation) return transformation.problem();
     options.transformation = transformation.value();
     if (!raw.measures.empty()) {
-        const Result<MeasureRange> measures = parseMeasures(raw.measures);
+        const Result<MeasureRanges> measures = parseMeasures(raw.measures);
         if (!measures) return measures.problem();
         options.selection.measures = measures.value();
     }
@@ -184,6 +185,10 @@ Result<engine::Done> checkPlayback(const Options& options) {
     if (!options.wantsPlayback()) return engine::Done{};
     if (options.scores.size() > 1 || !options.outputFolder.empty()) {
         return problemWith("--play and --midi are for one score", "Leave the other scores and --out-dir out");
+    }
+    if (options.selection.measures.size() > 1) {
+        return problemWith("--play and --midi take one range of measures",
+                           "Name one range, or play each from the result");
     }
     if (options.midiFile.empty()) return engine::Done{};
     if (!options.output.empty() && sameOutput(options.midiFile, options.output)) {
@@ -228,7 +233,7 @@ Result<engine::Done> checkMidiInput(const Options& options) {
 
 // Finds combinations that make no sense.
 Result<engine::Done> checkTogether(const Options& options) {
-    if (const Result<engine::Done> name = checkScoreName(options.output, options.scores); !name) return name;
+    if (Result<engine::Done> name = checkScoreName(options.output, options.scores); !name) return name;
     if (!options.row.empty()) return checkRowForms(options);
     const bool several = options.scores.size() > 1;
     const bool nothing = options.transformation.stepCount() == 0;

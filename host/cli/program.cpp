@@ -131,6 +131,7 @@ ExitCode finishScore(const Options& options, const ScoreFile& score, const Docum
                      const Selection& selection, const TransformationOutcome& outcome, Surroundings& around) {
     const std::string& path = options.scores.front();
     std::vector<std::string> notices = score.notices();
+    notices.insert(notices.end(), outcome.notices.begin(), outcome.notices.end());
     std::optional<musicxml::WrittenFile> written;
     if (!options.output.empty()) {
         Result<musicxml::WrittenFile> result = score.write(document, containerFor(options.output));

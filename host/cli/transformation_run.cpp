@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "cli/cancel.h"
+#include "cli/key_limits.h"
 #include "cli/messages.h"
 #include "cli/progress_bar.h"
 #include "cli/retrograde_check.h"
@@ -122,14 +123,6 @@ TransformationOutcome failed(ExitCode code, Problem problem) {
     return {.code = code, .problem = std::move(problem)};
 }
 
-// Whether a transformation does anything to notes in a key. Inversion around an axis knows major and minor
-// keys alone; every other step works everywhere.
-bool reaches(const dialogs::Transformation& transformation, const engine::KeySignature& key) {
-    const bool mirrorsAlone =
-        transformation.stepCount() == 1 && transformation.inversion && transformation.inversion->hasAxis();
-    return !mirrorsAlone || key.isStandard();
-}
-
 // How many of the selection's regions hold a note that the transformation works on. The plug-in has each of
 // these drawn anew, and a region without only if it likes.
 int regionsReached(const Document& document, const Selection& selection,
@@ -164,7 +157,7 @@ std::string findings(const dialogs::ScriptedUserInterface& userInterface, const 
 
 // What the user interface and the document say about a run that has ended.
 TransformationOutcome judge(const dialogs::ScriptedUserInterface& userInterface,
-                            const NotesBefore::Counts& counts, int expectedRedraws, bool transforms,
+                            const NotesBefore::Counts& counts, int expectedRedraws,
                             const std::optional<Problem>& refusal, bool turned) {
     if (userInterface.cancelled()) {
         return failed(ExitCode::cancelled, problemWith("cancelled, nothing was written", ""));
@@ -196,12 +189,6 @@ TransformationOutcome judge(const dialogs::ScriptedUserInterface& userInterface,
         return failed(ExitCode::refused,
                       problemWith("the plug-in changed music outside the selection, nothing was written",
                                   "Use a plug-in that fits this version"));
-    }
-    if (transforms && expectedRedraws == 0) {
-        return failed(ExitCode::refused,
-                      problemWith("nothing in the selection can be inverted, nothing was written",
-                                  "An inversion around an axis leaves staves without pitches and keys that "
-                                  "are neither major nor minor as they are"));
     }
     return {.problem = {}, .notesSelected = counts.selected, .notesChanged = counts.changed};
 }
@@ -274,6 +261,8 @@ TransformationOutcome transform(Document& document, const Selection& selection,
     NotesBefore::Counts turned = before.compare(document, selection, false);
     turned.changed = turned.selected;
     const int expectedRedraws = transforms ? regionsReached(document, selection, transformation) : 0;
+    if (transforms && expectedRedraws == 0) return failed(ExitCode::refused, nothingReached(transformation));
+    const std::vector<std::string> left = notesLeft(document, selection, transformation);
     if (options.trace) engine::traceCalls(&std::cerr);
     for (const auto& [function, call] : options.faults) engine::planFault(function, call);
     const DeferredCancel deferred(DeferredCancel::End::rollBack);
@@ -291,9 +280,10 @@ TransformationOutcome transform(Document& document, const Selection& selection,
         userInterface,
         transformation.retrograde ? turned
                                   : before.compare(document, selection, transformation.isTransposition()),
-        expectedRedraws, transforms, session.refusal,
+        expectedRedraws, session.refusal,
         !transforms || !transformation.retrograde ||
             session.rebars == static_cast<int>(selection.regions.size()));
+    if (outcome.code == ExitCode::ok && transforms) outcome.notices = left;
     if (outcome.code == ExitCode::ok && options.check) {
         outcome.findings = findings(userInterface, plugin->string(dialogs::kNoProblemsString));
         outcome.obstacles = std::move(obstacles);

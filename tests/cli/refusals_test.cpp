@@ -18,7 +18,7 @@ TEST_F(Refusals, OfCommandLinesThatAreWrong) {
         {"rovescio greensleeves.musicxml", 2, "nothing to do"},
         {"rovescio greensleeves.musicxml -t M2", 2, "Give it with -o"},
         {"rovescio greensleeves.musicxml -t 'up minr third' -o new.xml", 2,
-         "the nearest is \"up minor third\""},
+         "perhaps you mean \"up minor third\""},
         {"rovescio greensleeves.musicxml -t M2 --steps 1 -o new.xml", 2, "excludes"},
         {"rovescio greensleeves.musicxml --semitones 3000 -o new.xml", 2, "--semitones"},
         {"rovescio greensleeves.musicxml --invert sideways --axis E4 -o new.xml", 2, "sideways"},

@@ -7,6 +7,8 @@
 namespace rovescio::test {
 namespace {
 
+namespace fs = std::filesystem;
+
 class Transposing : public Workplace {};
 
 TEST_F(Transposing, EveryWayToNameAnInterval) {
@@ -69,6 +71,34 @@ TEST_F(Transposing, StavesThatAreNotNeighboursInOneRun) {
     write("three.musicxml", scoreOfParts({measure, measure, {""}}));
     EXPECT_EQ(this->run("rovescio three.musicxml --transpose P-8 --staves 1,3 -o new.musicxml").err,
               "rovescio: transposed 1 note in all measures, staves 1,3 -> new.musicxml\n");
+}
+
+TEST_F(Transposing, TellsWhatStaysInKeysThatAreNoScales) {
+    const std::string key =
+        "<key><key-step>F</key-step><key-alter>1</key-alter><key-step>B</key-step><key-alter>-1"
+        "</key-alter></key>";
+    const std::string off = "<attributes>" + key + "</attributes>";
+    const std::string scale = "<attributes><key><fifths>0</fifths></key></attributes>";
+    write("score.musicxml", scoreOf({note("c5:w"), off + note("c5:w"), note("c5:w"), scale + note("c5:w")}));
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"-t M2", "transposed", "| D5 | C5 | C5 | D5"},
+        {"--semitones 2", "transposed", "| D5 | C5 | C5 | D5"},
+        {"--octaves -1 --notes always", "transposed", "| C4 | C5 | C5 | C4"},
+        {"--invert diatonic --axis B4", "inverted", "| A4 | C5 | C5 | A4"},
+        {"--steps 1", nullptr, "| D5 | D5 | D5 | D5"},
+    };
+    for (const auto& [options, what, notes] : cases) {
+        const ProgramRun run = this->run(std::string("rovescio score.musicxml -o new.musicxml ") + options);
+        EXPECT_EQ(run.code, 0) << options;
+        EXPECT_EQ(pitches(read("new.musicxml")), notes) << options;
+        const std::string told = "staff 1, measures 2-3: the notes were not " + std::string(what ? what : "");
+        EXPECT_EQ(run.err.find(told) != std::string::npos, what != nullptr) << run.err;
+    }
+    fs::remove(path("new.musicxml"));
+    expectRefused("rovescio score.musicxml -m 2-3 -t M2 -o new.musicxml", 1,
+                  "nothing in the selection can be transposed, nothing was written");
+    expectRefused("rovescio score.musicxml -m 2-3 -t M2 --invert diatonic --axis C5 -o new.musicxml", 1,
+                  "nothing in the selection can be transposed or inverted");
 }
 
 TEST_F(Transposing, AsAFilterBetweenStandardStreams) {
