@@ -10,6 +10,7 @@
 
 #include "cli/batch.h"
 #include "cli/cancel.h"
+#include "cli/foreign_formats.h"
 #include "cli/installation.h"
 #include "cli/memory.h"
 #include "cli/messages.h"
@@ -45,7 +46,11 @@ Result<ScoreFile> readScore(const std::string& path, std::size_t maximumBytes, D
     if (!bytes) return bytes.problem();
     musicxml::ReadOptions options;
     options.maxBytes = maximumBytes;
-    return ScoreFile::read(std::move(*bytes), scoreName(path), document, options);
+    const std::string sample = formatSample(*bytes);
+    Result<ScoreFile> score = ScoreFile::read(std::move(*bytes), scoreName(path), document, options);
+    if (score) return score;
+    const std::optional<Problem> foreign = foreignFormat(sample, scoreName(path));
+    return foreign ? Result<ScoreFile>(*foreign) : Result<ScoreFile>(score.problem());
 }
 
 ExitCode fail(ExitCode code, const Problem& problem) {

@@ -79,6 +79,25 @@ TEST_F(Refusals, OfFilesThatAreNoScores) {
     for (const auto& [line, code, message] : cases) expectRefused(line, code, message);
 }
 
+TEST_F(Refusals, OfFilesOfOtherKindsNamesTheKindAndTheWay) {
+    const std::tuple<const char*, std::string, const char*> cases[] = {
+        {"a.pdf", "%PDF-1.4\n", "this is a PDF file, not MusicXML"},
+        {"mis.musicxml", std::string("MThd\0\0\0\6", 8), "this is a MIDI file, not MusicXML"},
+        {"a.txt", "\nX: 1\nT: Tune\nK: C\nCDEF|\n", "this is an ABC tune"},
+        {"a.abc", "% comes first\nX:1\n", "this is an ABC tune, not MusicXML. Convert it with abc2xml"},
+        {"a.LY", "% Bach\n\\version \"2.24\"\n{ c }\n", "this is a LilyPond source"},
+        {"a.mscx", "<?xml version=\"1.0\"?><museScore/>", "Open it in MuseScore and choose File > Export"},
+        {"b.mxl", "PK\x03\x04..........................score.mscx", "this is a MuseScore file"},
+        {"a.sib", "junk", "Open it in the program that wrote it"},
+        {"a.musx", "PK\x03\x04", "Open it in the program that wrote it"},
+        {"a.musicxml", "junk", "this is not an XML file"},
+    };
+    for (const auto& [name, content, message] : cases) {
+        write(name, content);
+        expectRefused("rovescio " + std::string(name) + " -t M2 -o new.musicxml", 3, message);
+    }
+}
+
 TEST_F(Refusals, OfPlacesThatCannotBeWritten) {
     fs::create_directory(path("folder"));
     write("long.musicxml", longScore(500));
