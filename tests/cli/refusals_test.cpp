@@ -158,7 +158,7 @@ TEST_F(Refusals, OfDamagedInstallations) {
     write(descriptions, "{}");
     expectRefused(line, 5, "dialog descriptions");
     for (const char* make : {"mkfifo", "ln -s /dev/zero", "mkdir"}) {
-        ASSERT_EQ(run("rm " + descriptions + "; " + make + " " + descriptions).code, 0);
+        ASSERT_EQ(run(std::string("d=") + descriptions + "; rm $d; " + make + " $d").code, 0);
         expectRefused(line, 5, descriptions + ": dialog descriptions: not an ordinary file");
     }
     fs::remove_all(path("home/Rovescio.bundle"));
