@@ -113,9 +113,14 @@ struct FoundRange {
     EREGION region;
 };
 
-bool startsBefore(const EREGION& left, const EREGION& right) {
-    return std::pair(left.start.measure, left.start.position) <
-           std::pair(right.start.measure, right.start.position);
+// A place in the order of the score. By value: the fields of packed records have no addresses.
+std::pair<int, int> placeOf(int measure, int position) {
+    return {measure, position};
+}
+
+bool startsBefore(const FoundRange& left, const FoundRange& right) {
+    return placeOf(left.region.start.measure, left.region.start.position) <
+           placeOf(right.region.start.measure, right.region.start.position);
 }
 
 // All ranges in the order of the score; the whole score when none was asked for.
@@ -127,11 +132,11 @@ Result<std::vector<FoundRange>> findRanges(const Document& document, const Measu
         if (!region) return region.problem();
         ranges.push_back({request, region.value()});
     }
-    std::ranges::sort(ranges, startsBefore, &FoundRange::region);
+    std::ranges::sort(ranges, startsBefore);
     for (std::size_t i = 1; i < ranges.size(); ++i) {
         const auto& end = ranges[i - 1].region.end;
         const auto& start = ranges[i].region.start;
-        if (std::pair(start.measure, start.position) > std::pair(end.measure, end.position)) continue;
+        if (placeOf(start.measure, start.position) > placeOf(end.measure, end.position)) continue;
         return problemWith("two of the ranges of measures overlap",
                            "Name each measure once; what comes twice would be changed twice");
     }
