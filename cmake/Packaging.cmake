@@ -1,16 +1,17 @@
 # Installation and the Debian package: bundles and program side by side in one folder, a link in bin.
 set(home lib/rovescio)
 set(engine_bundle ${CMAKE_BINARY_DIR}/NotationEngine.bundle)
-set(plugin_bundle ${CMAKE_BINARY_DIR}/Rovescio.bundle)
 
 install(TARGETS rovescio RUNTIME DESTINATION ${home})
 install(TARGETS rovescio_engine LIBRARY DESTINATION ${home}/NotationEngine.bundle/Contents/MacOS)
+install(TARGETS load_code RUNTIME DESTINATION ${home}/NotationEngine.bundle/Contents/Helpers)
 install(FILES ${engine_bundle}/Contents/Info.plist DESTINATION ${home}/NotationEngine.bundle/Contents)
 install(TARGETS rovescio_plugin LIBRARY DESTINATION ${home}/Rovescio.bundle/Contents/MacOS)
-install(FILES ${plugin_bundle}/Contents/Info.plist DESTINATION ${home}/Rovescio.bundle/Contents)
-install(DIRECTORY ${plugin_bundle}/Contents/Resources DESTINATION ${home}/Rovescio.bundle/Contents)
+install(FILES ${PLUGIN_BUNDLE}/Contents/Info.plist DESTINATION ${home}/Rovescio.bundle/Contents)
+install(DIRECTORY ${PLUGIN_BUNDLE}/Contents/Resources DESTINATION ${home}/Rovescio.bundle/Contents)
 if(NOT APPLE)
-  install(TARGETS rovescio_platform LIBRARY DESTINATION ${home})
+  install(TARGETS rovescio_platform
+    LIBRARY DESTINATION ${home}/Rovescio.bundle/Contents/Frameworks NAMELINK_SKIP)
 endif()
 install(CODE "
   file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/bin\")
@@ -39,5 +40,5 @@ set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Compositional transformations for notated 
  notation programs and a strict host that runs it from the command line.")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-  ${CMAKE_BINARY_DIR} ${engine_bundle}/Contents/MacOS ${plugin_bundle}/Contents/MacOS)
+  ${CMAKE_BINARY_DIR} ${engine_bundle}/Contents/MacOS ${PLUGIN_BUNDLE}/Contents/MacOS)
 include(CPack)

@@ -100,8 +100,7 @@ TEST_F(Refusals, OfPlacesThatCannotBeWritten) {
 
 TEST_F(Refusals, OfDamagedInstallations) {
     fs::create_directory(path("home"));
-    for (const char* part :
-         {"rovescio", "libRovescioPlatform.so", "NotationEngine.bundle", "Rovescio.bundle"}) {
+    for (const char* part : {"rovescio", "NotationEngine.bundle", "Rovescio.bundle"}) {
         fs::copy(fs::path(PROGRAM_FOLDER) / part, path("home") / part, fs::copy_options::recursive);
     }
     const std::string plugin = "home/Rovescio.bundle/Contents/MacOS/Rovescio";
@@ -127,8 +126,10 @@ TEST_F(Refusals, OfDamagedInstallations) {
     write(engine, engineBytes);
     write("home/Rovescio.bundle/Contents/Resources/Dialogs.json", "{}");
     expectRefused(line, 5, "dialog descriptions");
-    fs::remove_all(path("home/Rovescio.bundle"));
-    expectRefused(line, 5, "there is no plug-in bundle here");
+    fs::remove_all(path("home/Rovescio.bundle/Contents/MacOS"));
+    expectRefused(line, 5, "no executable that can be loaded");
+    expectRefused("rovescio greensleeves.musicxml -t M2 -o new.xml --plugin none", 5,
+                  "none: there is no plug-in bundle here");
     expectRefused("rovescio greensleeves.musicxml -t M2 -o new.xml --plugin home", 5, "home");
 }
 

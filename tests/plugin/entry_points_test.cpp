@@ -130,6 +130,22 @@ TEST_F(ScratchBundle, IsTheInnermostWithAnExecutableKey) {
     EXPECT_EQ(textsIn(code), std::string(127, 'x') + "\n20129,1\n20129,2\n") << "cut and terminated";
 }
 
+TEST_F(ScratchBundle, SharesTheLibraryThatItCarriesWithAHostThatHasIt) {
+    fs::copy(ROVESCIO_BUNDLE, root_, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    const std::string files = runInChild("C.UTF-8", [&] {
+        const Extension extension(root_ / "Contents/MacOS/Rovescio");
+        std::ifstream maps("/proc/self/maps");
+        std::set<std::string> paths;
+        for (std::string line; std::getline(maps, line);) {
+            if (line.find("RovescioPlatform") != std::string::npos) paths.insert(line.substr(line.find('/')));
+        }
+        std::string text;
+        for (const std::string& path : paths) text += path;
+        return text;
+    });
+    EXPECT_EQ(files, ROVESCIO_BUNDLE "/Contents/Frameworks/libRovescioPlatform.so.1");
+}
+
 TEST(ExportTable, HoldsTheEntryPointsAndTheTwoGlobalsOnly) {
     std::FILE* listing =
         popen((NM_PROGRAM " -D --defined-only --format=posix " + kBuiltCode.string()).c_str(), "r");

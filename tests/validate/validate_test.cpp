@@ -121,6 +121,8 @@ TEST(Validator, FindsDamageInTheBundle) {
         {"information dictionary|failed|it gives no CFBundleIdentifier",
          [&] { replace("Info.plist", "CFBundleIdentifier", "Nothing"); }},
         {"code loads|failed|", [&] { fs::resize_file(copy / "Contents/MacOS/Rovescio", 100); }},
+        {"code of a copy loads alone|failed|libRovescioPlatform.so.1: cannot open",
+         [&] { fs::remove_all(copy / "Contents/Frameworks"); }},
         {"entry points under both names|failed|not exported: Ext_init",
          [&] { replace("MacOS/Rovescio", "Ext_init", "Ext_none"); }},
         {"exported globals|failed|not exported: QorVersion",
