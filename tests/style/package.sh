@@ -15,7 +15,7 @@ for path in usr/bin/rovescio usr/lib/rovescio/rovescio \
     usr/lib/rovescio/Rovescio.bundle/Contents/Info.plist \
     usr/lib/rovescio/Rovescio.bundle/Contents/Frameworks/libRovescioPlatform.so.1 \
     usr/lib/rovescio/Rovescio.bundle/Contents/Resources/en.lproj/Localizable.strings \
-    usr/share/man/man1/rovescio.1.gz usr/share/doc/rovescio/copyright; do
+    usr/share/man/man1/rovescio.1.gz usr/share/doc/rovescio/copyright usr/share/doc/rovescio/changelog.gz; do
     [[ -e root/$path ]] || { echo "$path is not in the package"; exit 1; }
 done
 depends=$(dpkg-deb --field rovescio_*.deb Depends)
@@ -27,7 +27,7 @@ if grep -rlF "$build_dir" root; then
     echo "These files name the build tree."
     exit 1
 fi
-bash "$here/binaries.sh" root
+bash "$here/binaries.sh" root/usr/lib/rovescio
 root/usr/bin/rovescio validate root/usr/lib/rovescio/Rovescio.bundle > report || { cat report; exit 1; }
 root/usr/bin/rovescio "$source_dir/examples/greensleeves.musicxml" --transpose "up minor third" \
     --output new.mxl --quiet
