@@ -53,9 +53,12 @@ inclusions() {
 
 # Compiled sources that differ from where this branch left the main one, or from the last commit.
 changed() {
-    local base
-    base=$(git merge-base HEAD '@{upstream}' 2> /dev/null || git merge-base HEAD origin/HEAD 2> /dev/null)
-    [[ -n $base && $base != $(git rev-parse HEAD) ]] || base=HEAD~
+    local main base=HEAD~
+    for main in origin/HEAD origin/main main; do
+        git rev-parse --quiet --verify "$main" > /dev/null || continue
+        base=$(git merge-base HEAD "$main") && [[ $base != $(git rev-parse HEAD) ]] && break
+        base=HEAD~
+    done
     { git diff --name-only "$base"; git ls-files --others --exclude-standard; } 2> /dev/null |
         sed "s|^|$source_dir/|"
 }
