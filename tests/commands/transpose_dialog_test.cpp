@@ -85,20 +85,22 @@ TEST_F(TransposeDialogTest, OtherIntervalsAreAskedFor) {
     EXPECT_EQ(accept(3, 6, 27), (std::vector<int>{9, -3, 0})) << "cancelled: as they were";
 }
 
-TEST_F(TransposeDialogTest, CancelKeepsWhatThePopupsWroteButNotTheResults) {
-    accept(3, 6, 8, kDown, 1);
-    work([](MemoryDialog& dialog) {
-        dialog.choose(7, kUp);
-        dialog.choose(6, 15);
-        dialog.set(9, 3);
-        dialog.press(2);
-    });
-    EXPECT_EQ(settings.chromaticItem, 15);
-    EXPECT_EQ(settings.chromaticSteps, 4);
-    EXPECT_EQ(settings.direction, kUp);
-    EXPECT_EQ(settings.steps, -2);
-    EXPECT_EQ(settings.alteration, 1);
-    EXPECT_EQ(settings.octaves, -1);
+TEST_F(TransposeDialogTest, WithoutOkKeepsWhatThePopupsWroteButNotTheResults) {
+    for (const bool cancels : {true, false}) {
+        const std::vector<int> results{-2, 1, -1};
+        EXPECT_EQ(accept(3, 6, 8, kDown, 1), results);
+        const auto results2 = work([=](MemoryDialog& dialog) {
+            EXPECT_EQ(dialog.values[9], 1);
+            dialog.choose(7, kUp);
+            dialog.choose(6, 15);
+            dialog.set(9, 3);
+            // Else it is closed from outside.
+            if (cancels) dialog.press(2);
+        });
+        EXPECT_EQ(results2, results);
+        EXPECT_EQ((std::vector<int>{settings.chromaticItem, settings.chromaticSteps, settings.direction}),
+                  (std::vector<int>{15, 4, kUp}));
+    }
 }
 
 }  // namespace
