@@ -1,6 +1,7 @@
 // The host functions behind every alert and dialog handler, served by the test program itself.
 #pragma once
 
+#include <new>
 #include <string>
 #include <vector>
 
@@ -18,11 +19,13 @@ struct Alert {
 
 inline std::vector<Alert> alerts;
 inline short machOAnswer = 1;
+inline bool alertThrows = false;
 
 #define HOST_DOUBLE extern "C" __attribute__((visibility("default"), used)) inline
 
 HOST_DOUBLE short SX_AlertMessage(SXWindow parent, std::uint16_t style, std::uint32_t stringId,
                                   const char* text, std::uint32_t version) {
+    if (alertThrows) throw std::bad_alloc();
     alerts.push_back({parent, style, stringId, text, version});
     return 0;
 }
