@@ -22,6 +22,8 @@ class DataRecords : public testing::Test {
         InitializeGlobals();
         recordHost = {};
         QorVersion = kKitVersion;
+        ot_smartshape = kSmartShapeTag;
+        sizeofsmartshape = sizeof(EDTOldSmartShape);
     }
     // The tag "ot" and two more characters.
     static std::uint32_t ot(const std::string& letters) { return tagOf("ot" + letters); }
@@ -32,23 +34,136 @@ class DataRecords : public testing::Test {
     }
 };
 
+// Adds two records, loads, saves, steps to and deletes the second, and tells the keys that the host saw.
+#define EXPECT_FAMILY(name, tag, last, WITH_RECORD, KEY, expected, ...)                                \
+    recordHost = {};                                                                                   \
+    EXPECT_TRUE(sx_add##name(WITH_RECORD(__VA_ARGS__)) && sx_add##name(WITH_RECORD(__VA_ARGS__)) &&    \
+                sx_load##name(WITH_RECORD(__VA_ARGS__)) && sx_save##name(WITH_RECORD(__VA_ARGS__)));   \
+    --last;                                                                                            \
+    EXPECT_TRUE(sx_next##name(WITH_RECORD(__VA_ARGS__)) && !sx_next##name(WITH_RECORD(__VA_ARGS__)) && \
+                sx_delete##name(KEY(__VA_ARGS__)) && !sx_load##name(WITH_RECORD(__VA_ARGS__)) &&       \
+                !sx_delete##name(KEY(__VA_ARGS__)));                                                   \
+    EXPECT_EQ(keysOfCalls(tag), expected) << #name;
+#define TYPED_WITH_RECORD(...) __VA_ARGS__, &record
+#define TYPED_KEY(...) __VA_ARGS__
+#define PLAIN_WITH_RECORD(...) kTag, __VA_ARGS__, &record, sizeof record
+#define PLAIN_KEY(...) kTag, __VA_ARGS__
+
+// The keys of all calls, which must be of the tag.
+std::string keysOfCalls(std::uint32_t tag) {
+    char head[12];
+    std::snprintf(head, sizeof head, " %08x ", tag);
+    std::string text;
+    for (const std::string& call : recordHost.calls) {
+        const std::size_t place = call.find(head);
+        EXPECT_NE(place, std::string::npos) << call;
+        text += call.substr(0, 2) + call.substr(place + 9);
+    }
+    return text;
+}
+
+const std::string kNumberedCalls =
+    "cr 65535.0sa 1.0cr 65535.0sa 2.0lo 2.0sa 2.0ne 1.0ne 2.0de 2.0lo 2.0de 2.0";
+const std::string kOtherCalls =
+    "cr 65534.65535sa 65534.0cr 65534.65535sa 65534.1lo 65534.1sa 65534.1ne 65534.0ne 65534.1de 65534.1lo "
+    "65534.1de 65534.1";
+const std::string kPairCalls =
+    "cr 513.65535.0sa 513.1.0cr 513.65535.0sa 513.2.0lo 513.2.0sa 513.2.0ne 513.1.0ne 513.2.0de 513.2.0lo "
+    "513.2.0de 513.2.0";
+const std::string kDetailCalls =
+    "cr 513.7.65535sa 513.7.0cr 513.7.65535sa 513.7.1lo 513.7.1sa 513.7.1ne 513.7.0ne 513.7.1de 513.7.1lo "
+    "513.7.1de 513.7.1";
+const std::string kEntryCalls =
+    "cr 4464.1.65535sa 4464.1.0cr 4464.1.65535sa 4464.1.1lo 4464.1.1sa 4464.1.1ne 4464.1.0ne 4464.1.1de "
+    "4464.1.1lo 4464.1.1de 4464.1.1";
+
+TEST_F(DataRecords, FamiliesFindTheirRecordsByTheirKeys) {
+    std::uint16_t inci = 9;
+#define NUMBERED_FAMILY(name, Record, tag, Number)                                             \
+    {                                                                                          \
+        Record record{};                                                                       \
+        Number number = 9;                                                                     \
+        EXPECT_FAMILY(name, tag, number, TYPED_WITH_RECORD, TYPED_KEY, kNumberedCalls, number) \
+    }
+#define OTHER_FAMILY(name, Record, tag, Number)                                                 \
+    {                                                                                           \
+        Record record{};                                                                        \
+        auto number = static_cast<Number>(65534);                                               \
+        EXPECT_FAMILY(name, tag, inci, TYPED_WITH_RECORD, TYPED_KEY, kOtherCalls, number, inci) \
+    }
+#define PAIR_FAMILY(name, Record, tag, First, Second)                                             \
+    {                                                                                             \
+        Record record{};                                                                          \
+        First first = 513;                                                                        \
+        Second second = 7;                                                                        \
+        EXPECT_FAMILY(name, tag, second, TYPED_WITH_RECORD, TYPED_KEY, kPairCalls, first, second) \
+    }
+#define DETAIL_FAMILY(name, Record, tag, First, Second)                                                 \
+    {                                                                                                   \
+        Record record{};                                                                                \
+        First first = 513;                                                                              \
+        Second second = 7;                                                                              \
+        EXPECT_FAMILY(name, tag, inci, TYPED_WITH_RECORD, TYPED_KEY, kDetailCalls, first, second, inci) \
+    }
+#define ENTRY_FAMILY(name, Record, tag)                                                        \
+    {                                                                                          \
+        Record record{};                                                                       \
+        std::uint32_t entry = 70000;                                                           \
+        EXPECT_FAMILY(name, tag, inci, TYPED_WITH_RECORD, TYPED_KEY, kEntryCalls, entry, inci) \
+    }
+#include "kit/record_families.def"
+}
+
+TEST_F(DataRecords, OfAnyTagAreFoundByKeysOfThreeForms) {
+    std::uint16_t number = kGlobalNumber;
+    std::uint16_t first = 513;
+    std::uint16_t second = 7;
+    std::uint16_t inci = 9;
+    std::uint32_t entry = 70000;
+    std::uint32_t record = 0;
+    {
+        constexpr std::uint32_t kTag = 0x534F5858;
+        EXPECT_FAMILY(other, kTag, inci, PLAIN_WITH_RECORD, PLAIN_KEY, kOtherCalls, number, inci)
+        recordHost = {};
+        EXPECT_TRUE(sx_addglobal(kTag, inci, &record, 4) && sx_saveglobal(kTag, inci, &record, 4) &&
+                    sx_loadglobal(kTag, inci, &record, 4) && sx_deleteglobal(kTag, inci));
+        EXPECT_EQ(keysOfCalls(kTag), "cr 65534.65535sa 65534.0sa 65534.0lo 65534.0de 65534.0");
+    }
+    {
+        constexpr std::uint32_t kTag = 0x44015858;
+        EXPECT_FAMILY(detail, kTag, inci, PLAIN_WITH_RECORD, PLAIN_KEY, kDetailCalls, first, second, inci)
+    }
+    {
+        constexpr std::uint32_t kTag = 0x45015858;
+        EXPECT_FAMILY(entrydetail, kTag, inci, PLAIN_WITH_RECORD, PLAIN_KEY, kEntryCalls, entry, inci)
+    }
+}
+
 TEST_F(DataRecords, AccidentalModificationsAreFoundByTheirNote) {
     constexpr std::uint32_t kEntry = 70000;
     std::uint16_t incident = 99;
-    for (const std::uint16_t id : Words{3, 7, 7}) {
-        EDTAccidentalMods2012 record{};
+    const EDTAccidentalMods2012 record{5, 55, 0, 0, 0, 0, 0, {}};
+    for (const std::uint16_t id : Words{3, 7, 7, kAnyNote})
         EXPECT_TRUE(sx_addaccidentalmod(kEntry, id, &record, incident));
+    EXPECT_EQ(incident, 3);
+    EDTAccidentalMods2012 loaded{};
+    for (const auto& [id, expected] :
+         std::map<std::uint16_t, int>{{3, 0}, {7, 1}, {5, 3}, {kAnyNote, 0}, {8, -1}}) {
+        EXPECT_EQ(sx_loadaccidentalmod(kEntry, id, &loaded, incident) ? incident : -1, expected) << id;
     }
-    EXPECT_EQ(incident, 2);
-    EDTAccidentalMods2012 record{};
-    for (const auto& [id, expected] : std::map<std::uint16_t, int>{{3, 0}, {7, 1}, {kAnyNote, 0}, {8, -1}}) {
-        EXPECT_EQ(sx_loadaccidentalmod(kEntry, id, &record, incident) ? incident : -1, expected) << id;
-    }
-    record = {7, 55, 0, 0, 0, 0, 0, {}};
-    EXPECT_TRUE(sx_saveaccidentalmod(kEntry, 7, &record, incident));
+    const EDTAccidentalMods2012 other{5, 66, 0, 0, 0, 0, 0, {}};
+    EXPECT_TRUE(sx_saveaccidentalmod(kEntry, 7, &other, incident));
     EXPECT_TRUE(sx_deleteaccidentalmod(kEntry, 3));
-    EXPECT_FALSE(sx_saveaccidentalmod(kEntry, 3, &record, incident) || sx_deleteaccidentalmod(kEntry, 3));
-    EXPECT_EQ(recordHost.listing(kAccidentalModTag), "4464.1.0=7,55 4464.1.1=7,0 ");
+    EXPECT_FALSE(sx_saveaccidentalmod(kEntry, 3, &other, incident) || sx_deleteaccidentalmod(kEntry, 3));
+    EXPECT_EQ(recordHost.listing(kAccidentalModTag), "4464.1.0=7,66 4464.1.1=7,55 4464.1.2=5,55 ");
+    EXPECT_TRUE(sx_saveaccidentalmod(kEntry, kAnyNote, &other, incident));
+    EXPECT_TRUE(sx_deleteaccidentalmod(kEntry, 7) && sx_deleteaccidentalmod(kEntry, kAnyNote));
+    EXPECT_EQ(recordHost.listing(kAccidentalModTag), "4464.1.0=5,55 ");
+    // A host that loads a record for every incident is asked no more than a thousand times.
+    recordHost.calls.clear();
+    recordHost.answer = [](const std::string&) { return short{2}; };
+    EXPECT_FALSE(sx_loadaccidentalmod(kEntry, 9, &loaded, incident));
+    EXPECT_EQ(recordHost.calls.size(), 1000U);
 }
 
 TEST_F(DataRecords, AFretInstrumentCountsAsLoadedWhenSomethingWasWritten) {
@@ -105,6 +220,43 @@ TEST_F(DataRecords, PreferencesInRunsHaveTheirSubRecords) {
         parts.erase({65534, static_cast<std::uint16_t>(end - 1)});
         EXPECT_FALSE(sx_loadglobal(tagOf(tag), incident, words.data(), size));
     }
+}
+
+TEST_F(DataRecords, PreferencesHaveTheirSizeAndNeedABufferOfIt) {
+    const struct {
+        const char* tag;
+        std::uint16_t incident;
+        std::uint32_t size;  // 0: there is none with that incident
+    } cases[] = {{"pfGG", 0, 132}, {"pf05", 0, 18},  {"pfPF", 0, 22},   {"pfPF", 1, 48}, {"pfPF", 2, 0},
+                 {"pfSN", 0, 0},   {"pfSN", 129, 0}, {"pfSN", 128, 12}, {"pfGs", 2, 0}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.tag + std::to_string(c.incident));
+        EDATAKEY key{kGlobalNumber, c.incident};
+        std::uint32_t size = 999;
+        recordHost = {};
+        EXPECT_EQ(SX_LoadEData(tagOf(c.tag), &key, nullptr, &size), c.size != 0);
+        EXPECT_EQ(size, c.size != 0 ? c.size : 999);
+        EXPECT_EQ(SX_SaveEData(tagOf(c.tag), &key, nullptr, &size), 0);
+        std::vector<std::byte> buffer(200);
+        size = c.size == 0 ? 200 : c.size - 1;
+        EXPECT_EQ(SX_SaveEData(tagOf(c.tag), &key, buffer.data(), &size), 0);
+        EXPECT_EQ(SX_LoadEData(tagOf(c.tag), &key, buffer.data(), &size), 0);
+        EXPECT_EQ(recordHost.calls, std::vector<std::string>());
+        size = 200;
+        if (c.size == 0) continue;
+        EXPECT_EQ(SX_SaveEData(tagOf(c.tag), &key, buffer.data(), &size), 1);
+        EXPECT_EQ(size, c.size);
+    }
+    // What is in one piece, or has no key, is left to the host.
+    std::uint32_t size = 4;
+    std::uint32_t record = 7;
+    EDATAKEY key{kGlobalNumber, 0};
+    recordHost = {};
+    EXPECT_EQ(SX_SaveEData(tagOf("pfZZ"), &key, &record, &size), 1);
+    EXPECT_EQ(SX_LoadEData(tagOf("pfZZ"), &key, &record, &size), 1);
+    EXPECT_EQ(recordHost.calls, (std::vector<std::string>{"save 70665a5a 65534.0", "load 70665a5a 65534.0"}));
+    EXPECT_EQ(SX_LoadEData(tagOf("pf05"), nullptr, &record, &size), 0);
+    EXPECT_EQ(SX_SaveEData(tagOf("pf05"), nullptr, &record, &size), 0);
 }
 
 TEST_F(DataRecords, ScatteredPreferencesAreConvertedBothWays) {
@@ -166,17 +318,76 @@ TEST_F(DataRecords, TextsLieInRunsOfTwelveBytes) {
         ASSERT_TRUE(sx_loadotherstring(kTag, 4, 2, loaded));
         EXPECT_EQ(loaded.get(), saved);
     }
-    std::unique_ptr<char16_t[]> wide;
-    EXPECT_FALSE(sx_loadotherstring_UTF16(kTag, 9, 0, wide));
+}
+
+TEST_F(DataRecords, TextsThatAHostDoesNotTakeOrGiveFail) {
+    constexpr std::uint32_t kTag = 0x6F745858;
+    const std::string text(30, 'x');
+    EXPECT_TRUE(sx_saveotherstring(kTag, 4, 0, text.c_str()));
+    // It is read twice, the second time into its place.
+    for (const std::size_t failing : {4U, 5U, 6U}) {
+        recordHost.calls.clear();
+        recordHost.answer = [&](const std::string&) -> short { return recordHost.calls.size() != failing; };
+        std::unique_ptr<char[]> loaded;
+        EXPECT_FALSE(sx_loadotherstring(kTag, 4, 0, loaded));
+        EXPECT_EQ(loaded, nullptr);
+    }
+    recordHost.answer = [](const std::string& call) -> short { return call != "save 6f745858 4.1"; };
+    EXPECT_FALSE(sx_saveotherstring(kTag, 4, 0, text.c_str()));
+    EXPECT_EQ(recordHost.records[kTag].size(), 1U);
+    // Three records need three incidents, of which the last one has none behind it.
+    recordHost = {};
+    EXPECT_TRUE(sx_saveotherstring(kTag, 4, 65532, text.c_str()));
+    EXPECT_FALSE(sx_saveotherstring(kTag, 4, 65533, text.c_str()));
+    EXPECT_EQ(recordHost.records[kTag].size(), 3U);
+    std::unique_ptr<char[]> loaded;
+    EXPECT_TRUE(sx_loadotherstring(kTag, 4, 65532, loaded));
+    EXPECT_EQ(loaded.get(), text);
+    const std::uint32_t numbers[] = {1, 2, 3, 4};
+    const EDATAKEY key{5, 0};
+    EXPECT_EQ(VeltraOtArray_Save(kTag, &key, 4, 4, numbers), 1);
+    EXPECT_EQ((recordHost.records[kTag][{5, 1}]), (Words{4, 0, 0, 0, 0, 0}));
+}
+
+TEST_F(DataRecords, WideTextsLieWholeInOneRecord) {
+    constexpr std::uint32_t kTag = 0x6F745858;
+    const auto textAt = [](std::uint16_t number) {
+        std::unique_ptr<char16_t[]> text;
+        return sx_loadotherstring_UTF16(kTag, number, 0, text) ? std::u16string(text.get()) : u"none";
+    };
+    EXPECT_EQ(textAt(9), u"none");
     EXPECT_TRUE(sx_saveotherstring_UTF16(kTag, 9, 0, u"Stra\u00DFe"));
-    EXPECT_EQ((recordHost.records[kTag][{9, 0}].size()), 7U);
-    ASSERT_TRUE(sx_loadotherstring_UTF16(kTag, 9, 0, wide));
-    EXPECT_EQ(std::u16string(wide.get()), u"Stra\u00DFe");
+    EXPECT_EQ(recordHost.records[kTag].at({9, 0}).size(), 7U);
+    EXPECT_EQ(textAt(9), u"Stra\u00DFe");
+    // A record without a terminator ends where it ends.
+    recordHost.records[kTag][{9, 0}] = {u'a', u'b'};
+    EXPECT_EQ(textAt(9), u"ab");
+    recordHost.answer = [](const std::string&) -> short { return recordHost.calls.size() % 2; };
+    recordHost.calls.clear();
+    EXPECT_EQ(textAt(9), u"none") << "its size is told, but it is not loaded";
+    recordHost.answer = [](const std::string&) { return short{2}; };
+    EXPECT_FALSE(sx_saveotherstring_UTF16(kTag, 9, 0, u"")) << "only 1 is a success";
+}
+
+TEST_F(DataRecords, RawTextsHaveANumberEach) {
+    std::uint16_t number = 0;
+    EXPECT_TRUE(sx_addrawtext(number, u"one") && sx_addrawtext(number, u"two"));
+    EXPECT_EQ(number, 2);
+    EXPECT_TRUE(sx_saverawtext(number, u"second"));
+    std::unique_ptr<char16_t[]> text;
+    EXPECT_TRUE(sx_nextrawtext(number = 0, text));
+    EXPECT_EQ(std::u16string(text.get()) + char16_t(u'0' + number), u"one1");
+    EXPECT_TRUE(sx_nextrawtext(number, text));
+    EXPECT_EQ(std::u16string(text.get()) + char16_t(u'0' + number), u"second2");
+    EXPECT_FALSE(sx_nextrawtext(number, text));
+    EXPECT_EQ(text, nullptr);
+    EXPECT_TRUE(sx_deleterawtext(1) && sx_loadrawtext(2, text));
+    EXPECT_FALSE(sx_loadrawtext(1, text) || sx_deleterawtext(1));
+    recordHost.answer = [](const std::string&) { return short{0}; };
+    EXPECT_FALSE(sx_addrawtext(number, u"three"));
 }
 
 TEST_F(DataRecords, OldHostsKeepTheHalvesOfSmartShapesTheOtherWayRound) {
-    ot_smartshape = kSmartShapeTag;
-    sizeofsmartshape = sizeof(EDTOldSmartShape);
     const struct {
         std::uint32_t version;
         std::int32_t entry, swapped, back, next;
@@ -209,6 +420,54 @@ TEST_F(DataRecords, OldHostsKeepTheHalvesOfSmartShapesTheOtherWayRound) {
         EXPECT_EQ((std::vector{+kept.flags, +shape.flags, +next.flags}),
                   (std::vector{c.rotated, c.flags, c.rotated}));
     }
+}
+
+TEST_F(DataRecords, TheOldLayoutOfSmartShapesIsTurnedOnByItsSwitchAlone) {
+    EDTSmartShape shape;
+    std::uint16_t number = 0;
+    EXPECT_TRUE(shape.CreateShapeOnly(number));
+    const auto sizesKept = [&] {
+        return std::pair(recordHost.records[kSmartShapeTag].size(),
+                         recordHost.records[kOldSmartShapeTag].size());
+    };
+    recordHost.records[kSmartShapeTag].at({number, 0}).resize(60);
+    EXPECT_TRUE(shape.Load(number)) << "of a size that the host tells";
+    EXPECT_EQ(ot_smartshape, kSmartShapeTag);
+    // A current size that grows while a shape is loaded is taken for a sign of an old host.
+    recordHost.answer = [](const std::string&) -> short { return ++sizeofsmartshape > 0; };
+    EXPECT_TRUE(shape.Load(number));
+    EXPECT_EQ(std::pair(ot_smartshape, sizeofsmartshape), std::pair(kOldSmartShapeTag, 84U));
+    recordHost = {};
+    EXPECT_TRUE(shape.CreateShapeOnly(number) && shape.SaveShapeOnly(number));
+    EXPECT_EQ(recordHost.records[kOldSmartShapeTag].at({1, 0}).size(), 42U);
+    EXPECT_TRUE(shape.Next(number = 0) && shape.EraseShapeOnly(number) && !shape.EraseShapeOnly(number));
+    EXPECT_EQ(sizesKept(), (std::pair<std::size_t, std::size_t>(0, 0)));
+}
+
+TEST_F(DataRecords, ASmartShapeIsDrawnAnew) {
+    EXPECT_FALSE(TSmartShape(1).exists());
+    EDTSmartShape shape;
+    shape.kind = SHAPE_SLUR;
+    shape.text = 4;
+    shape.firstVertical = 30;
+    shape.lastVertical = -20;
+    std::uint16_t number = 0;
+    ASSERT_TRUE(shape.CreateShapeOnly(number));
+    TSmartShape drawn(number);
+    ASSERT_TRUE(drawn.exists());
+    EXPECT_EQ((std::vector<int>{drawn.GetKind(), drawn.GetText(), drawn.GetVertical(TSmartShape::kFirstPoint),
+                                drawn.GetVertical(TSmartShape::kLastPoint)}),
+              (std::vector<int>{SHAPE_SLUR, 4, 30, -20}));
+    drawn.SetVertical(TSmartShape::kLastPoint, 50);
+    drawn.SetVertical(TSmartShape::kFirstPoint, 10);
+    drawn.SetKind(SHAPE_LINE);
+    drawn.SetText(5);
+    EXPECT_TRUE(drawn.Save() && shape.Load(number));
+    EXPECT_EQ((std::vector<int>{shape.kind, shape.text, shape.firstVertical, shape.lastVertical}),
+              (std::vector<int>{SHAPE_LINE, 5, 10, 50}));
+    drawn.Straighten();
+    EXPECT_TRUE(drawn.Save() && shape.Load(number));
+    EXPECT_EQ(+shape.lastVertical, 10);
 }
 
 }  // namespace
