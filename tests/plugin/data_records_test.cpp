@@ -34,21 +34,6 @@ class DataRecords : public testing::Test {
     }
 };
 
-// Adds two records, loads, saves, steps to and deletes the second, and tells the keys that the host saw.
-#define EXPECT_FAMILY(name, tag, last, WITH_RECORD, KEY, expected, ...)                                \
-    recordHost = {};                                                                                   \
-    EXPECT_TRUE(sx_add##name(WITH_RECORD(__VA_ARGS__)) && sx_add##name(WITH_RECORD(__VA_ARGS__)) &&    \
-                sx_load##name(WITH_RECORD(__VA_ARGS__)) && sx_save##name(WITH_RECORD(__VA_ARGS__)));   \
-    --last;                                                                                            \
-    EXPECT_TRUE(sx_next##name(WITH_RECORD(__VA_ARGS__)) && !sx_next##name(WITH_RECORD(__VA_ARGS__)) && \
-                sx_delete##name(KEY(__VA_ARGS__)) && !sx_load##name(WITH_RECORD(__VA_ARGS__)) &&       \
-                !sx_delete##name(KEY(__VA_ARGS__)));                                                   \
-    EXPECT_EQ(keysOfCalls(tag), expected) << #name;
-#define TYPED_WITH_RECORD(...) __VA_ARGS__, &record
-#define TYPED_KEY(...) __VA_ARGS__
-#define PLAIN_WITH_RECORD(...) kTag, __VA_ARGS__, &record, sizeof record
-#define PLAIN_KEY(...) kTag, __VA_ARGS__
-
 // The keys of all calls, which must be of the tag.
 std::string keysOfCalls(std::uint32_t tag) {
     char head[12];
@@ -57,86 +42,84 @@ std::string keysOfCalls(std::uint32_t tag) {
     for (const std::string& call : recordHost.calls) {
         const std::size_t place = call.find(head);
         EXPECT_NE(place, std::string::npos) << call;
-        text += call.substr(0, 2) + call.substr(place + 9);
+        text += call.substr(0, 2) + call.substr(place + 10) + " ";
     }
     return text;
 }
 
-const std::string kNumberedCalls =
-    "cr 65535.0sa 1.0cr 65535.0sa 2.0lo 2.0sa 2.0ne 1.0ne 2.0de 2.0lo 2.0de 2.0";
-const std::string kOtherCalls =
-    "cr 65534.65535sa 65534.0cr 65534.65535sa 65534.1lo 65534.1sa 65534.1ne 65534.0ne 65534.1de 65534.1lo "
-    "65534.1de 65534.1";
-const std::string kPairCalls =
-    "cr 513.65535.0sa 513.1.0cr 513.65535.0sa 513.2.0lo 513.2.0sa 513.2.0ne 513.1.0ne 513.2.0de 513.2.0lo "
-    "513.2.0de 513.2.0";
-const std::string kDetailCalls =
-    "cr 513.7.65535sa 513.7.0cr 513.7.65535sa 513.7.1lo 513.7.1sa 513.7.1ne 513.7.0ne 513.7.1de 513.7.1lo "
-    "513.7.1de 513.7.1";
-const std::string kEntryCalls =
-    "cr 4464.1.65535sa 4464.1.0cr 4464.1.65535sa 4464.1.1lo 4464.1.1sa 4464.1.1ne 4464.1.0ne 4464.1.1de "
-    "4464.1.1lo 4464.1.1de 4464.1.1";
+// Adds two records, then loads, saves, steps to and deletes the second. All functions of a family take the
+// numbers of the key; those given here are called with what stands before and behind the numbers.
+template <class Last, class Add, class Load, class Save, class Next, class Delete>
+std::string tryFamily(std::uint32_t tag, Last& last, Add add, Load load, Save save, Next next, Delete erase) {
+    recordHost = {};
+    EXPECT_TRUE(add() && add() && load() && save());
+    --last;
+    EXPECT_TRUE(next() && !next() && erase() && !load() && !erase());
+    return keysOfCalls(tag);
+}
+#define CALL(function, ...) [&] { return function(__VA_ARGS__); }
+#define TYPED_FAMILY(name, tag, last, calls, ...)                                                       \
+    EXPECT_EQ(                                                                                          \
+        tryFamily(tag, last, CALL(sx_add##name, __VA_ARGS__, &record),                                  \
+                  CALL(sx_load##name, __VA_ARGS__, &record), CALL(sx_save##name, __VA_ARGS__, &record), \
+                  CALL(sx_next##name, __VA_ARGS__, &record), CALL(sx_delete##name, __VA_ARGS__)),       \
+        calls)                                                                                          \
+        << #name;
+#define PLAIN_FAMILY(name, tag, calls, ...)                                          \
+    EXPECT_EQ(tryFamily(tag, inci, CALL(sx_add##name, tag, __VA_ARGS__, &record, 4), \
+                        CALL(sx_load##name, tag, __VA_ARGS__, &record, 4),           \
+                        CALL(sx_save##name, tag, __VA_ARGS__, &record, 4),           \
+                        CALL(sx_next##name, tag, __VA_ARGS__, &record, 4),           \
+                        CALL(sx_delete##name, tag, __VA_ARGS__)),                    \
+              calls);
 
-TEST_F(DataRecords, FamiliesFindTheirRecordsByTheirKeys) {
-    std::uint16_t inci = 9;
-#define NUMBERED_FAMILY(name, Record, tag, Number)                                             \
-    {                                                                                          \
-        Record record{};                                                                       \
-        Number number = 9;                                                                     \
-        EXPECT_FAMILY(name, tag, number, TYPED_WITH_RECORD, TYPED_KEY, kNumberedCalls, number) \
-    }
-#define OTHER_FAMILY(name, Record, tag, Number)                                                 \
-    {                                                                                           \
-        Record record{};                                                                        \
-        auto number = static_cast<Number>(65534);                                               \
-        EXPECT_FAMILY(name, tag, inci, TYPED_WITH_RECORD, TYPED_KEY, kOtherCalls, number, inci) \
-    }
-#define PAIR_FAMILY(name, Record, tag, First, Second)                                             \
-    {                                                                                             \
-        Record record{};                                                                          \
-        First first = 513;                                                                        \
-        Second second = 7;                                                                        \
-        EXPECT_FAMILY(name, tag, second, TYPED_WITH_RECORD, TYPED_KEY, kPairCalls, first, second) \
-    }
-#define DETAIL_FAMILY(name, Record, tag, First, Second)                                                 \
-    {                                                                                                   \
-        Record record{};                                                                                \
-        First first = 513;                                                                              \
-        Second second = 7;                                                                              \
-        EXPECT_FAMILY(name, tag, inci, TYPED_WITH_RECORD, TYPED_KEY, kDetailCalls, first, second, inci) \
-    }
-#define ENTRY_FAMILY(name, Record, tag)                                                        \
-    {                                                                                          \
-        Record record{};                                                                       \
-        std::uint32_t entry = 70000;                                                           \
-        EXPECT_FAMILY(name, tag, inci, TYPED_WITH_RECORD, TYPED_KEY, kEntryCalls, entry, inci) \
-    }
-#include "kit/record_families.def"
+// What the host is called with for records A and B, the key of an appended one being X.
+std::string callsFor(const std::string& appended, const std::string& a, const std::string& b) {
+    const std::string end = b + " ";
+    return "cr" + appended + " sa" + a + " cr" + appended + " sa" + end + "lo" + end + "sa" + end + "ne" + a +
+           " ne" + end + "de" + end + "lo" + end + "de" + end;
 }
 
-TEST_F(DataRecords, OfAnyTagAreFoundByKeysOfThreeForms) {
+const std::string kNumberedCalls = callsFor("65535.0", "1.0", "2.0");
+const std::string kOtherCalls = callsFor("65534.65535", "65534.0", "65534.1");
+const std::string kPairCalls = callsFor("513.65535.0", "513.1.0", "513.2.0");
+const std::string kDetailCalls = callsFor("513.7.65535", "513.7.0", "513.7.1");
+const std::string kEntryCalls = callsFor("4464.1.65535", "4464.1.0", "4464.1.1");
+
+TEST_F(DataRecords, AreFoundByTheKeysOfTheirFamilies) {
+    std::uint16_t inci = 9;
+#define FAMILY(name, Record, tag, last, calls, numbers, ...) \
+    {                                                        \
+        Record record{};                                     \
+        numbers;                                             \
+        TYPED_FAMILY(name, tag, last, calls, __VA_ARGS__)    \
+    }
+#define NUMBERED_FAMILY(name, Record, tag, Number) \
+    FAMILY(name, Record, tag, number, kNumberedCalls, Number number = 9, number)
+#define OTHER_FAMILY(name, Record, tag, Number) \
+    FAMILY(name, Record, tag, inci, kOtherCalls, auto number = static_cast<Number>(65534), number, inci)
+#define PAIR_FAMILY(name, Record, tag, First, Second) \
+    FAMILY(name, Record, tag, second, kPairCalls, First first = 513; Second second = 7, first, second)
+#define DETAIL_FAMILY(name, Record, tag, First, Second) \
+    FAMILY(name, Record, tag, inci, kDetailCalls, First first = 513; Second second = 7, first, second, inci)
+#define ENTRY_FAMILY(name, Record, tag) \
+    FAMILY(name, Record, tag, inci, kEntryCalls, std::uint32_t entry = 70000, entry, inci)
+#include "kit/record_families.def"
+    constexpr std::uint32_t kOther = 0x534F5858;
+    constexpr std::uint32_t kDetail = 0x44015858;
+    constexpr std::uint32_t kEntry = 0x45015858;
     std::uint16_t number = kGlobalNumber;
     std::uint16_t first = 513;
     std::uint16_t second = 7;
-    std::uint16_t inci = 9;
     std::uint32_t entry = 70000;
     std::uint32_t record = 0;
-    {
-        constexpr std::uint32_t kTag = 0x534F5858;
-        EXPECT_FAMILY(other, kTag, inci, PLAIN_WITH_RECORD, PLAIN_KEY, kOtherCalls, number, inci)
-        recordHost = {};
-        EXPECT_TRUE(sx_addglobal(kTag, inci, &record, 4) && sx_saveglobal(kTag, inci, &record, 4) &&
-                    sx_loadglobal(kTag, inci, &record, 4) && sx_deleteglobal(kTag, inci));
-        EXPECT_EQ(keysOfCalls(kTag), "cr 65534.65535sa 65534.0sa 65534.0lo 65534.0de 65534.0");
-    }
-    {
-        constexpr std::uint32_t kTag = 0x44015858;
-        EXPECT_FAMILY(detail, kTag, inci, PLAIN_WITH_RECORD, PLAIN_KEY, kDetailCalls, first, second, inci)
-    }
-    {
-        constexpr std::uint32_t kTag = 0x45015858;
-        EXPECT_FAMILY(entrydetail, kTag, inci, PLAIN_WITH_RECORD, PLAIN_KEY, kEntryCalls, entry, inci)
-    }
+    PLAIN_FAMILY(other, kOther, kOtherCalls, number, inci)
+    PLAIN_FAMILY(detail, kDetail, kDetailCalls, first, second, inci)
+    PLAIN_FAMILY(entrydetail, kEntry, kEntryCalls, entry, inci)
+    recordHost = {};
+    EXPECT_TRUE(sx_addglobal(kOther, inci, &record, 4) && sx_saveglobal(kOther, inci, &record, 4) &&
+                sx_loadglobal(kOther, inci, &record, 4) && sx_deleteglobal(kOther, inci));
+    EXPECT_EQ(keysOfCalls(kOther), "cr65534.65535 sa65534.0 sa65534.0 lo65534.0 de65534.0 ");
 }
 
 TEST_F(DataRecords, AccidentalModificationsAreFoundByTheirNote) {

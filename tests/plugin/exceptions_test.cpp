@@ -30,48 +30,37 @@ void enter(const char* function) {
     if (thrower == function) throw std::bad_alloc();
 }
 
-}  // namespace
-
-HOST_DOUBLE std::intptr_t SX_Dialog(short, SXDialogProc procedure, SXWindow, short, void* data,
-                                    std::uint32_t) {
-    enter("SX_Dialog");
+std::intptr_t send(SXDialogProc procedure, void* data) {
     for (const auto& [message, item] : messages)
         answers.push_back(procedure(nullptr, message, item, kPopupChanged << 16, data));
     return 0;
 }
-HOST_DOUBLE void SX_SetDlgItemVal(SXWindow, short, short, std::intptr_t, std::uint32_t) {
-    enter("SX_SetDlgItemVal");
-}
-HOST_DOUBLE std::intptr_t SX_GetDlgItemVal(SXWindow, short, short, std::uint32_t) {
-    enter("SX_GetDlgItemVal");
-    return 2;
-}
-HOST_DOUBLE void SX_EndDialog(SXWindow, std::uint32_t) {
-    enter("SX_EndDialog");
-}
-HOST_DOUBLE void SX_EnableDlgItem(SXWindow, short, short, std::uint32_t) {
-    enter("SX_EnableDlgItem");
-}
-HOST_DOUBLE short SX_GetCurERegions(std::uint64_t*, EREGION* region, EREGION*, std::uint32_t) {
+
+short select(EREGION* region) {
     *region = {{0, 1, 1, 0}, {0, 1, 1, 0}};
     return 1;
 }
-HOST_DOUBLE SXMassEdit SX_StartMassEdit(SXHandle, std::uint32_t, std::uint32_t) {
-    return nullptr;
-}
-HOST_DOUBLE short SX_MassEditProgress(SXMassEdit, short, short, short, short, std::uint32_t) {
-    enter("SX_MassEditProgress");
-    return 1;
-}
-HOST_DOUBLE void SX_EndMassEdit(SXMassEdit, short cancelled, std::uint32_t) {
-    ends.push_back(cancelled);
-}
-HOST_DOUBLE short SX_GetMaxLayers(std::uint32_t) {
-    return 1;
-}
-HOST_DOUBLE short SX_GetShowLayer(short, std::uint32_t) {
-    return 1;
-}
+
+}  // namespace
+
+#define HOST_THROWS(result, name, body, ...)                            \
+    HOST_DOUBLE result name(__VA_ARGS__ __VA_OPT__(, ) std::uint32_t) { \
+        enter(#name);                                                   \
+        body;                                                           \
+    }
+
+HOST_THROWS(std::intptr_t, SX_Dialog, return send(proc, data), short, SXDialogProc proc, SXWindow, short,
+            void* data)
+HOST_THROWS(void, SX_SetDlgItemVal, , SXWindow, short, short, std::intptr_t)
+HOST_THROWS(std::intptr_t, SX_GetDlgItemVal, return 2, SXWindow, short, short)
+HOST_THROWS(void, SX_EndDialog, , SXWindow)
+HOST_THROWS(void, SX_EnableDlgItem, , SXWindow, short, short)
+HOST_THROWS(short, SX_GetCurERegions, return select(region), std::uint64_t*, EREGION* region, EREGION*)
+HOST_THROWS(SXMassEdit, SX_StartMassEdit, return nullptr, SXHandle, std::uint32_t)
+HOST_THROWS(short, SX_MassEditProgress, return 1, SXMassEdit, short, short, short, short)
+HOST_THROWS(void, SX_EndMassEdit, ends.push_back(cancelled), SXMassEdit, short cancelled)
+HOST_THROWS(short, SX_GetMaxLayers, return 1)
+HOST_THROWS(short, SX_GetShowLayer, return 1, short)
 
 namespace {
 
