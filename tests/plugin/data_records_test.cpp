@@ -116,6 +116,18 @@ TEST_F(DataRecords, AreFoundByTheKeysOfTheirFamilies) {
     PLAIN_FAMILY(other, kOther, kOtherCalls, number, inci)
     PLAIN_FAMILY(detail, kDetail, kDetailCalls, first, second, inci)
     PLAIN_FAMILY(entrydetail, kEntry, kEntryCalls, entry, inci)
+    // On to the record of other numbers.
+    recordHost = {};
+    EXPECT_TRUE(sx_adddetail(kDetail, 513, 7, inci, &record, 4) &&
+                sx_addother(kOther, 513, inci, &record, 4) &&
+                sx_addentrydetail(kEntry, 70000, inci, &record, 4));
+    first = second = number = 0;
+    entry = 0;
+    EXPECT_TRUE(sx_nextdetail(kDetail, first, second, inci, &record, 4) &&
+                sx_nextother(kOther, number, inci, &record, 4) &&
+                sx_nextentrydetail(kEntry, entry, inci, &record, 4));
+    EXPECT_EQ((std::vector<std::uint32_t>{first, second, number, entry}),
+              (std::vector<std::uint32_t>{513, 7, 513, 70000}));
     recordHost = {};
     EXPECT_TRUE(sx_addglobal(kOther, inci, &record, 4) && sx_saveglobal(kOther, inci, &record, 4) &&
                 sx_loadglobal(kOther, inci, &record, 4) && sx_deleteglobal(kOther, inci));

@@ -155,6 +155,13 @@ TEST_F(ScratchBundle, IsFoundHoweverThePathOfItsCodeIsSpelled) {
     for (const auto& [code, text] : codes) EXPECT_EQ(textsIn(code), text + "\n20129,1\n20129,2\n") << code;
 }
 
+TEST_F(ScratchBundle, IsMissedWithAnAssertion) {
+    const Extension extension(placeCode("loose"));
+    ExtensionDescriptor descriptor;
+    EXPECT_DEATH(extension.enumerate(0, &descriptor),
+                 "LIB/portable:176: CopyPlugInStringResource: Assertion `bundleRef != NULL' failed");
+}
+
 // The alert that the strings file is missing is the first thing a host hears of the command.
 TEST_F(ScratchBundle, CatchesExceptionsOfTheHostWhileItDescribesItsCommand) {
     const auto code = placeCode("Contents/MacOS");
