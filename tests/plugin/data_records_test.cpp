@@ -439,6 +439,43 @@ TEST_F(DataRecords, TheOldLayoutOfSmartShapesIsTurnedOnByItsSwitchAlone) {
     EXPECT_EQ(sizesKept(), (std::pair<std::size_t, std::size_t>(0, 0)));
 }
 
+TEST_F(DataRecords, ASmartShapeIsMadeAndErasedWithItsMarks) {
+    const auto marks = [] {
+        std::string text;
+        for (const std::uint32_t tag : {kSmartShapeTag, kMeasureMarkTag, kCenterShapeTag, kEntryMarkTag})
+            text += std::to_string(recordHost.records[tag].size());
+        return text;
+    };
+    EDTSmartShape shape;
+    shape.firstMeasure = 2;
+    shape.lastMeasure = 5;
+    shape.flags = SHAPE_ON_ENTRIES;
+    shape.firstEntry = 70000;
+    shape.lastEntry = 6;
+    std::uint16_t number = 0;
+    EXPECT_TRUE(shape.FullCreate(number));
+    EXPECT_EQ(recordHost.listing(kMeasureMarkTag), "2.0=1,0 3.0=1,1 4.0=1,2 5.0=1,0 ");
+    EXPECT_EQ(recordHost.listing(kEntryMarkTag), "6.0.0=1,0 4464.1.0=1,0 ");
+    EXPECT_TRUE(shape.FullSave(number)) << "marks it once more";
+    EXPECT_EQ(marks(), "1844");
+    EXPECT_TRUE(EDTSmartShapeMeasMark::FindAndEraseMarkOnly(3, number) &&
+                EDTSmartShapeMeasMark::FindAndEraseWithCenterShapes(4, number) &&
+                EDTSmartShapeEntMark::FindAndErase(6, number));
+    EXPECT_EQ(marks(), "1422");
+    EXPECT_EQ(recordHost.listing(kCenterShapeTag), "1.1.0=0,0 1.3.0=0,0 ");
+    EXPECT_TRUE(EDTSmartShapeMeasMark::FindAndEraseMarkOnly(2, 9)) << "of another shape";
+    shape.flags = 0;
+    EXPECT_TRUE(shape.FullErase(number));
+    EXPECT_FALSE(shape.FullErase(number));
+    EXPECT_EQ(marks(), "0022");
+    recordHost.answer = [](const std::string& call) -> short { return !call.starts_with("create 6f744d78"); };
+    EDTCenterShape center;
+    std::uint16_t centerNumber = 0;
+    EXPECT_FALSE(center.FullCreate(3, number, centerNumber)) << "without its mark";
+    EXPECT_TRUE(center.Load(number, centerNumber) && center.Save(number, centerNumber));
+    EXPECT_TRUE(center.EraseShapeOnly(number, centerNumber) && !center.EraseShapeOnly(number, centerNumber));
+}
+
 TEST_F(DataRecords, ASmartShapeIsDrawnAnew) {
     EXPECT_FALSE(TSmartShape(1).exists());
     EDTSmartShape shape;
