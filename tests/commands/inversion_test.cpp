@@ -6,7 +6,6 @@
 // After gtest, which it builds on.
 #include <rapidcheck/gtest.h>
 
-#include <set>
 #include <string>
 
 namespace rovescio::test {
@@ -113,19 +112,18 @@ std::pair<SpelledPitch, SpelledPitch> onceAndTwice(const KeySignature& key, cons
     return {once, next()};
 }
 
-// The axis keeps its pitch and every other note its distance, in all major keys.
+// The axis keeps its pitch and every other note its distance, in all major keys; in seven flats and in six or
+// seven sharps the tonic is altered on the letter of another row.
 TEST(InvChromatic, IsExactInEveryMajorKey) {
     for (int fifths = -7; fifths <= 7; ++fifths) {
         const KeySignature key = KeySignature::standard(fifths, false);
-        // Seven flats and six or seven sharps have altered tonics on the letters of other rows.
         for (short axisStep = -8; axisStep <= 8; ++axisStep) {
             const SpelledPitch axis{axisStep, 1};
             for (int step = -7; step <= 7; ++step) {
                 const SpelledPitch from{step, (step + 7) % 3 - 1};
-                const auto [to, again] = onceAndTwice(key, from, InvChromatic, axisStep, short{1}, 0);
+                const SpelledPitch to = onceAndTwice(key, from, InvChromatic, axisStep, short{1}, 0).first;
                 ASSERT_EQ(to.step, 2 * axis.step - from.step) << fifths;
                 ASSERT_EQ(semitones(to) + semitones(from), 2 * semitones(axis)) << fifths << textOf(from);
-                ASSERT_EQ(again, from) << fifths;
             }
         }
     }
@@ -140,28 +138,6 @@ RC_GTEST_PROP(Inversions, TwiceGivesTheSameNotes, ()) {
     const auto diatonic = onceAndTwice(key, pitch, InvDiatonic, axis);
     RC_ASSERT(diatonic.second == pitch);
     RC_ASSERT(diatonic.first.step == 2 * axis - pitch.step);
-}
-
-// Of chords within an octave; wider ones need not come back.
-RC_GTEST_PROP(InvChords, UpAndDownAsOftenGivesTheSameChord, ()) {
-    const auto degrees = *rc::gen::suchThat(rc::gen::container<std::set<int>>(rc::gen::inRange(0, 7)),
-                                            [](const std::set<int>& chosen) { return chosen.size() > 1; });
-    const int times = *rc::gen::inRange(1, 6);
-    std::string chord;
-    for (const int degree : degrees)
-        chord += (chord.empty() ? "<" : " ") + std::string(1, "cdefgab"[degree]) + "4";
-    EngineFixture engine({*rc::gen::element<std::string>("C", "d", "Gb", "f#") + " 4/4 " + chord + ">:w"});
-    const auto pitches = [&] {
-        std::string text = textOf(engine.document);
-        std::erase(text, '!');
-        return text;
-    };
-    const std::string before = pitches();
-    for (int i = 0; i < 2 * times; ++i) {
-        engine.transform(engine.everything(), i < times ? InvChordUp : InvChordDown, kSingleNotesInSteps, 0,
-                         0);
-    }
-    RC_ASSERT(pitches() == before);
 }
 
 }  // namespace

@@ -82,6 +82,7 @@ int procedure(SXWindow, std::uint16_t, short, std::uint32_t, void*) {
 
 TEST(DialogHandlers, AlertOnceEachWayUnderAForeignHost) {
     ASSERT_EQ(InitializeGlobals(), 0);
+    ASSERT_EQ(InitializeGlobals(), 0) << "once more, without a lookup";
     const Alert expected{nullptr, kAlertWarning, 0, "Should not get here!", kKitVersion};
     for (machOAnswer = 1; machOAnswer >= 0; --machOAnswer) {
         EXPECT_EQ(NewFF_DialogHandlerProc(procedure), &procedure);
