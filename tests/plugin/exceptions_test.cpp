@@ -7,14 +7,13 @@
 #include <tuple>
 #include <vector>
 
+#include "host_function.h"
 #include "kit/engine_bundle.h"
 #include "kit/mass_edit.h"
 #include "retrograde/dialogs.h"
 #include "shell/entry_points.h"
 #include "shell/settings.h"
 #include "transform/mirror_dialog.h"
-
-#define HOST_DOUBLE extern "C" __attribute__((visibility("default"), used)) inline
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "contract/records.h"
+#include "host_function.h"
 
 struct Alert {
     SXWindow parent;
@@ -20,8 +21,6 @@ struct Alert {
 inline std::vector<Alert> alerts;
 inline short machOAnswer = 1;
 inline bool alertThrows = false;
-
-#define HOST_DOUBLE extern "C" __attribute__((visibility("default"), used)) inline
 
 HOST_DOUBLE short SX_AlertMessage(SXWindow parent, std::uint16_t style, std::uint32_t stringId,
                                   const char* text, std::uint32_t version) {

@@ -7,11 +7,10 @@
 #include <cstring>
 #include <set>
 
+#include "host_function.h"
 #include "kit/engine_bundle.h"
 #include "kit/music_points.h"
 #include "shell/keyboard.h"
-
-#define HOST_DOUBLE extern "C" __attribute__((visibility("default"), used)) inline
 
 // The score's measures are twice as long as those of staff 2; nothing is known of staff 9.
 HOST_DOUBLE std::int32_t SX_GetMeasureDuration(short staff, short /*measure*/, std::uint32_t /*version*/) {
@@ -27,7 +26,7 @@ HOST_DOUBLE short SX_InstToSlot(short staff, std::uint16_t staffList, std::uint3
 }
 
 // The keys with the codes 0, 9 and 127 are held down.
-extern "C" __attribute__((visibility("default"), used)) void GetKeys(KeyMap keys) {
+HOST_DOUBLE void GetKeys(KeyMap keys) {
     UInt8 bytes[16] = {1, 2};
     bytes[15] = 0x80;
     std::memcpy(keys, bytes, sizeof bytes);

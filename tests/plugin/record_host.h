@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "contract/data_records.h"
+#include "host_function.h"
 #include "kit/engine_bundle.h"
 
 struct RecordHost {
@@ -56,8 +57,6 @@ struct RecordHost {
 };
 
 inline RecordHost recordHost;
-
-#define HOST_DOUBLE extern "C" __attribute__((visibility("default"), used)) inline
 
 HOST_DOUBLE short SX_LoadEData(std::uint32_t tag, void* key, void* buffer, std::uint32_t* size,
                                std::uint32_t /*version*/) {
