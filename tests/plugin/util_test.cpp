@@ -155,7 +155,7 @@ std::string bufferAfter(Work&& work) {
 TEST(Utf16Functions, CopyWithoutHeedingTheCapacity) {
     for (const auto& [count, after] : std::map<std::size_t, std::string>{
              {0, "######"}, {1, "a#####"}, {2, "ab####"}, {3, "ab0###"}, {5, "ab000#"}}) {
-        EXPECT_EQ(bufferAfter([&](char16_t* to) { EXPECT_EQ(sx_strncpy(to, u"ab", count), to); }), after);
+        EXPECT_EQ(bufferAfter([n = count](char16_t* to) { EXPECT_EQ(sx_strncpy(to, u"ab", n), to); }), after);
     }
     EXPECT_EQ(bufferAfter([](char16_t* to) { EXPECT_EQ(sx_strcpy(to, u"abc"), 0); }), "abc0##");
     EXPECT_EQ(bufferAfter([](char16_t* to) {
