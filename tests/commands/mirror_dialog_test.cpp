@@ -24,6 +24,7 @@ TEST_F(MirrorDialogTest, ShowsAndTakesTheAxis) {
         int axisAfter, alterationAfter, checkAfter;
     } cases[] = {
         {{0, 0, 0, 4}, 2, 4, 1, {}, 0, 0, 0},
+        {{0, 1, 0, 4}, 3, 4, 1, {}, 0, 1, 0},
         {{6, -1, 1, 3}, 19, 3, 1, {}, 6, -1, 1},
         {{-1, 0, 0, 4}, 20, 3, 1, {}, -1, 0, 0},
         // Exact octaves below middle C show one octave too low and come back so.

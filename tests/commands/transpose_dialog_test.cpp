@@ -25,7 +25,8 @@ class TransposeDialogTest : public testing::Test {
             dialog.choose(popup, entry);
             dialog.choose(7, direction);
             dialog.set(9, octaves);
-            dialog.press(1);
+            EXPECT_EQ(dialog.press(1), 1);
+            EXPECT_FALSE(dialog.open);
         });
     }
     void otherInterval(short steps, short alteration, short button) {

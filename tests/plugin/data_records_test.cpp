@@ -47,8 +47,8 @@ std::string keysOfCalls(std::uint32_t tag) {
     return text;
 }
 
-// Adds two records, then loads, saves, steps to and deletes the second. All functions of a family take the
-// numbers of the key; those given here are called with what stands before and behind the numbers.
+// Adds two records, then loads, saves, steps to and deletes the second, and tells the keys that the host saw.
+// `last` is the number of the key that tells the two apart.
 template <class Last, class Add, class Load, class Save, class Next, class Delete>
 std::string tryFamily(std::uint32_t tag, Last& last, Add add, Load load, Save save, Next next, Delete erase) {
     recordHost = {};
@@ -73,7 +73,7 @@ std::string tryFamily(std::uint32_t tag, Last& last, Add add, Load load, Save sa
                         CALL(sx_delete##name, tag, __VA_ARGS__)),                    \
               calls);
 
-// What the host is called with for records A and B, the key of an appended one being X.
+// The same keys from that of an appended record and those that the two records got.
 std::string callsFor(const std::string& appended, const std::string& a, const std::string& b) {
     const std::string end = b + " ";
     return "cr" + appended + " sa" + a + " cr" + appended + " sa" + end + "lo" + end + "sa" + end + "ne" + a +

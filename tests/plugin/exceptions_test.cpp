@@ -81,8 +81,10 @@ TEST(Exceptions, EndInTheDialogProcedure) {
         {"report", [] { RetrogradePreScanDialog(nullptr, 0x200); }, "SX_EnableDlgItem"},
     };
     for (const auto& c : cases) {
+        // The last message is one that no procedure handles.
         for (const auto& [function, message, item] : {std::tuple(c.initThrower, kDialogInit, short{0}),
-                                                      std::tuple("SX_EndDialog", kDialogCommand, short{2})}) {
+                                                      std::tuple("SX_EndDialog", kDialogCommand, short{2}),
+                                                      std::tuple("", std::uint16_t{274}, short{1})}) {
             SCOPED_TRACE(c.dialog + std::string(" ") + function);
             thrower = function;
             messages = {{message, item}};
