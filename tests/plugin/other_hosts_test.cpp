@@ -1,7 +1,8 @@
-// Exceptions end in the plug-in: every dialog procedure and entry point under a host that throws.
+// The plug-in under hosts unlike our engine: one that throws, and ones that number octaves otherwise.
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <new>
 #include <string>
 #include <tuple>
@@ -24,6 +25,10 @@ std::vector<std::pair<std::uint16_t, short>> messages;
 // What the procedures answered, and how the mass edits were ended.
 std::vector<int> answers;
 std::vector<short> ends;
+
+// What the items of dialogs were set to, and the MIDI note that the host calls "C4".
+std::map<short, std::intptr_t> shown;
+short fourthC = 60;
 
 void enter(const char* function) {
     if (thrower == function) throw std::bad_alloc();
@@ -50,7 +55,8 @@ short select(EREGION* region) {
 
 HOST_THROWS(std::intptr_t, SX_Dialog, return send(proc, data), short, SXDialogProc proc, SXWindow, short,
             void* data)
-HOST_THROWS(void, SX_SetDlgItemVal, , SXWindow, short, short, std::intptr_t)
+HOST_THROWS(void, SX_SetDlgItemVal, shown[item] = value, SXWindow, short item, short, std::intptr_t value)
+HOST_THROWS(short, SX_StringToMidiNote, return fourthC, const char*)
 HOST_THROWS(std::intptr_t, SX_GetDlgItemVal, return 2, SXWindow, short, short)
 HOST_THROWS(void, SX_EndDialog, , SXWindow)
 HOST_THROWS(void, SX_EnableDlgItem, , SXWindow, short, short)
@@ -81,10 +87,11 @@ TEST(Exceptions, EndInTheDialogProcedure) {
         {"report", [] { RetrogradePreScanDialog(nullptr, 0x200); }, "SX_EnableDlgItem"},
     };
     for (const auto& c : cases) {
-        // The last message is one that no procedure handles.
-        for (const auto& [function, message, item] : {std::tuple(c.initThrower, kDialogInit, short{0}),
-                                                      std::tuple("SX_EndDialog", kDialogCommand, short{2}),
-                                                      std::tuple("", std::uint16_t{274}, short{1})}) {
+        // The last two messages are of the kind that no procedure handles.
+        for (const auto& [function, message, item] :
+             {std::tuple(c.initThrower, kDialogInit, short{0}),
+              std::tuple("SX_EndDialog", kDialogCommand, short{2}), std::tuple("", kDialogCommand, short{99}),
+              std::tuple("", std::uint16_t{274}, short{1})}) {
             SCOPED_TRACE(c.dialog + std::string(" ") + function);
             thrower = function;
             messages = {{message, item}};
@@ -112,6 +119,19 @@ TEST(Exceptions, EndInTheEntryPoint) {
     thrower = "SX_Dialog";
     EXPECT_EQ(ScorixExtensionInvoke(nullptr, 0, nullptr, nullptr), 0);
     EXPECT_EQ(Ext_invoke(nullptr, 0, nullptr, nullptr), 0);
+}
+
+TEST(OctaveOfMiddleC, IsThatOfTheHostsNoteNames) {
+    InitializeGlobals();
+    thrower.clear();
+    messages = {{kDialogInit, 0}};
+    for (const auto& [note, octave] :
+         std::map<short, std::intptr_t>{{48, 5}, {49, 4}, {60, 4}, {71, 4}, {72, 3}}) {
+        fourthC = note;
+        MirrorAxis axis;
+        editMirrorAxis(nullptr, axis);
+        EXPECT_EQ(shown[5], octave) << note;
+    }
 }
 
 }  // namespace
