@@ -121,7 +121,7 @@ TEST_F(RetrogradeDialogsTest, ApplyReversesFirstAndStopsWhereItCannot) {
         engine.front.cancelAfter = c.cancelAfter;
         engine.front.alertAnswer = c.repair;
         engine.front.hands[20230] = [](MemoryDialog& dialog) {
-            dialog.press(7);
+            EXPECT_EQ(dialog.press(7), 1);
             if (dialog.open) dialog.press(1);
         };
         if (c.failLoad) planFault(HostFunction::SX_LoadTGF, c.failLoad);
