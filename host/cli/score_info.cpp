@@ -15,7 +15,7 @@ using engine::Document;
 std::string layersUsed(const Document& document, short staff) {
     std::string text;
     for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
-        for (short measure = 1; measure <= document.measureCount(); ++measure) {
+        for (const short measure : document.measureNumbers()) {
             if (document.entries({staff, measure, layer}).empty()) continue;
             text += (text.empty() ? "" : ",") + std::to_string(layer + 1);
             break;
@@ -29,7 +29,7 @@ std::string keysOf(const Document& document, short staff) {
     if (document.staff(staff).unpitched) return "unpitched";
     const engine::KeySignature* key = &document.staffMeasure(staff, 1).key;
     std::string text = keyName(*key);
-    for (short measure = 2; measure <= document.measureCount(); ++measure) {
+    for (const short measure : engine::numbers(2, document.measureCount())) {
         const engine::KeySignature& next = document.staffMeasure(staff, measure).key;
         if (next == *key) continue;
         text += ", " + keyName(next) + " from measure " + document.measure(measure).label;
@@ -60,7 +60,7 @@ std::string scoreInfo(const std::string& name, const Document& document) {
                 document.measure(document.measureCount()).label;
     }
     text += "\n";
-    for (short staff = 1; staff <= document.staffCount(); ++staff) {
+    for (const short staff : document.staffNumbers()) {
         text += "  staff " + std::to_string(staff);
         if (!document.staff(staff).name.empty()) text += "  " + document.staff(staff).name;
         if (measures > 0) text += "  layers " + layersUsed(document, staff) + "  " + keysOf(document, staff);

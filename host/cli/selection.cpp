@@ -43,7 +43,7 @@ Result<short> findMeasure(const Document& document, const MeasurePoint& point) {
         return static_cast<short>(count);
     }
     short found = 0;
-    for (short measure = 1; measure <= document.measureCount(); ++measure) {
+    for (const short measure : document.measureNumbers()) {
         if (document.measure(measure).label != point.number) continue;
         if (found != 0) {
             return problemWith("several measures have the number " + point.number + ", among them #" +
@@ -164,8 +164,8 @@ bool hasNote(const Document& document, const Selection& selection) {
 void forEachFrame(const Selection& selection,
                   const std::function<void(const EREGION&, const FrameAddress&)>& visit) {
     for (const EREGION& region : selection.regions) {
-        for (short measure = region.start.measure; measure <= region.end.measure; ++measure) {
-            for (short staff = region.start.slot; staff <= region.end.slot; ++staff) {
+        for (const short measure : engine::numbers(region.start.measure, region.end.measure)) {
+            for (const short staff : engine::numbers(region.start.slot, region.end.slot)) {
                 for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
                     if (!selection.layers[static_cast<std::size_t>(layer)]) continue;
                     visit(region, {staff, measure, layer});

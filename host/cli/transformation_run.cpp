@@ -102,8 +102,8 @@ class NotesBefore {
 
     template <class Visit>
     static void forEachEntry(const Document& document, const Visit& visit) {
-        for (short staff = 1; staff <= document.staffCount(); ++staff) {
-            for (short measure = 1; measure <= document.measureCount(); ++measure) {
+        for (const short staff : document.staffNumbers()) {
+            for (const short measure : document.measureNumbers()) {
                 for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
                     const FrameAddress address{staff, measure, layer};
                     for (const engine::StoredEntry& entry : document.entries(address)) {
@@ -266,6 +266,7 @@ TransformationOutcome transform(Document& document, const Selection& selection,
     openSession = &session;
     session.selection = selection.regions.front();
     session.layerShown = selection.layers;
+    session.fractions = transformation.fractions();
     forEachFrame(selection, [&](const EREGION&, const FrameAddress&) {
         session.expectedLoads += transformation.stepCount();
     });

@@ -87,6 +87,7 @@ bool readKey(TreeWalk& walk, engine::KeySignature& key, Journal& journal) {
     std::optional<int> fifths;
     bool minor = false;
     std::array<std::int8_t, 7> alters{};  // letters that a free key does not name stay natural
+    std::array<std::int8_t, 7> cents{};
     int letter = -1;
     bool isFree = true;
     for (const std::size_t level = walk.enter(); walk.next(level);) {
@@ -116,13 +117,14 @@ bool readKey(TreeWalk& walk, engine::KeySignature& key, Journal& journal) {
                 }
                 alters[static_cast<std::size_t>(letter)] = static_cast<std::int8_t>(
                     engine::floorDiv(static_cast<int>(alter.value), static_cast<int>(alter.scale)));
+                cents[static_cast<std::size_t>(letter)] = static_cast<std::int8_t>(hundredthsOf(alter));
                 break;
             }
             default:
                 break;
         }
     }
-    key = isFree ? engine::KeySignature::nonStandard(alters)
+    key = isFree ? engine::KeySignature::nonStandard(alters, cents)
                  : engine::KeySignature::standard(fifths.value_or(0), minor);
     return true;
 }

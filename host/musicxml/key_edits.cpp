@@ -132,9 +132,9 @@ class PartKeys {
         for (const auto& [measure, old] : document_.changedMeasures()) {
             if (!editMeasure(measure)) return false;
             // The key of the measure behind begins from what this one ends with.
+            if (measure == document_.measureCount()) continue;
             const auto next = static_cast<short>(measure + 1);
-            const bool last = next > document_.measureCount() || document_.changedMeasures().contains(next);
-            if (!last && !editMeasure(next)) return false;
+            if (!document_.changedMeasures().contains(next) && !editMeasure(next)) return false;
         }
         return true;
     }
@@ -184,7 +184,7 @@ class PartKeys {
     // The one key of the staves that stand in the element, if they agree; unpitched staves have none.
     [[nodiscard]] std::optional<KeySignature> common(short measure, int staffInPart) const {
         std::optional<KeySignature> key;
-        for (short i = 1; i <= part_.staffCount; ++i) {
+        for (const short i : engine::numbers(1, part_.staffCount)) {
             if (staffInPart != 0 && i != staffInPart) continue;
             const auto staff = static_cast<short>(part_.firstStaff + i - 1);
             const KeySignature& own = document_.staffMeasure(staff, measure).key;
@@ -230,7 +230,7 @@ class PartKeys {
         if (const auto shared = common(measure, 0)) {
             text = "<key>" + contentOf(*shared, false) + "</key>";
         } else {
-            for (short i = 1; i <= part_.staffCount; ++i) {
+            for (const short i : engine::numbers(1, part_.staffCount)) {
                 const auto key = common(measure, i);
                 if (!key || !key->isStandard()) continue;
                 text += "<key number=\"" + std::to_string(i) + "\">" + contentOf(*key, false) + "</key>";

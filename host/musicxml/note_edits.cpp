@@ -2,9 +2,11 @@
 #include "musicxml/note_edits.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
+#include <utility>
 
+#include "engine/note_state.h"
+#include "musicxml/accidental_names.h"
 #include "musicxml/note_reading.h"
 #include "musicxml/numbers.h"
 
@@ -28,22 +30,8 @@ std::string decimalText(const Decimal& number) {
     return text;
 }
 
-// The sign that shows an alteration. Alterations without a sign of their own
-// are told by "other".
-std::string_view accidentalName(const Decimal& alter) {
-    constexpr std::array<std::string_view, 13> kHalves = {
-        "triple-flat", "other",         "flat-flat", "three-quarters-flat",  "flat",         "quarter-flat",
-        "natural",     "quarter-sharp", "sharp",     "three-quarters-sharp", "double-sharp", "other",
-        "triple-sharp"};
-    const std::int64_t halves = 2 * alter.value;
-    if (halves % alter.scale != 0) return "other";
-    const std::int64_t index = halves / alter.scale + 6;
-    if (index < 0 || index >= static_cast<std::int64_t>(kHalves.size())) return "other";
-    return kHalves[static_cast<std::size_t>(index)];
-}
-
 void editPitch(const NoteText& note, const engine::SpelledPitch& old, const engine::SpelledPitch& pitch,
-               const Decimal& alter, TextEdits& edits) {
+               const Decimal& alter, bool alterChanged, TextEdits& edits) {
     const auto letter = static_cast<std::size_t>(engine::floorMod(pitch.step, 7));
     if (engine::floorMod(old.step, 7) != engine::floorMod(pitch.step, 7)) {
         edits.replaceContent(note.step, std::string_view("CDEFGAB").substr(letter, 1));
@@ -52,7 +40,7 @@ void editPitch(const NoteText& note, const engine::SpelledPitch& old, const engi
     if (engine::floorDiv(old.step, 7) + 4 != octave) {
         edits.replaceContent(note.octave, std::to_string(octave));
     }
-    if (old.alter == pitch.alter) return;
+    if (!alterChanged) return;
     if (alter.value == 0) {
         edits.remove(note.alter);
     } else if (note.alter.exists()) {
@@ -62,15 +50,30 @@ void editPitch(const NoteText& note, const engine::SpelledPitch& old, const engi
     }
 }
 
-void editAccidental(const NoteText& note, bool shown, bool moved, const Decimal& alter, TextEdits& edits) {
+// A sign that was written stays as it is as long as the alteration does.
+void editAccidental(const NoteText& note, bool shown, const Decimal& oldAlter, const Decimal& alter,
+                    TextEdits& edits) {
     if (!shown) {
         if (note.accidental.exists()) edits.remove(note.accidental);
     } else if (!note.accidental.exists()) {
-        const std::string name(accidentalName(alter));
+        const std::string name(accidentalName(alter, oldAlter, {}));
         edits.insertAfter(note.beforeAccidental, "<accidental>" + name + "</accidental>");
-    } else if (moved && valueOf(edits.text(), note.accidental) != accidentalName(alter)) {
-        edits.replaceContent(note.accidental, accidentalName(alter));
+    } else if (!isSame(oldAlter, alter)) {
+        const std::string written = valueOf(edits.text(), note.accidental);
+        const std::string_view name = accidentalName(alter, oldAlter, written);
+        if (written != name) edits.replaceContent(note.accidental, name);
     }
+}
+
+// The alteration of a record, exactly: its hundredths are either those of the text, or what remains of a
+// semitone when they are taken away, or none of the text's.
+Decimal alterOf(const engine::SpelledPitch& pitch, int cents, const Decimal& text) {
+    constexpr int kHundredths = 100;
+    const std::int64_t part = fractionOf(text);
+    const int known = hundredthsOf(text);
+    if (cents == known) return {pitch.alter * text.scale + part, text.scale};
+    if (cents == kHundredths - known) return {(pitch.alter + 1) * text.scale - part, text.scale};
+    return {std::int64_t{pitch.alter} * kHundredths + cents, kHundredths};
 }
 
 // Removes the ties that the record no longer has, and a <notations> that is
@@ -113,16 +116,17 @@ NoteChange editNote(const NoteText& note, const ENOTE& record, const engine::Spe
     const engine::SpelledPitch old{
         letter + 7 * (octave - 4),
         engine::floorDiv(static_cast<int>(alter.value), static_cast<int>(alter.scale))};
-    alter.value += (pitch.alter - old.alter) * alter.scale;
+    const Decimal oldAlter = std::exchange(alter, alterOf(pitch, engine::centsOf(record), alter));
+    const bool alterChanged = !isSame(oldAlter, alter);
 
     change.oldStep = old.step;
-    change.moved = !(old == pitch);
+    change.moved = old.step != pitch.step || alterChanged;
     if (change.moved) {
         const int newOctave = engine::floorDiv(pitch.step, 7) + 4;
         change.possible = newOctave >= 0 && newOctave <= kHighestOctave;
-        editPitch(note, old, pitch, alter, edits);
+        editPitch(note, old, pitch, alter, alterChanged, edits);
     }
-    editAccidental(note, (record.noteFlags & NOTE_FLAG24) != 0, change.moved, alter, edits);
+    editAccidental(note, (record.noteFlags & NOTE_FLAG24) != 0, oldAlter, alter, edits);
     return change;
 }
 

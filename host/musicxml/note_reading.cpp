@@ -6,6 +6,7 @@
 #include <string>
 
 #include "engine/entry_state.h"
+#include "engine/note_state.h"
 #include "musicxml/note_types.h"
 #include "musicxml/tag_names.h"
 
@@ -65,7 +66,8 @@ bool readPlace(TreeWalk& walk, NoteReading& note, Journal& journal) {
         return false;
     }
     note.rest = false;
-    // A quarter-tone is the semitone below it; its fraction stays in the text.
+    // A quarter-tone is the semitone below it and hundredths of one; its exact fraction stays in the text.
+    note.noteFlags |= engine::flagsOfCents(hundredthsOf(*alter));
     note.pitch = {letter + 7 * (*octave - 4),
                   engine::floorDiv(static_cast<int>(alter->value), static_cast<int>(alter->scale))};
     return true;

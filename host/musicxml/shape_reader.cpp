@@ -149,8 +149,9 @@ const engine::StoredEntry* ShapeReader::nearest(const std::vector<GatheredFrame>
                                                 short until, bool forward) {
     const auto isBefore = [](const GatheredFrame& frame, short measure) { return frame.measure < measure; };
     const engine::StoredEntry* best = nullptr;
-    for (short measure = place.measure; best == nullptr && (forward ? measure <= until : measure >= until);
-         measure = static_cast<short>(measure + (forward ? 1 : -1))) {
+    for (int number = place.measure; best == nullptr && (forward ? number <= until : number >= until);
+         number += forward ? 1 : -1) {
+        const auto measure = static_cast<short>(number);
         auto frame = std::lower_bound(frames.begin(), frames.end(), measure, isBefore);
         for (; frame != frames.end() && frame->measure == measure; ++frame) {
             if (frame->staff != place.staff) continue;

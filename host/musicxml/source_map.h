@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "engine/document.h"
+#include "engine/note_state.h"
 #include "musicxml/clef.h"
 #include "musicxml/numbers.h"
 
@@ -60,7 +61,8 @@ struct PartSource {
 inline std::uint32_t lookOf(const engine::SpelledPitch& pitch, const ENOTE& note) {
     const auto place = static_cast<std::uint32_t>(pitch.step * 64 + pitch.alter);
     const std::uint32_t shown = (note.noteFlags & NOTE_FLAG24) != 0 ? 1 : 0;
-    return (place * 2 + shown) * 2654435761U * (2U * note.noteId + 1U);
+    const auto cents = static_cast<std::uint32_t>(engine::centsOf(note));
+    return (place * 256 + cents * 2 + shown) * 2654435761U * (2U * note.noteId + 1U);
 }
 
 // Offsets of the elements at both ends of a line.

@@ -56,6 +56,10 @@ TEST(NoteEdits, pitch) {
         {"a quarter-tone keeps its fraction",
          whole("<pitch><step>C</step><alter>-0.5</alter><octave>4</octave></pitch>"),
          whole("<pitch><step>D</step><alter>1.5</alter><octave>4</octave></pitch>"), "d#4"},
+        {"a fraction that was mirrored",
+         whole("<pitch><step>C</step><alter>0.125</alter><octave>4</octave></pitch>"),
+         whole("<pitch><step>C</step><alter>-1.125</alter><octave>4</octave></pitch>"), "cbb4",
+         engine::flagsOfCents(13), engine::flagsOfCents(87)},
         {"values in unusual form",
          whole("<pitch ><step><!-- do --><![CDATA[C]]></step><octave > 4 </octave></pitch>"),
          whole("<pitch ><step>D</step><octave >5</octave></pitch>"), "d5"},
@@ -70,6 +74,11 @@ TEST(NoteEdits, accidentals) {
         return "<accidental" + attributes + ">" + name + "</accidental>";
     };
     const std::string red = " color=\"red\"";
+    const auto quarter = [](const std::string& alter, const std::string& more) {
+        return "<note><pitch><step>C</step><alter>" + alter +
+               "</alter><octave>4</octave></pitch><duration>16</duration><type>whole</type>" + more +
+               "</note>";
+    };
     expectEdits({
         {"shown before the stem", note("c4:w", "<dot/><stem>none</stem>"),
          note("c4:w", "<dot/>" + sign("natural") + "<stem>none</stem>"), "c4", 0, NOTE_FLAG24},
@@ -78,6 +87,11 @@ TEST(NoteEdits, accidentals) {
          note("dbb4:w", sign("flat-flat", red)), "dbb4"},
         {"an unmoved note keeps its sign", note("c4:w", sign("natural-sharp")),
          note("c4:w", sign("natural-sharp")), "c4"},
+        {"quarter tones keep their family of signs", quarter("-0.5", sign("slash-flat")),
+         quarter("0.5", sign("slash-quarter-sharp")), "c4"},
+        {"or take the usual one", quarter("0.5", sign("natural-up")), quarter("3.5", sign("other")), "c###4"},
+        {"a sign stays with its alteration", note("c#4:w", sign("natural-sharp")),
+         note("c#5:w", sign("natural-sharp")), "c#5"},
         {"double sharp", note("c#4:w", sign("sharp")), note("f##4:w", sign("double-sharp")), "f##4"},
         {"beyond the signs", note("c#4:w", sign("sharp")), note("c####4:w", sign("other")), "c####4"},
     });
