@@ -103,8 +103,8 @@ class Document {
     // --- reading ---
     [[nodiscard]] short staffCount() const { return static_cast<short>(staves_.size()); }
     [[nodiscard]] short measureCount() const { return static_cast<short>(measures_.size()); }
-    [[nodiscard]] auto staffNumbers() const { return numbers(1, staffCount()); }
-    [[nodiscard]] auto measureNumbers() const { return numbers(1, measureCount()); }
+    [[nodiscard]] NumberRange staffNumbers() const { return numbers(1, staffCount()); }
+    [[nodiscard]] NumberRange measureNumbers() const { return numbers(1, measureCount()); }
     [[nodiscard]] const Staff& staff(short staff) const;
     [[nodiscard]] const Measure& measure(short measure) const;
     [[nodiscard]] const StaffMeasure& staffMeasure(short staff, short measure) const;

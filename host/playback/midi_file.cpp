@@ -219,7 +219,9 @@ void MidiFileMaker::writeStaff(SmfWriter& writer, short staff, const PartNotes& 
     std::vector<Event> events;
     writer.beginTrack();
     writer.meta(0, Meta::trackName, document_.staff(staff).name);
-    for (const SoundingNote& note : std::ranges::equal_range(part.notes, staff, {}, &SoundingNote::staff)) {
+    auto next = std::ranges::lower_bound(part.notes, staff, {}, &SoundingNote::staff);
+    for (; next != part.notes.end() && next->staff == staff; ++next) {
+        const SoundingNote& note = *next;
         const auto [channel, isNew] = channels_.of(part.part, note, performance);
         if (isNew) writer.program(0, channel, performance.instruments[note.instrument].program);
         const int start = tickOf(note.start);
