@@ -106,10 +106,6 @@ class DocumentType {
         if (scanner_.startsWith(p, "<!ENTITY")) {
             return scanner_.fail(Kind::entities, p, "the document type declares entities");
         }
-        const std::string_view rest(p, static_cast<std::size_t>(end_ - p));
-        for (const std::string_view known : {"<!ELEMENT", "<!ATTLIST", "<!NOTATION", "<!ENTITY", "<!--"}) {
-            if (known.starts_with(rest)) return scanner_.truncated(kThing);
-        }
         return scanner_.malformed(p, std::string(kThing) + " holds something that is no declaration");
     }
 
@@ -215,7 +211,6 @@ class DocumentType {
         for (const std::string_view type : kAttributeTypes) {
             if (word == type) return p + type.size();
         }
-        if (p + word.size() == end_) return scanner_.truncated(kThing);
         return scanner_.malformed(p, "an attribute is declared with an unknown type");
     }
 
@@ -250,7 +245,12 @@ class DocumentType {
 }  // namespace
 
 const char* readDocumentType(Scanner& scanner, const char* p) {
-    return DocumentType(scanner).read(p);
+    p = DocumentType(scanner).read(p);
+    if (p != nullptr || scanner.fault().kind != Kind::malformed) return p;
+    // The word that is wrong may be the beginning of a right one.
+    const std::string_view rest(scanner.begin() + scanner.fault().offset, scanner.end());
+    const bool isCut = rest.find_first_of(" \t\r\n\"'()[]<>|,;%", 1) == std::string_view::npos;
+    return isCut ? scanner.truncated(kThing) : nullptr;
 }
 
 }  // namespace rovescio::xml

@@ -1,17 +1,15 @@
 #include "xml/names.h"
 
-#include <cstring>
 #include <functional>
+
+#include "xml/bytes.h"
 
 namespace rovescio::xml {
 
 namespace {
 
-template <typename Word>
-std::uint64_t wordAt(const char* p) {
-    Word word = 0;
-    std::memcpy(&word, p, sizeof word);
-    return word;
+std::uint64_t byteAt(const char* p) {
+    return static_cast<unsigned char>(*p);
 }
 
 // Short names are hashed by their first and last bytes, which may overlap. The seed differs from run to run,
@@ -30,8 +28,8 @@ std::uint64_t hashOf(std::string_view name, std::uint64_t seed) {
         first = wordAt<std::uint32_t>(p);
         last = wordAt<std::uint32_t>(p + size - 4);
     } else if (size > 0) {
-        first = wordAt<std::uint8_t>(p) | wordAt<std::uint8_t>(p + size / 2) << 8;
-        last = wordAt<std::uint8_t>(p + size - 1);
+        first = byteAt(p) | byteAt(p + size / 2) << 8;
+        last = byteAt(p + size - 1);
     }
     std::uint64_t hash = (first ^ seed) * 0x9E3779B97F4A7C15U;
     hash = (hash ^ hash >> 32 ^ last ^ size << 56) * 0xD6E8FEB86659FD93U;
@@ -50,7 +48,9 @@ Names::Names(std::span<const std::string_view> vocabulary) : slots_(kFewestSlots
 
 std::size_t Names::slotOf(std::string_view name) const {
     std::size_t slot = hashOf(name, seed_) & (slots_.size() - 1);
-    while (slots_[slot] != 0 && texts_[slots_[slot] - 1] != name) slot = (slot + 1) & (slots_.size() - 1);
+    while (slots_[slot] != 0 && !areSame(texts_[slots_[slot] - 1], name)) {
+        slot = (slot + 1) & (slots_.size() - 1);
+    }
     return slot;
 }
 

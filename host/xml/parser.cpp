@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "xml/bytes.h"
 #include "xml/doctype.h"
 
 namespace rovescio::xml {
@@ -47,7 +48,8 @@ Parser::Parser(std::string_view text, const Limits& limits, const Names& names, 
       names_(names),
       growing_(growing),
       target_(target),
-      shift_(target.first - static_cast<Node>(target.nodes.size())) {}
+      shift_(target.first - static_cast<Node>(target.nodes.size())),
+      followers_(growing == nullptr ? 0 : names.size()) {}
 
 bool Parser::document() {
     const char* p = prolog(scanner_.begin());
@@ -88,7 +90,10 @@ const char* Parser::xmlDeclaration(const char* p) {
 // Returns p when there is none of that name.
 const char* Parser::pseudoAttribute(const char* p, std::string_view name, bool (*isValid)(std::string_view)) {
     const char* q = skipSpace(p, end_);
-    if (q == p || !scanner_.startsWith(q, name)) return p;
+    if (q == p) return p;
+    if (!scanner_.startsWith(q, name)) {
+        return q != end_ && name.starts_with(between(q, end_)) ? scanner_.truncated(kDeclaration) : p;
+    }
     q = scanner_.expect(skipSpace(q + name.size(), end_), "=", kDeclaration);
     if (q == nullptr) return nullptr;
     q = skipSpace(q, end_);
@@ -132,7 +137,7 @@ const char* Parser::dataMarkup(const char* p) {
 // A '<' that begins nothing that may stand here.
 const char* Parser::noTag(const char* p) {
     const std::string_view rest = between(p, end_);
-    for (const std::string_view known : {"<!--", "<![CDATA["}) {
+    for (const std::string_view known : {"<!--", "<![CDATA[", "<!DOCTYPE"}) {
         if (known.starts_with(rest)) return truncatedElement();
     }
     if (rest.starts_with("<!DOCTYPE")) {
@@ -142,13 +147,9 @@ const char* Parser::noTag(const char* p) {
 }
 
 const char* Parser::startTag(const char* p) {
-    const char* q = nameEnd(p + 1, end_);
-    if (q == end_) return scanner_.truncated("a tag");
-    if (q == p + 1) return noTag(p);
     Name name = 0;
-    if (!numberOf(between(p + 1, q), name)) {
-        return tooLarge(p, "there are more names of elements than " + std::to_string(Names::kMost));
-    }
+    const char* q = elementName(p, name);
+    if (q == nullptr) return nullptr;
     if (nextNumber() - target_.first >= limits_.elements) {
         return tooLarge(p, "there are more elements than " + std::to_string(limits_.elements));
     }
@@ -164,6 +165,31 @@ const char* Parser::startTag(const char* p) {
     q += isEmpty ? 2 : 1;
     node(current_).contentBegin = placeOf(q);
     if (isEmpty) close(q, q);
+    return q;
+}
+
+// From the '<'. Mostly an element is followed by the one that followed its namesake before.
+const char* Parser::elementName(const char* p, Name& name) {
+    const char* q = p + 1;
+    if (!followers_.empty()) {
+        const std::string_view guess = names_.text(name = followers_[lastName_]);
+        if (static_cast<std::size_t>(end_ - q) > guess.size() && !isOf(q[guess.size()], kNameRest | kHigh) &&
+            areSame(guess.data(), q, guess.size())) {
+            lastName_ = name;
+            return q + guess.size();
+        }
+    }
+    q = nameEnd(q, end_);
+    if (q == end_) return scanner_.truncated("a tag");
+    if (q == p + 1) return noTag(p);
+    if (!numberOf(between(p + 1, q), name)) {
+        return tooLarge(p, "there are more names of elements than " + std::to_string(Names::kMost));
+    }
+    if (growing_ != nullptr) {
+        followers_.resize(names_.size());
+        followers_[lastName_] = name;
+        lastName_ = name;
+    }
     return q;
 }
 
@@ -245,7 +271,9 @@ const char* Parser::attribute(const char* p) {
 bool Parser::isNewAttribute(std::string_view name) {
     constexpr std::size_t kFew = 16;
     if (ofTag_.size() < kFew) {
-        if (std::find(ofTag_.begin(), ofTag_.end(), name) != ofTag_.end()) return false;
+        for (const std::string_view other : ofTag_) {
+            if (areSame(other, name)) return false;
+        }
     } else {
         if (ofTag_.size() == kFew) many_ = {ofTag_.begin(), ofTag_.end()};
         if (!many_.insert(name).second) return false;
@@ -286,7 +314,7 @@ const char* Parser::wrongEndTag(const char* p) {
 // Up to the next '<'.
 const char* Parser::characterData(const char* p) {
     for (;;) {
-        while (p != end_ && *p != '<' && *p != '&' && *p != '>') ++p;
+        p = findMarkup(p, end_);
         if (p == end_) return truncatedElement();
         if (*p == '<') return p;
         if (*p == '&') {

@@ -38,6 +38,7 @@ class Parser {
     const char* element(const char* p);
     const char* markup(const char* p);
     const char* startTag(const char* p);
+    const char* elementName(const char* p, Name& name);
     const char* attributes(const char* p);
     const char* attribute(const char* p);
     const char* endTag(const char* p);
@@ -71,6 +72,9 @@ class Parser {
     Node current_ = 0;  // the element that is open. Until it closes, its `next` is its last child
     std::size_t depth_ = 0;
     std::size_t attributes_ = 0;
+    // By the name of an element, the name of what followed its last namesake.
+    std::vector<Name> followers_;
+    Name lastName_ = 0;
     // The attributes of the tag being read; where they are many, those found so far are in the set too.
     std::vector<std::string_view> ofTag_;
     std::unordered_set<std::string_view> many_;
