@@ -28,11 +28,11 @@ TEST(WellFormed, IsAccepted) {
         "<!DOCTYPE a><a/>",
         "<!DOCTYPE a SYSTEM '\"<&%'\n><a/>",
         "<!DOCTYPE a PUBLIC \"-//x y'(z)\" 'u' [ %p; <?p?><!-- - --> ] ><a/>",
-        "<!DOCTYPE a [<!ELEMENT a EMPTY><!ELEMENT b ANY ><!ELEMENT c (#PCDATA)><!ELEMENT d ( #PCDATA | e )* "
-        ">]><a/>",
+        "<!DOCTYPE a [<!ELEMENT a EMPTY><!ELEMENT b ANY >]><a/>",
+        "<!DOCTYPE a [<!ELEMENT c (#PCDATA)><!ELEMENT d ( #PCDATA | e )* >]><a/>",
         "<!DOCTYPE a [<!ELEMENT a ( b? , ( c | (d)* )+ , e )*><!ELEMENT b (c)><!ATTLIST a>]><a/>",
-        "<!DOCTYPE a [<!ATTLIST a b CDATA #REQUIRED c ID #IMPLIED d (0|e ) '&#65;' f NOTATION ( g ) #FIXED "
-        "\"h\">]><a/>",
+        "<!DOCTYPE a [<!ATTLIST a b CDATA #REQUIRED c ID #IMPLIED d (0|e ) '&#65;'>]><a/>",
+        "<!DOCTYPE a [<!ATTLIST a b NOTATION ( g ) #FIXED \"h\">]><a/>",
         "<!DOCTYPE a [<!NOTATION n SYSTEM ''><!NOTATION n PUBLIC '' ><!NOTATION n PUBLIC \"\" \"\">]><a/>",
     };
     for (const std::string& text : texts) EXPECT_EQ(Tree(text, {}).fault().description, "") << text;
