@@ -68,9 +68,10 @@ constexpr std::size_t kChunk = 64;
 bool isPlainChunk(const char* p) {
     unsigned char odd = 0;
     for (std::size_t i = 0; i < kChunk; ++i) {
-        const unsigned char byte = static_cast<unsigned char>(p[i]);
-        const bool control = byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
-        odd = static_cast<unsigned char>(odd | static_cast<unsigned char>(control) | (byte & 0x80));
+        // Bytes beyond ASCII are negative.
+        const auto byte = static_cast<signed char>(p[i]);
+        const bool isOdd = (byte < 0x20) & (byte != '\t') & (byte != '\n') & (byte != '\r');
+        odd = static_cast<unsigned char>(odd | static_cast<unsigned char>(isOdd));
     }
     return odd == 0;
 }
@@ -109,7 +110,8 @@ std::size_t firstIllegal(std::string_view text) {
         while (static_cast<std::size_t>(end - p) >= kChunk && isPlainChunk(p)) p += kChunk;
         const char* const stop = p + std::min(kChunk, static_cast<std::size_t>(end - p));
         while (p < stop) {
-            const std::size_t length = legalLength(p, end);
+            // Printable ASCII in most places.
+            const std::size_t length = static_cast<signed char>(*p) >= 0x20 ? 1 : legalLength(p, end);
             if (length == 0) return static_cast<std::size_t>(p - text.data());
             p += length;
         }

@@ -156,14 +156,14 @@ const char* Parser::startTag(const char* p) {
     if (depth_ >= limits_.depth) {
         return tooLarge(p, "elements are nested more than " + std::to_string(limits_.depth) + " deep");
     }
-    open(p, name);
+    NodeData& opened = open(p, name);
     if (*q != '>') {
         q = attributes(q);
         if (q == nullptr) return nullptr;
     }
     const bool isEmpty = *q == '/';
     q += isEmpty ? 2 : 1;
-    node(current_).contentBegin = placeOf(q);
+    opened.contentBegin = placeOf(q);
     if (isEmpty) close(q, q);
     return q;
 }
@@ -193,7 +193,7 @@ const char* Parser::elementName(const char* p, Name& name) {
     return q;
 }
 
-void Parser::open(const char* p, Name name) {
+NodeData& Parser::open(const char* p, Name name) {
     const Node number = nextNumber();
     if (current_ != 0) {
         NodeData& parent = node(current_);
@@ -207,6 +207,7 @@ void Parser::open(const char* p, Name name) {
     opened.name = name;
     current_ = number;
     ++depth_;
+    return opened;
 }
 
 void Parser::close(const char* contentEnd, const char* end) {
@@ -220,7 +221,7 @@ void Parser::close(const char* contentEnd, const char* end) {
 
 // The place of the '>' or "/>".
 const char* Parser::attributes(const char* p) {
-    ofTag_.clear();
+    attributesOfTag_ = 0;
     for (;;) {
         const char* const q = skipSpace(p, end_);
         if (q == end_) return scanner_.truncated("a tag");
@@ -248,7 +249,7 @@ const char* Parser::attribute(const char* p) {
     if (attributes_ >= limits_.attributes) {
         return tooLarge(p, "there are more attributes than " + std::to_string(limits_.attributes));
     }
-    if (ofTag_.size() >= limits_.attributesOfElement) {
+    if (attributesOfTag_ >= limits_.attributesOfElement) {
         return tooLarge(p,
                         "an element has more attributes than " + std::to_string(limits_.attributesOfElement));
     }
@@ -269,23 +270,24 @@ const char* Parser::attribute(const char* p) {
 }
 
 bool Parser::isNewAttribute(std::string_view name) {
-    constexpr std::size_t kFew = 16;
-    if (ofTag_.size() < kFew) {
-        for (const std::string_view other : ofTag_) {
-            if (areSame(other, name)) return false;
-        }
-    } else {
-        if (ofTag_.size() == kFew) many_ = {ofTag_.begin(), ofTag_.end()};
-        if (!many_.insert(name).second) return false;
+    const std::size_t few = std::min(attributesOfTag_, few_.size());
+    for (std::size_t i = 0; i < few; ++i) {
+        if (areSame(few_[i], name)) return false;
     }
-    ofTag_.push_back(name);
+    if (attributesOfTag_ < few_.size()) {
+        few_[attributesOfTag_] = name;
+    } else {
+        if (attributesOfTag_ == few_.size()) others_.clear();
+        if (!others_.insert(name).second) return false;
+    }
+    ++attributesOfTag_;
     return true;
 }
 
 const char* Parser::endTag(const char* p) {
     const std::string_view name = nameOf(current_);
     const char* q = p + 2;
-    if (static_cast<std::size_t>(end_ - q) <= name.size() || !std::equal(name.begin(), name.end(), q)) {
+    if (static_cast<std::size_t>(end_ - q) <= name.size() || !areSame(name.data(), q, name.size())) {
         return wrongEndTag(p);
     }
     q += name.size();

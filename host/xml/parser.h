@@ -1,6 +1,7 @@
 // Makes the nodes of a tree out of a text, in one pass and without recursion.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 #include <unordered_set>
@@ -59,7 +60,7 @@ class Parser {
     [[nodiscard]] NodeData& node(Node number) { return target_.nodes[number - shift_]; }
     [[nodiscard]] Node nextNumber() const { return static_cast<Node>(target_.nodes.size()) + shift_; }
     [[nodiscard]] std::string_view nameOf(Node number) { return names_.text(node(number).name); }
-    void open(const char* p, Name name);
+    NodeData& open(const char* p, Name name);
     void close(const char* contentEnd, const char* end);
 
     Scanner scanner_;
@@ -75,9 +76,10 @@ class Parser {
     // By the name of an element, the name of what followed its last namesake.
     std::vector<Name> followers_;
     Name lastName_ = 0;
-    // The attributes of the tag being read; where they are many, those found so far are in the set too.
-    std::vector<std::string_view> ofTag_;
-    std::unordered_set<std::string_view> many_;
+    // The attributes of the tag being read: the first ones, and the others where they are many.
+    std::array<std::string_view, 16> few_;
+    std::unordered_set<std::string_view> others_;
+    std::size_t attributesOfTag_ = 0;
 };
 
 }  // namespace rovescio::xml
