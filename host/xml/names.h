@@ -20,6 +20,8 @@ class Names {
 
     // The names of a vocabulary, each once, get the numbers from 0 on in their order; the views must last.
     explicit Names(std::span<const std::string_view> vocabulary);
+    Names(const Names&) = delete;
+    Names& operator=(const Names&) = delete;
 
     // The number of a name, a new one when it has none; the view of a new name is copied. False when there
     // are more names than numbers.

@@ -1,5 +1,6 @@
 #include "xml/tree.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -62,7 +63,7 @@ Tree::Tree(std::string_view text, std::span<const std::string_view> vocabulary, 
         return;
     }
     const std::size_t mark = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
-    nodes_.reserve(text.size() / kBytesOfElement + 2);
+    nodes_.reserve(std::min(text.size() / kBytesOfElement, limits.elements) + 2);
     nodes_.emplace_back();
     fault_ = parseDocument(text.substr(mark), limits, names_, nodes_, static_cast<std::uint32_t>(mark));
     if (isSound()) return;
