@@ -55,6 +55,7 @@ TEST(Tree, DecodesCharacterData) {
         ASSERT_TRUE(tree.isSound()) << text;
         EXPECT_EQ(tree.rootElement().text(), expected) << text;
     }
+    EXPECT_EQ(decoded("1 < 2 & 3 &x; <![CDATA[4"), "1 < 2 & 3 &x; 4");
 }
 
 TEST(Tree, FindsAndDecodesAttributes) {

@@ -25,6 +25,7 @@ TEST(WellFormed, IsAccepted) {
         "<a >&amp;&lt;&gt;&quot;&apos;&#9;&#x10FFFF;&#xd7FF;\x7F\xC2\x80</a\n>",
         "<a>]]<![CDATA[]]]]><![CDATA[<&]>]]>]><!-- <a> & --><?p <a> & ?></a>",
         "<_:-.0\xC3\xA9\xC2\xB7 \xE3\x80\x81\xF0\x90\x80\x80='1'/>",
+        "<r><a/><b/><a/><b\xC3\xA9/></r>",
         "<!DOCTYPE a><a/>",
         "<!DOCTYPE a SYSTEM '\"<&%'\n><a/>",
         "<!DOCTYPE a PUBLIC \"-//x y'(z)\" 'u' [ %p; <?p?><!-- - --> ] ><a/>",
@@ -48,12 +49,13 @@ constexpr std::string_view kMalformed = R"(
     <?xml version='1.0' standalone='no' ^encoding='UTF-8'?><a/>  <?xml version=^1.0?><a/>
     <?xml version='1.0' ^><a/>
 
+    <abc>^</axc>  <a-name-longer-than-any-word>^</a-name-lXnger-than-any-word>
     <a>^</b>  <a>^</ab></a>  <ab>^</a>  <a></a ^b>  <a><b>^</a></b>  <a>^</></a>  <a>^< b/></a>
     <a>^<0/></a>  <a>^<</a>  <a^=''/>  <a ^=''/>  <a b^/>  <a b ^c=''/>  <a b=^c/>  <a b=''^c=''/>
     <a b='' ^b=''/>  <a b='^<'/>  <a b='^&'/>  <a ^/ >  <a ^'b'/>
 
     <a>^]]></a>  <a>^&b;</a>  <a>^& </a>  <a>^&amp</a>  <a>^&#x1F;</a>  <a>^&#xD800;</a>  <a>^&#xFFFE;</a>
-    <a>^&#x110000;</a>  <a>^&#99999999999;</a>  <a>^&#;</a>  <a>^&#xg;</a>  <a>^&#X41;</a>
+    <a>^&#x110000;</a>  <a>^&#99999999999;</a>  <a>^&#4294967361;</a>  <a>^&#;</a>  <a>^&#xg;</a>  <a>^&#X41;</a>
     <a>^<![cdata[]]></a>  <a>^<!DOCTYPE a></a>
 
     <a><!-- ^-- --></a>  <a><!-- ^---></a>  <a><!--^---></a>  <a>^<!- --></a>  <a><?^ p?></a>
@@ -89,9 +91,10 @@ TEST(WellFormed, FaultsHaveTheirPlace) {
         {Kind::malformed, partsOf(kMalformed)},
         {Kind::malformed,
          {" ^<?xml version='1.0'?><a/>", "<a\xC3\xA9^\xC3\x97/>", "<a>^\x01</a>", "<a^\x1F/>",
-          "<a>^\xC0\x80</a>", "<a>^\xE0\x80\x80</a>", "<a>^\xF0\x80\x80\x80</a>", "<a>^\xED\xA0\x80</a>",
+          "<a>^\xC0\x80</a>", "<a>^\xE0\x9F\xBF</a>", "<a>^\xF0\x8F\xBF\xBD</a>", "<a>^\xED\xA0\x80</a>",
           "<a>^\xEF\xBF\xBE</a>", "<a>^\xEF\xBF\xBF</a>", "<a>^\xF4\x90\x80\x80</a>", "<a>^\x80</a>",
-          "<a>^\xC3</a>", "<a>^\xE2\x82</a>", "<a/>^\xE2\x82", "<a b='^\xFF'/>"}},
+          "<a>^\xC3</a>", "<a>^\xE2\x82</a>", "<a/>^\xE2\x82", "<a b='^\xFF'/>", "\xEF\xBB\xBF<a>^</b>",
+          "<a>^\x1F" + std::string(70, '.') + "</a>"}},
     };
     for (const auto& [kind, texts] : table) {
         for (std::string text : texts) {
@@ -152,7 +155,7 @@ std::string withAttributes(std::size_t count) {
 }
 
 TEST(WellFormed, LimitsAreNamed) {
-    const Limits limits{.elements = 4, .attributes = 30, .attributesOfElement = 20, .depth = 3};
+    const Limits limits{.elements = 4, .attributes = 40, .attributesOfElement = 20, .depth = 3};
     const std::pair<std::string, std::string> table[] = {
         {"<a><b/><b/><b/></a>", ""},
         {"<a><b/><b/><b/><b/></a>", "there are more elements than 4"},
@@ -160,8 +163,9 @@ TEST(WellFormed, LimitsAreNamed) {
         {"<a><a><a><a></a></a></a></a>", "elements are nested more than 3 deep"},
         {withAttributes(20), ""},
         {withAttributes(21), "an element has more attributes than 20"},
-        {"<a>" + withAttributes(20) + withAttributes(10) + "</a>", ""},
-        {"<a>" + withAttributes(20) + withAttributes(11) + "</a>", "there are more attributes than 30"},
+        {"<a>" + withAttributes(20) + withAttributes(20) + "</a>", ""},
+        {"<a>" + withAttributes(20) + withAttributes(20) + withAttributes(1) + "</a>",
+         "there are more attributes than 40"},
     };
     for (const auto& [text, description] : table) {
         const ParseFault fault = Tree(text, {}, limits).fault();
