@@ -36,9 +36,9 @@ void overScore(benchmark::State& state, Work&& work, int notesPerMeasure = 8) {
             EREGION region = everythingIn(document);
             state.ResumeTiming();
             const std::int64_t before = allocations();
-            CProgress progress = kit::startMassEdit();
-            work(session, region, progress);
-            kit::endMassEdit(progress);
+            kit::MassEdit massEdit;
+            work(session, region, massEdit.progress);
+            massEdit.end();
             allocated += allocations() - before;
             state.PauseTiming();
         }

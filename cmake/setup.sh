@@ -1,4 +1,4 @@
-# Sets up what the project needs on this machine; sourced by the scripts rovescio and test.
+# Sets up what the project needs on this machine; sourced by the scripts rovescio, test and package.
 #
 # Everything said here goes to standard error: the program may be part of a pipe.
 
@@ -7,7 +7,18 @@ say() {
     printf '%s\n' "$*" >&2
 }
 
-# Packages of the given purposes (build, test) that are not installed.
+# Waits until no other of the scripts builds. Several may be started at once; the later ones find all done.
+lock_build() {
+    mkdir -p "$source_dir/build" && exec 9> "$source_dir/build/.lock" || exit 5
+    flock 9
+    log=$source_dir/build/setup.log
+}
+
+unlock_build() {
+    exec 9>&-
+}
+
+# Packages of the given purposes (see packages.txt) that are not installed.
 missing_packages() {
     local purpose package wanted=()
     while read -r purpose package; do
@@ -18,9 +29,30 @@ missing_packages() {
     done
 }
 
+# Copies a build's output to the log and tells on the terminal, in one line that is rewritten, how far it is.
+log_steps() {
+    local line shown=
+    while IFS= read -r line; do
+        printf '%s\n' "$line"
+        if [[ $line =~ ^\[([0-9]+)/([0-9]+)\] ]]; then
+            shown="Building: step ${BASH_REMATCH[1]} of ${BASH_REMATCH[2]}"
+            printf '\r%s\033[K' "$shown" >&2
+        fi
+    done >> "$log"
+    [[ -z $shown ]] || printf '\r\033[K' >&2
+}
+
 # Runs a command with its output in the log; shows the log's end when the command fails.
 run_logged() {
-    if ! "$@" >> "$log" 2>&1 < /dev/null; then
+    local status
+    if [[ -t 2 ]]; then
+        "$@" 2>&1 < /dev/null | log_steps
+        status=${PIPESTATUS[0]}
+    else
+        "$@" >> "$log" 2>&1 < /dev/null
+        status=$?
+    fi
+    if [[ $status -ne 0 ]]; then
         say "This failed: $*"
         tail -n 40 "$log" >&2
         say "The whole log: $log"
@@ -55,7 +87,18 @@ install_packages() {
 build_preset() {
     local preset=$1
     shift
-    run_logged cmake --build "$source_dir/build/$preset" ${1:+--target "$@"}
+    NINJA_STATUS='[%f/%t] ' run_logged cmake --build "$source_dir/build/$preset" ${1:+--target "$@"}
+}
+
+# Builds what the program needs to run, or to be packed.
+build_program() {
+    # The tests need more packages than the program; a build tree that has them keeps them.
+    if [[ ! -f $source_dir/build/release/build.ninja ]]; then
+        local options=(-DROVESCIO_TESTS=OFF -DROVESCIO_BENCHMARKS=OFF)
+        [[ -f $source_dir/build/release/CMakeCache.txt ]] && options=()
+        (cd "$source_dir" && run_logged cmake --preset release "${options[@]}") || return 1
+    fi
+    build_preset release product
 }
 
 # Prints a path when a source changed since the stamp file. The time of the last status change is

@@ -2,11 +2,13 @@
 #include "cli/batch.h"
 
 #include <poll.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <system_error>
@@ -25,6 +27,15 @@ namespace {
 namespace fs = std::filesystem;
 using engine::Result;
 
+// What tells files apart, whatever paths lead to them.
+using FileId = std::pair<dev_t, ino_t>;
+
+std::optional<FileId> fileAt(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) return std::nullopt;
+    return FileId(status.st_dev, status.st_ino);
+}
+
 class Batch {
   public:
     Batch(const Options& options, std::string program, std::vector<BatchItem> items)
@@ -37,7 +48,7 @@ class Batch {
     }
 
     ExitCode run() {
-        const DeferredCancel deferred;
+        const DeferredCancel deferred(DeferredCancel::End::handOver);
         while (!DeferredCancel::requested() && (next_ < items_.size() || !running_.empty())) {
             while (next_ < items_.size() && running_.size() < slots_) startNext();
             waitForMessages();
@@ -158,19 +169,36 @@ Result<std::vector<BatchItem>> planBatch(const std::vector<std::string>& scores,
     if (!fs::is_directory(folder, error)) {
         return problemWith(folder + ": there is no such folder", "Create it first");
     }
+    std::map<FileId, std::string> scoreAt;
+    for (const std::string& score : scores) {
+        if (const std::optional<FileId> file = fileAt(score)) scoreAt.emplace(*file, score);
+    }
     std::vector<BatchItem> items;
     std::map<std::string, std::string> scoreOf;
+    std::map<FileId, std::string> scoreOnto;
     for (const std::string& score : scores) {
-        const fs::path target = fs::path(folder) / fs::path(score).filename();
-        const auto [known, isNew] = scoreOf.emplace(target.string(), score);
-        if (!isNew) {
-            return problemWith(known->second + " and " + score + " would both become " + target.string(),
+        const std::string target = (fs::path(folder) / fs::path(score).filename()).string();
+        const auto [sameName, isNewName] = scoreOf.emplace(target, score);
+        const std::string* other = isNewName ? nullptr : &sameName->second;
+        // A link in the folder can lead to where another result goes, or to a score.
+        const std::optional<FileId> file = fileAt(target);
+        if (file && isNewName) {
+            const auto [sameFile, isNewFile] = scoreOnto.emplace(*file, score);
+            if (!isNewFile) other = &sameFile->second;
+        }
+        if (other != nullptr) {
+            std::string message = *other + " and ";
+            message.append(score).append(" would both become ").append(target);
+            return problemWith(std::move(message),
                                "Put them into different folders, or give one another name");
         }
-        if (fs::equivalent(score, target, error)) {
-            return problemWith(score + " would be replaced by its own result", "Choose another --out-dir");
+        if (const auto onto = scoreAt.find(file.value_or(FileId())); file && onto != scoreAt.end()) {
+            const bool own = onto->second == score;
+            std::string message = onto->second + " would be replaced by ";
+            message += own ? "its own result" : "the result of " + score;
+            return problemWith(std::move(message), "Choose another --out-dir");
         }
-        items.push_back({score, target.string()});
+        items.push_back({score, target});
     }
     return items;
 }

@@ -1,7 +1,13 @@
 // The user's cancel: Ctrl-C and the termination signals.
 #pragma once
 
+#include <signal.h>
+
+#include <cstddef>
 #include <string>
+#include <string_view>
+
+#include "cli/exit_code.h"
 
 namespace rovescio::cli {
 
@@ -9,25 +15,69 @@ namespace rovescio::cli {
 // grows beyond its limit makes writing fail instead of ending the program.
 void watchSignals();
 
+// Ends the program from wherever it is, with a message; files on their way are removed. Safe in a signal's
+// handler and where no memory is left.
+[[noreturn]] void endProgram(std::string_view text, ExitCode code);
+
 // While an object of this class lives, a first signal is only remembered, so that the work at hand can be
-// rolled back; a second one ends the program at once.
+// brought to an end in order; a second one ends the program at once.
 class DeferredCancel {
   public:
-    DeferredCancel();
+    // What the work at hand means by an end in order.
+    enum class End {
+        rollBack,  // in no time, else the program ends all the same; and at the latest with this object
+        handOver,  // whenever others have ended, which the work sees to
+    };
+    explicit DeferredCancel(End end);
     ~DeferredCancel();
     DeferredCancel(const DeferredCancel&) = delete;
     DeferredCancel& operator=(const DeferredCancel&) = delete;
 
     [[nodiscard]] static bool requested();
+
+  private:
+    End end_;
 };
 
-// While an object of this class lives, a signal removes the file before it ends the program.
+// While an object of this class lives, signals wait.
+class HeldSignals {
+  public:
+    HeldSignals();
+    ~HeldSignals();
+    HeldSignals(const HeldSignals&) = delete;
+    HeldSignals& operator=(const HeldSignals&) = delete;
+
+  private:
+    sigset_t before_{};
+};
+
+// While an object of this class lives, a signal removes the file before it ends the program. For at most two
+// files at a time.
 class RemovedOnCancel {
   public:
     explicit RemovedOnCancel(const std::string& path);
     ~RemovedOnCancel();
     RemovedOnCancel(const RemovedOnCancel&) = delete;
     RemovedOnCancel& operator=(const RemovedOnCancel&) = delete;
+
+  private:
+    std::size_t slot_;
+};
+
+// Something is about to be written that cannot be taken back; the words of a cancel take that into account.
+void streamBegins();
+
+// The time in which the results are put into place: a cancel that came before ends the program as this object
+// is made, and one that comes later waits. Whether it is too late then depends on what was decided meanwhile.
+class CommitPoint {
+  public:
+    CommitPoint();
+
+    // Everything is in place, and a cancel can only end what follows, such as playing.
+    static void allWritten();
+
+  private:
+    HeldSignals held_;
 };
 
 }  // namespace rovescio::cli

@@ -10,7 +10,7 @@ enum class ExitCode : int {
     badInput = 3,      // a score cannot be read
     badOutput = 4,     // the result cannot be written
     installation = 5,  // a bundle, an entry point or a host function is missing
-    ruleBroken = 70,   // the plug-in broke a rule of the host
+    ruleBroken = 70,   // the plug-in broke a rule of the host, or the result is not sound
     cancelled = 130,   // interrupted by the user
 };
 

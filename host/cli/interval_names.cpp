@@ -73,6 +73,26 @@ std::optional<int> parseNumber(std::string_view word) {
     return number;
 }
 
+// Intervals that have a name of their own.
+struct NamedInterval {
+    std::string_view name;
+    int number;
+    int alteration;
+};
+
+constexpr std::array<NamedInterval, 12> kNamedIntervals = {{{"tritone", 4, 1},
+                                                            {"semitone", 2, -1},
+                                                            {"half tone", 2, -1},
+                                                            {"half step", 2, -1},
+                                                            {"halftone", 2, -1},
+                                                            {"halfstep", 2, -1},
+                                                            {"tone", 2, 0},
+                                                            {"whole tone", 2, 0},
+                                                            {"whole step", 2, 0},
+                                                            {"wholetone", 2, 0},
+                                                            {"wholestep", 2, 0},
+                                                            {"ditone", 3, 0}}};
+
 // A count of octaves: "2" or "two".
 std::optional<int> parseCount(std::string_view word) {
     const auto* named = std::find(kCounts.begin(), kCounts.end(), word);
@@ -129,7 +149,8 @@ std::vector<std::string> wordsOf(const std::string& text) {
         const bool inWord = i > 0 && i + 1 < text.size() &&
                             std::isalpha(static_cast<unsigned char>(text[i - 1])) != 0 &&
                             std::isalpha(static_cast<unsigned char>(text[i + 1])) != 0;
-        const bool separates = text[i] == ',' || text[i] == '_' || (text[i] == '-' && inWord);
+        const bool separates =
+            text[i] == ',' || text[i] == '_' || text[i] == '.' || (text[i] == '-' && inWord);
         spaced += separates ? ' ' : text[i];
     }
     std::istringstream stream(spaced);
@@ -204,10 +225,33 @@ class WordReader {
         return nullptr;
     }
 
+    std::optional<Transposition> readNamed() {
+        std::string rest = word();
+        for (std::size_t ahead = 1; next_ + ahead < words_.size(); ++ahead) rest += " " + word(ahead);
+        const auto* named = std::ranges::find(kNamedIntervals, rest, &NamedInterval::name);
+        if (named == kNamedIntervals.end()) return std::nullopt;
+        next_ = words_.size();
+        return chromatic(named->number, named->alteration);
+    }
+
+    // "min3" and "aug4" as two words; single letters are read by themselves.
+    void splitDigits() {
+        std::string& last = words_.back();
+        const std::size_t digits = last.find_first_of("0123456789");
+        constexpr std::size_t kShortestWord = 3;
+        if (digits == std::string::npos || digits < kShortestWord) return;
+        std::string number = last.substr(digits);
+        last.resize(digits);
+        words_.push_back(std::move(number));
+    }
+
     std::optional<Transposition> readInterval() {
         skipArticle();
         if (!atEnd() && next_ + 1 == words_.size()) {
-            if (word() == "tritone") return chromatic(4, 1);
+            splitDigits();
+        }
+        if (std::optional<Transposition> named = readNamed()) return named;
+        if (!atEnd() && next_ + 1 == words_.size()) {
             if (std::optional<Transposition> letters = parseLetters(words_[next_])) return letters;
         }
         const Quality* quality = readQuality();
@@ -225,8 +269,11 @@ class WordReader {
 };
 
 std::string nearestName(const std::string& name) {
+    // Names of one size look alike: with more than a slip of the pen another interval is as likely meant.
+    constexpr std::size_t kSlip = 2;
     std::string nearest;
-    std::size_t nearestDistance = name.size();
+    bool isAlone = false;
+    std::size_t nearestDistance = kSlip + 1;
     const std::string wanted = lowered(name);
     for (const std::string_view direction : {"", "up ", "down "}) {
         for (int number = 1; number <= static_cast<int>(kOrdinals.size()); ++number) {
@@ -241,20 +288,24 @@ std::string nearestName(const std::string& name) {
                 if (distance < nearestDistance) {
                     nearest = candidate;
                     nearestDistance = distance;
+                    isAlone = true;
+                } else if (distance == nearestDistance) {
+                    isAlone = false;
                 }
             }
         }
     }
-    return nearest;
+    return isAlone ? nearest : std::string();
 }
 
 engine::Problem unknownInterval(const std::string& name) {
     engine::Problem problem = problemWith("\"" + name + "\" is no interval known here", "");
     const std::string nearest = nearestName(name);
-    if (!nearest.empty()) problem.message += "; the nearest is \"" + nearest + "\"";
+    if (!nearest.empty()) problem.message += "; perhaps you mean \"" + nearest + "\"";
     problem.remedy =
         "Write up or down, a quality (perfect, major, minor, augmented, diminished, doubly augmented, doubly "
-        "diminished) and a number (unison to fifteenth), or letters (P M m A d AA dd) and digits: "
+        "diminished) and a number (unison to fifteenth), a tone, semitone or tritone, or letters (P M m A d "
+        "AA dd) and digits: "
         "\"up minor third\", \"down P5\", \"m-3\", \"two octaves and a major second\"";
     return problem;
 }

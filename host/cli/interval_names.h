@@ -8,8 +8,9 @@
 
 namespace rovescio::cli {
 
-// Reads an interval name: "up minor third", "down P5", "m-3", "an octave and a major third". The problem of
-// an unknown name tells what is understood and the nearest name that is.
+// Reads an interval name: "up minor third", "down P5", "m-3", "min3", "a whole tone", "an octave and a major
+// third". The problem of an unknown name tells what is understood, and the name that was meant if that is
+// clear.
 engine::Result<dialogs::Transposition> parseInterval(const std::string& name);
 
 // Semitones, negative for down; spelled as minor or diminished intervals (flats) or as augmented ones

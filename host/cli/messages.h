@@ -1,16 +1,26 @@
-// What the program says to its user on standard error.
+// What the program says to its user, line by line.
 #pragma once
 
 #include <cstddef>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "engine/problem.h"
 
 namespace rovescio::cli {
 
-// Prints "rovescio: " and the text as one line.
+// A text as one line that a terminal only shows: names in files could hold control characters, with which
+// they would move the cursor, set colours or rewrite what stands above. These become blanks or question
+// marks.
+std::string printable(std::string_view text);
+
+// Prints "rovescio: " and the text as one line on standard error.
 void say(const std::string& text);
 void say(const engine::Problem& problem);
+
+// Prints lines on standard output; false, after a message, when that cannot be written.
+bool show(const std::vector<std::string>& lines);
 
 // A problem that concerns no file.
 engine::Problem problemWith(std::string message, std::string remedy);

@@ -3,12 +3,12 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
-#include <filesystem>
 #include <iostream>
 #include <string_view>
 
 #include "cli/messages.h"
-#include "cli/score_bytes.h"
+#include "cli/output_path.h"
+#include "cli/result_names.h"
 #include "cli/transformation_options.h"
 
 namespace rovescio::cli {
@@ -83,7 +83,8 @@ void define(CLI::App& app, Options& options, RawOptions& raw) {
 
     const char* where = "Where (default: everywhere)";
     app.add_option("-m,--measures", raw.measures,
-                   "By printed number: 7, 3-10, 3-; with beats 3:2-10:1.5; #5 is the fifth")
+                   "By printed number: 7, 3-10, 3- or several: 1-4,9-12; with "
+                   "beats 3:2-10:1.5; #5 is the fifth")
         ->type_name("RANGE")
         ->group(where);
     app.add_option("-s,--staves", raw.staves, "From the top: 1-2 or 1,3-4")->type_name("LIST")->group(where);
@@ -152,7 +153,7 @@ Result<engine::Done> understand(const RawOptions& raw, Options& options) {
     if (!transformation) return transformation.problem();
     options.transformation = transformation.value();
     if (!raw.measures.empty()) {
-        const Result<MeasureRange> measures = parseMeasures(raw.measures);
+        const Result<MeasureRanges> measures = parseMeasures(raw.measures);
         if (!measures) return measures.problem();
         options.selection.measures = measures.value();
     }
@@ -179,30 +180,27 @@ Result<engine::Done> understand(const RawOptions& raw, Options& options) {
     return engine::Done{};
 }
 
-bool isSameFile(const std::string& left, const std::string& right) {
-    std::error_code error;
-    return left == right || std::filesystem::equivalent(left, right, error);
-}
-
 // The same for playback.
 Result<engine::Done> checkPlayback(const Options& options) {
     if (!options.wantsPlayback()) return engine::Done{};
     if (options.scores.size() > 1 || !options.outputFolder.empty()) {
         return problemWith("--play and --midi are for one score", "Leave the other scores and --out-dir out");
     }
+    if (options.selection.measures.size() > 1) {
+        return problemWith("--play and --midi take one range of measures",
+                           "Name one range, or play each from the result");
+    }
     if (options.midiFile.empty()) return engine::Done{};
-    if (options.midiFile == kStandardStream) {
-        if (options.output != kStandardStream) return engine::Done{};
-        return problemWith("--midi - and -o - cannot both be standard output", "Name a file for one of them");
+    if (!options.output.empty() && sameOutput(options.midiFile, options.output)) {
+        return problemWith(
+            "--midi " + options.midiFile + " and -o " + options.output + " lead to the same place",
+            "Name two files");
     }
-    if (options.midiFile == options.output) {
-        return problemWith("--midi and -o name the same file", "Name two files");
-    }
-    if (isSameFile(options.midiFile, options.scores.front())) {
+    if (isOutputOnto(options.midiFile, options.scores.front())) {
         return problemWith("--midi " + options.midiFile + " would replace the score itself",
                            "Name another file, such as one that ends in .mid");
     }
-    return engine::Done{};
+    return checkMidiName(options.midiFile);
 }
 
 // The same for row forms, which need no score.
@@ -235,6 +233,7 @@ Result<engine::Done> checkMidiInput(const Options& options) {
 
 // Finds combinations that make no sense.
 Result<engine::Done> checkTogether(const Options& options) {
+    if (Result<engine::Done> name = checkScoreName(options.output, options.scores); !name) return name;
     if (!options.row.empty()) return checkRowForms(options);
     const bool several = options.scores.size() > 1;
     const bool nothing = options.transformation.stepCount() == 0;

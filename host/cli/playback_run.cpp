@@ -2,7 +2,7 @@
 #include "cli/playback_run.h"
 
 #include "cli/messages.h"
-#include "cli/score_bytes.h"
+#include "cli/output_path.h"
 #include "playback/midi_file.h"
 
 namespace rovescio::cli {
@@ -12,7 +12,7 @@ using engine::Result;
 
 Result<PlaybackRun> PlaybackRun::prepare(const Options& options) {
     if (!options.midiFile.empty()) {
-        if (const Result<Done> target = checkTarget(options.midiFile); !target) return target.problem();
+        if (const auto target = findOutput(options.midiFile); !target) return target.problem();
     }
     std::optional<Player> player;
     if (options.play) {
@@ -23,22 +23,26 @@ Result<PlaybackRun> PlaybackRun::prepare(const Options& options) {
     return PlaybackRun(options.midiFile, std::move(player));
 }
 
-Result<Done> PlaybackRun::write(const engine::Document& document, const engine::Performance& performance,
-                                const engine::PlaybackRequest& request, const Selection& selection) {
+Result<Done> PlaybackRun::make(const engine::Document& document, const engine::Performance& performance,
+                               const engine::PlaybackRequest& request, const Selection& selection) {
     Result<playback::MidiFile> file =
         playback::makeMidiFile(document, performance, request, selection.layers);
     if (!file) return file.problem();
     bytes_ = std::move(file->bytes);
     notices_ = std::move(file->notices);
     heard_ = counted(file->notes, "note") + " in " + selection.description;
-    if (midiFile_.empty()) return Done{};
-    return writeScoreBytes(midiFile_, [&](const auto& sink) { return sink(bytes_); });
+    return Done{};
+}
+
+std::optional<Output> PlaybackRun::output() const {
+    if (midiFile_.empty()) return std::nullopt;
+    return Output{midiFile_, [this](const auto& sink) { return sink(bytes_); }};
 }
 
 ExitCode PlaybackRun::play(bool quiet) const {
     for (const std::string& notice : notices_) say(notice);
     if (!quiet && !midiFile_.empty()) {
-        say("MIDI of " + heard_ + " -> " + (midiFile_ == kStandardStream ? "standard output" : midiFile_));
+        say("MIDI of " + heard_ + " -> " + outputName(midiFile_));
     }
     if (!player_) return ExitCode::ok;
     if (!quiet) say("playing " + heard_ + "; Ctrl-C stops");

@@ -9,6 +9,7 @@
 
 #include "cli/exit_code.h"
 #include "cli/options.h"
+#include "cli/outputs.h"
 #include "cli/player.h"
 #include "cli/selection.h"
 #include "engine/document.h"
@@ -23,10 +24,12 @@ class PlaybackRun {
     // Finds out before any work whether what the options ask for is possible here.
     static engine::Result<PlaybackRun> prepare(const Options& options);
 
-    // Makes the music and writes the MIDI file if one is wanted.
-    engine::Result<engine::Done> write(const engine::Document& document,
-                                       const engine::Performance& performance,
-                                       const engine::PlaybackRequest& request, const Selection& selection);
+    // Makes the music.
+    engine::Result<engine::Done> make(const engine::Document& document,
+                                      const engine::Performance& performance,
+                                      const engine::PlaybackRequest& request, const Selection& selection);
+    // The MIDI file, if one is wanted; valid as long as this object is.
+    [[nodiscard]] std::optional<Output> output() const;
     // Tells of it, and plays if that is wanted.
     [[nodiscard]] ExitCode play(bool quiet) const;
 

@@ -91,7 +91,7 @@ Result<Player::End> Player::play(const std::string& midiFile) const {
         std::fflush(file.get()) != 0) {
         return problemWith("there is no room for a temporary MIDI file", "Make room, or set TMPDIR");
     }
-    const DeferredCancel deferred;
+    const DeferredCancel deferred(DeferredCancel::End::handOver);
     Result<ChildProcess> synthesiser = ChildProcess::start(
         program_, {"-q", "-n", "-i", soundFont_, "/dev/fd/" + std::to_string(fileno(file.get()))});
     if (!synthesiser) return synthesiser.problem();

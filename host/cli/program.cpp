@@ -2,8 +2,6 @@
 // validate.
 #include "cli/program.h"
 
-#include <filesystem>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -12,10 +10,15 @@
 
 #include "cli/batch.h"
 #include "cli/cancel.h"
+#include "cli/foreign_formats.h"
 #include "cli/installation.h"
+#include "cli/memory.h"
 #include "cli/messages.h"
 #include "cli/options.h"
+#include "cli/output_path.h"
+#include "cli/outputs.h"
 #include "cli/playback_run.h"
+#include "cli/result_names.h"
 #include "cli/row_forms.h"
 #include "cli/score_bytes.h"
 #include "cli/score_info.h"
@@ -32,7 +35,6 @@ namespace {
 using engine::Document;
 using engine::Problem;
 using engine::Result;
-using musicxml::Container;
 using musicxml::ScoreFile;
 
 std::string scoreName(const std::string& path) {
@@ -44,7 +46,20 @@ Result<ScoreFile> readScore(const std::string& path, std::size_t maximumBytes, D
     if (!bytes) return bytes.problem();
     musicxml::ReadOptions options;
     options.maxBytes = maximumBytes;
-    return ScoreFile::read(std::move(*bytes), scoreName(path), document, options);
+    const std::string sample = formatSample(*bytes);
+    Result<ScoreFile> score = ScoreFile::read(std::move(*bytes), scoreName(path), document, options);
+    if (score) return score;
+    const std::optional<Problem> foreign = foreignFormat(sample, scoreName(path));
+    return foreign ? Result<ScoreFile>(*foreign) : Result<ScoreFile>(score.problem());
+}
+
+ExitCode fail(ExitCode code, const Problem& problem) {
+    if (memoryIsShort()) {
+        say(memoryProblem());
+        return ExitCode::refused;
+    }
+    if (!problem.message.empty()) say(problem);
+    return code;
 }
 
 ExitCode showInfo(const Options& options) {
@@ -53,26 +68,11 @@ ExitCode showInfo(const Options& options) {
         Document document;
         const Result<ScoreFile> score = readScore(path, options.maximumBytes, document);
         if (!score) {
-            say(score.problem());
-            code = ExitCode::badInput;
+            code = fail(ExitCode::badInput, score.problem());
             continue;
         }
-        std::cout << scoreInfo(scoreName(path), document);
+        if (!show(scoreInfo(scoreName(path), document))) return ExitCode::badOutput;
     }
-    std::cout.flush();
-    if (!std::cout) {
-        say("standard output cannot be written");
-        return ExitCode::badOutput;
-    }
-    return code;
-}
-
-Container containerFor(const std::string& path) {
-    return std::filesystem::path(path).extension() == ".mxl" ? Container::compressed : Container::plain;
-}
-
-ExitCode fail(ExitCode code, const Problem& problem) {
-    if (!problem.message.empty()) say(problem);
     return code;
 }
 
@@ -87,8 +87,7 @@ void summarise(const Options& options, const TransformationOutcome& outcome, con
     if (outcome.notesChanged < outcome.notesSelected)
         notes = std::to_string(outcome.notesChanged) + " of " + notes;
     say((options.transformation.isTransposition() ? "transposed " : "changed ") + notes + " in " +
-        selection.description + " -> " +
-        (options.output == kStandardStream ? "standard output" : options.output));
+        selection.description + " -> " + outputName(options.output));
 }
 
 // Everything that a score needs around it while it is worked on; found before any work begins.
@@ -111,7 +110,7 @@ RunOptions runOptions(const Options& options, const Installation& installation) 
 // The code tells what is missing, after a message.
 ExitCode prepare(const Options& options, const Installation& installation, Surroundings& around) {
     if (!options.output.empty()) {
-        const Result<engine::Done> target = checkTarget(options.output);
+        const Result<OutputPath> target = findOutput(options.output);
         if (!target) return fail(ExitCode::badOutput, target.problem());
     }
     around.run = runOptions(options, installation);
@@ -137,23 +136,32 @@ ExitCode finishScore(const Options& options, const ScoreFile& score, const Docum
                      const Selection& selection, const TransformationOutcome& outcome, Surroundings& around) {
     const std::string& path = options.scores.front();
     std::vector<std::string> notices = score.notices();
+    notices.insert(notices.end(), outcome.notices.begin(), outcome.notices.end());
     std::optional<musicxml::WrittenFile> written;
     if (!options.output.empty()) {
         Result<musicxml::WrittenFile> result = score.write(document, containerFor(options.output));
         if (!result) return failScore(ExitCode::refused, result.problem(), path);
         written = std::move(*result);
+        if (written->fault()) return fail(ExitCode::ruleBroken, *written->fault());
         notices.insert(notices.end(), written->notices().begin(), written->notices().end());
     }
-    if (around.playback) {
-        const Result<engine::Done> stored =
-            around.playback->write(document, score.performance(), *outcome.playback, selection);
-        if (!stored) return fail(ExitCode::badOutput, stored.problem());
-    }
+    std::vector<Output> outputs;
     if (written) {
-        const Result<engine::Done> stored = writeScoreBytes(
-            options.output, [&](const musicxml::ByteSink& sink) { return written->writeTo(sink); });
-        if (!stored) return fail(ExitCode::badOutput, stored.problem());
+        outputs.push_back({options.output, [&](const auto& sink) { return written->writeTo(sink); }});
     }
+    if (around.playback) {
+        // The library for MIDI files keeps each note as two events, and aborts where it cannot.
+        constexpr std::size_t kBytesOfNote = 512;
+        if (!hasMemoryFor(outcome.notesSelected * kBytesOfNote)) {
+            return fail(ExitCode::refused, memoryProblem());
+        }
+        const Result<engine::Done> made =
+            around.playback->make(document, score.performance(), *outcome.playback, selection);
+        if (!made) return fail(ExitCode::badOutput, made.problem());
+        if (std::optional<Output> output = around.playback->output()) outputs.push_back(std::move(*output));
+    }
+    const Result<engine::Done> stored = writeOutputs(outputs);
+    if (!stored) return fail(ExitCode::badOutput, stored.problem());
     for (const std::string& notice : notices) say(notice);
     if (!options.quiet && written) summarise(options, outcome, selection);
     return around.playback ? around.playback->play(options.quiet) : ExitCode::ok;
@@ -161,17 +169,12 @@ ExitCode finishScore(const Options& options, const ScoreFile& score, const Docum
 
 // Tells what the check found; the exit status says whether that was anything.
 ExitCode showCheck(const TransformationOutcome& outcome, const Selection& selection) {
-    std::cout << selection.description << ": "
-              << (!outcome.findings.empty()   ? outcome.findings
-                  : outcome.obstacles.empty() ? "nothing stands in the way of a retrograde"
-                                              : "some durations are wrong")
-              << '\n';
-    for (const std::string& line : outcome.obstacles) std::cout << line << '\n';
-    std::cout.flush();
-    if (!std::cout) {
-        say("standard output cannot be written");
-        return ExitCode::badOutput;
-    }
+    const std::string result = !outcome.findings.empty()   ? outcome.findings
+                               : outcome.obstacles.empty() ? "nothing stands in the way of a retrograde"
+                                                           : "some durations are wrong";
+    std::vector<std::string> lines = {selection.description + ": " + result};
+    lines.insert(lines.end(), outcome.obstacles.begin(), outcome.obstacles.end());
+    if (!show(lines)) return ExitCode::badOutput;
     return outcome.findings.empty() && outcome.obstacles.empty() ? ExitCode::ok : ExitCode::refused;
 }
 
@@ -195,17 +198,16 @@ ExitCode workOnScore(const Options& options, const Installation& installation) {
 ExitCode makeRowForms(const Options& options, const Installation& installation) {
     const Result<Row> row = parseRow(options.row);
     if (!row) return fail(ExitCode::usage, row.problem());
-    const Result<engine::Done> target = checkTarget(options.output);
+    const Result<OutputPath> target = findOutput(options.output);
     if (!target) return fail(ExitCode::badOutput, target.problem());
     const RowForms forms =
         rowForms(row.value(), containerFor(options.output), runOptions(options, installation));
     if (forms.code != ExitCode::ok) return fail(forms.code, forms.problem);
     const Result<engine::Done> stored =
-        writeScoreBytes(options.output, [&](const musicxml::ByteSink& sink) { return sink(forms.bytes); });
+        writeOutputs({{options.output, [&](const auto& sink) { return sink(forms.bytes); }}});
     if (!stored) return fail(ExitCode::badOutput, stored.problem());
     if (!options.quiet) {
-        say("wrote " + counted(forms.count, "form") + " of the row -> " +
-            (options.output == kStandardStream ? "standard output" : options.output));
+        say("wrote " + counted(forms.count, "form") + " of the row -> " + outputName(options.output));
     }
     return ExitCode::ok;
 }
@@ -213,6 +215,7 @@ ExitCode makeRowForms(const Options& options, const Installation& installation) 
 }  // namespace
 
 int run(int argc, char** argv) {
+    watchMemory();
     watchSignals();
     const Installation installation = findInstallation(argv[0]);
     if (argc > 1 && std::string_view(argv[1]) == "validate") {

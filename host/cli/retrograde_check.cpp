@@ -2,7 +2,6 @@
 #include "cli/retrograde_check.h"
 
 #include <array>
-#include <iterator>
 #include <map>
 #include <set>
 #include <span>
@@ -20,20 +19,6 @@ enum Obstacle : std::size_t { kChangeInside, kSecondVoice, kShape, kLength };
 constexpr std::array<const char*, 4> kNames = {
     "the clef or key changes inside the measure", "a layer has a second voice",
     "slurs, hairpins or other lines begin or end", "the notes overlap or do not fill the measure"};
-
-// "3-5, 8" in the measures' printed numbers.
-std::string ranges(const std::set<short>& measures, const engine::Document& document) {
-    std::string text;
-    for (auto first = measures.begin(); first != measures.end();) {
-        auto last = first;
-        while (std::next(last) != measures.end() && *std::next(last) == *last + 1) ++last;
-        if (!text.empty()) text += ", ";
-        text += document.measure(*first).label;
-        if (last != first) text += "-" + document.measure(*last).label;
-        first = std::next(last);
-    }
-    return text;
-}
 
 // The measures of a layer whose notes are more or less than the measure holds. What one has too much and
 // another too little does no harm: the layer is poured as one.
@@ -86,7 +71,7 @@ std::vector<std::string> retrogradeObstacles(engine::Session& session, const Sel
     for (const auto& [place, measures] : found) {
         lines.push_back("staff " + std::to_string(place.first) +
                         (measures.size() == 1 ? ", measure " : ", measures ") +
-                        ranges(measures, session.document) + ": " + kNames[place.second]);
+                        measureRuns(session.document, measures) + ": " + kNames[place.second]);
     }
     return lines;
 }

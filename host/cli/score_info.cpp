@@ -15,7 +15,7 @@ using engine::Document;
 std::string layersUsed(const Document& document, short staff) {
     std::string text;
     for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
-        for (short measure = 1; measure <= document.measureCount(); ++measure) {
+        for (const short measure : document.measureNumbers()) {
             if (document.entries({staff, measure, layer}).empty()) continue;
             text += (text.empty() ? "" : ",") + std::to_string(layer + 1);
             break;
@@ -29,7 +29,7 @@ std::string keysOf(const Document& document, short staff) {
     if (document.staff(staff).unpitched) return "unpitched";
     const engine::KeySignature* key = &document.staffMeasure(staff, 1).key;
     std::string text = keyName(*key);
-    for (short measure = 2; measure <= document.measureCount(); ++measure) {
+    for (const short measure : engine::numbers(2, document.measureCount())) {
         const engine::KeySignature& next = document.staffMeasure(staff, measure).key;
         if (next == *key) continue;
         text += ", " + keyName(next) + " from measure " + document.measure(measure).label;
@@ -52,21 +52,19 @@ std::string keyName(const engine::KeySignature& key) {
     return name + (minor ? " minor" : " major");
 }
 
-std::string scoreInfo(const std::string& name, const Document& document) {
+std::vector<std::string> scoreInfo(const std::string& name, const Document& document) {
     const auto measures = static_cast<std::size_t>(document.measureCount());
-    std::string text = name + "\n  " + counted(measures, "measure");
+    std::vector<std::string> lines = {name, "  " + counted(measures, "measure")};
     if (measures > 0) {
-        text += ", numbered " + document.measure(1).label + " to " +
-                document.measure(document.measureCount()).label;
+        lines.back() += ", numbered " + document.measure(1).label + " to " +
+                        document.measure(document.measureCount()).label;
     }
-    text += "\n";
-    for (short staff = 1; staff <= document.staffCount(); ++staff) {
-        text += "  staff " + std::to_string(staff);
-        if (!document.staff(staff).name.empty()) text += "  " + document.staff(staff).name;
-        if (measures > 0) text += "  layers " + layersUsed(document, staff) + "  " + keysOf(document, staff);
-        text += "\n";
+    for (const short staff : document.staffNumbers()) {
+        std::string& line = lines.emplace_back("  staff " + std::to_string(staff));
+        if (!document.staff(staff).name.empty()) line += "  " + document.staff(staff).name;
+        if (measures > 0) line += "  layers " + layersUsed(document, staff) + "  " + keysOf(document, staff);
     }
-    return text;
+    return lines;
 }
 
 }  // namespace rovescio::cli

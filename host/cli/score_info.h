@@ -2,13 +2,14 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "engine/document.h"
 
 namespace rovescio::cli {
 
 // Several lines: measures, then each staff with its name, layers used and keys.
-std::string scoreInfo(const std::string& name, const engine::Document& document);
+std::vector<std::string> scoreInfo(const std::string& name, const engine::Document& document);
 
 // "G major", "C# minor"; what a key off the standard scales is called instead.
 std::string keyName(const engine::KeySignature& key);

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -43,7 +44,7 @@ Result<short> findMeasure(const Document& document, const MeasurePoint& point) {
         return static_cast<short>(count);
     }
     short found = 0;
-    for (short measure = 1; measure <= document.measureCount(); ++measure) {
+    for (const short measure : document.measureNumbers()) {
         if (document.measure(measure).label != point.number) continue;
         if (found != 0) {
             return problemWith("several measures have the number " + point.number + ", among them #" +
@@ -106,6 +107,42 @@ Result<EREGION> findMeasures(const Document& document, const MeasureRange& range
     return region;
 }
 
+// A range that was asked for and where it is.
+struct FoundRange {
+    MeasureRange request;
+    EREGION region;
+};
+
+// A place in the order of the score. By value: the fields of packed records have no addresses.
+std::pair<int, int> placeOf(int measure, int position) {
+    return {measure, position};
+}
+
+bool startsBefore(const FoundRange& left, const FoundRange& right) {
+    return placeOf(left.region.start.measure, left.region.start.position) <
+           placeOf(right.region.start.measure, right.region.start.position);
+}
+
+// All ranges in the order of the score; the whole score when none was asked for.
+Result<std::vector<FoundRange>> findRanges(const Document& document, const MeasureRanges& requests,
+                                           short firstStaff) {
+    std::vector<FoundRange> ranges;
+    for (const MeasureRange& request : requests.empty() ? MeasureRanges(1) : requests) {
+        const Result<EREGION> region = findMeasures(document, request, firstStaff);
+        if (!region) return region.problem();
+        ranges.push_back({request, region.value()});
+    }
+    std::ranges::sort(ranges, startsBefore);
+    for (std::size_t i = 1; i < ranges.size(); ++i) {
+        const auto& end = ranges[i - 1].region.end;
+        const auto& start = ranges[i].region.start;
+        if (placeOf(start.measure, start.position) > placeOf(end.measure, end.position)) continue;
+        return problemWith("two of the ranges of measures overlap",
+                           "Name each measure once; what comes twice would be changed twice");
+    }
+    return ranges;
+}
+
 std::string runsText(const NumberRuns& runs) {
     std::string text;
     for (const auto& [first, last] : runs) {
@@ -130,15 +167,22 @@ std::string pointText(const Document& document, short measure, const std::option
     return text;
 }
 
-std::string describe(const Document& document, const SelectionRequest& request, const EREGION& region) {
-    std::string text;
-    if (request.measures.first || request.measures.last) {
-        const std::string first = pointText(document, region.start.measure, request.measures.first);
-        const std::string last = pointText(document, region.end.measure, request.measures.last);
-        text = first == last ? "measure " + first : "measures " + first + "-" + last;
-    } else {
-        text = "all measures";
+std::string rangeText(const Document& document, const FoundRange& found) {
+    const std::string first = pointText(document, found.region.start.measure, found.request.first);
+    const std::string last = pointText(document, found.region.end.measure, found.request.last);
+    return first == last ? first : first + "-" + last;
+}
+
+std::string describe(const Document& document, const SelectionRequest& request,
+                     const std::vector<FoundRange>& ranges) {
+    std::string measures;
+    for (const FoundRange& range : ranges) {
+        if (!measures.empty()) measures += ",";
+        measures += rangeText(document, range);
     }
+    const bool isOne = ranges.size() == 1 && measures.find('-') == std::string::npos;
+    std::string text =
+        request.measures.empty() ? "all measures" : (isOne ? "measure " : "measures ") + measures;
     if (!request.staves.empty()) {
         text += (several(request.staves) ? ", staves " : ", staff ") + runsText(request.staves);
     }
@@ -164,8 +208,8 @@ bool hasNote(const Document& document, const Selection& selection) {
 void forEachFrame(const Selection& selection,
                   const std::function<void(const EREGION&, const FrameAddress&)>& visit) {
     for (const EREGION& region : selection.regions) {
-        for (short measure = region.start.measure; measure <= region.end.measure; ++measure) {
-            for (short staff = region.start.slot; staff <= region.end.slot; ++staff) {
+        for (const short measure : engine::numbers(region.start.measure, region.end.measure)) {
+            for (const short staff : engine::numbers(region.start.slot, region.end.slot)) {
                 for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
                     if (!selection.layers[static_cast<std::size_t>(layer)]) continue;
                     visit(region, {staff, measure, layer});
@@ -185,6 +229,19 @@ bool contains(const EREGION& region, const FrameAddress& address, std::int32_t e
     return afterStart && beforeEnd;
 }
 
+std::string measureRuns(const Document& document, const std::set<short>& measures) {
+    std::string text;
+    for (auto first = measures.begin(); first != measures.end();) {
+        auto last = first;
+        while (std::next(last) != measures.end() && *std::next(last) == *last + 1) ++last;
+        if (!text.empty()) text += ", ";
+        text += document.measure(*first).label;
+        if (last != first) text += "-" + document.measure(*last).label;
+        first = std::next(last);
+    }
+    return text;
+}
+
 Result<Selection> select(const Document& document, const SelectionRequest& request) {
     if (document.staffCount() == 0 || document.measureCount() == 0) {
         return problemWith("the score holds no music",
@@ -199,16 +256,18 @@ Result<Selection> select(const Document& document, const SelectionRequest& reque
                                : "The score has staves 1 to " + std::to_string(document.staffCount()) +
                                      "; --info names them");
     }
-    const Result<EREGION> found =
-        findMeasures(document, request.measures, static_cast<short>(staves.front().first));
+    const Result<std::vector<FoundRange>> found =
+        findRanges(document, request.measures, static_cast<short>(staves.front().first));
     if (!found) return found.problem();
 
     Selection selection;
-    for (const auto& [first, last] : staves) {
-        EREGION region = found.value();
-        region.start.slot = static_cast<std::int16_t>(first);
-        region.end.slot = static_cast<std::int16_t>(last);
-        selection.regions.push_back(region);
+    for (const FoundRange& range : found.value()) {
+        for (const auto& [first, last] : staves) {
+            EREGION region = range.region;
+            region.start.slot = static_cast<std::int16_t>(first);
+            region.end.slot = static_cast<std::int16_t>(last);
+            selection.regions.push_back(region);
+        }
     }
     if (!request.layers.empty()) {
         selection.layers.fill(false);

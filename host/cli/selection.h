@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -30,5 +31,8 @@ void forEachFrame(const Selection& selection,
 
 // Whether what begins at a position of a frame's measure lies inside a region.
 bool contains(const EREGION& region, const engine::FrameAddress& address, std::int32_t elapsed);
+
+// "3-5, 8" in the measures' printed numbers.
+std::string measureRuns(const engine::Document& document, const std::set<short>& measures);
 
 }  // namespace rovescio::cli

@@ -27,21 +27,23 @@ struct MeasureRange {
     friend bool operator==(const MeasureRange&, const MeasureRange&) = default;
 };
 
+// Empty means the whole score.
+using MeasureRanges = std::vector<MeasureRange>;
+
 // Runs of numbers, ascending and apart: {{1, 2}, {4, 4}}. Empty means all.
 using NumberRuns = std::vector<std::pair<int, int>>;
 
 struct SelectionRequest {
-    MeasureRange measures;
+    MeasureRanges measures;
     NumberRuns staves;
     NumberRuns layers;
 
-    [[nodiscard]] bool isGiven() const {
-        return measures.first || measures.last || !staves.empty() || !layers.empty();
-    }
+    [[nodiscard]] bool isGiven() const { return !measures.empty() || !staves.empty() || !layers.empty(); }
 };
 
-// "3-10", "7", "3:2-10:1.5", "3-", "-10", "#5-#8".
-engine::Result<MeasureRange> parseMeasures(const std::string& text);
+// "3-10", "7", "3:2-10:1.5", "3-", "-10", "#5-#8", and several such with commas between them. Here and in
+// lists of numbers a range may also be written "3..10" or with a dash.
+engine::Result<MeasureRanges> parseMeasures(const std::string& text);
 
 // "1-2" or "1,3-4"; overlapping and touching runs become one. `what` names the things for messages.
 engine::Result<NumberRuns> parseNumberRuns(const std::string& text, const std::string& what);

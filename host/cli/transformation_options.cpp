@@ -37,7 +37,7 @@ constexpr const char* kAccidentalsHelp =
     "always: shown at every note\n"
     "never: hidden at every note; pitches stay\n"
     "automatic: as needed, also where chosen by hand\n"
-    "in-key: none, and each note as the key has it";
+    "in-key: removed; raised and lowered notes change pitch";
 
 // A range that is checked and stays out of the help.
 CLI::Validator upTo(int most) {
@@ -72,11 +72,11 @@ void defineTransposition(CLI::App& app, const std::string& group, Transformation
             ->type_name("N")
             ->check(upTo(kMostSemitones))
             ->group(group);
-    auto* byStep =
-        app.add_option("--steps", texts.steps, "Transpose by steps within the key; below zero is down")
-            ->type_name("N")
-            ->check(upTo(kMostSteps))
-            ->group(group);
+    auto* byStep = app.add_option("--steps", texts.steps,
+                                  "Transpose by steps within the key (a third is 2); below zero is down")
+                       ->type_name("N")
+                       ->check(upTo(kMostSteps))
+                       ->group(group);
     byName->excludes(bySemitone)->excludes(byStep);
     bySemitone->excludes(byStep);
     app.add_option("--octaves", texts.octaves, "Octaves further in the same direction, or octaves alone")

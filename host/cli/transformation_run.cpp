@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "cli/cancel.h"
+#include "cli/key_limits.h"
 #include "cli/messages.h"
 #include "cli/progress_bar.h"
 #include "cli/retrograde_check.h"
@@ -102,8 +103,8 @@ class NotesBefore {
 
     template <class Visit>
     static void forEachEntry(const Document& document, const Visit& visit) {
-        for (short staff = 1; staff <= document.staffCount(); ++staff) {
-            for (short measure = 1; measure <= document.measureCount(); ++measure) {
+        for (const short staff : document.staffNumbers()) {
+            for (const short measure : document.measureNumbers()) {
                 for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
                     const FrameAddress address{staff, measure, layer};
                     for (const engine::StoredEntry& entry : document.entries(address)) {
@@ -120,14 +121,6 @@ class NotesBefore {
 
 TransformationOutcome failed(ExitCode code, Problem problem) {
     return {.code = code, .problem = std::move(problem)};
-}
-
-// Whether a transformation does anything to notes in a key. Inversion around an axis knows major and minor
-// keys alone; every other step works everywhere.
-bool reaches(const dialogs::Transformation& transformation, const engine::KeySignature& key) {
-    const bool mirrorsAlone =
-        transformation.stepCount() == 1 && transformation.inversion && transformation.inversion->hasAxis();
-    return !mirrorsAlone || key.isStandard();
 }
 
 // How many of the selection's regions hold a note that the transformation works on. The plug-in has each of
@@ -164,7 +157,7 @@ std::string findings(const dialogs::ScriptedUserInterface& userInterface, const 
 
 // What the user interface and the document say about a run that has ended.
 TransformationOutcome judge(const dialogs::ScriptedUserInterface& userInterface,
-                            const NotesBefore::Counts& counts, int expectedRedraws, bool transforms,
+                            const NotesBefore::Counts& counts, int expectedRedraws,
                             const std::optional<Problem>& refusal, bool turned) {
     if (userInterface.cancelled()) {
         return failed(ExitCode::cancelled, problemWith("cancelled, nothing was written", ""));
@@ -197,12 +190,6 @@ TransformationOutcome judge(const dialogs::ScriptedUserInterface& userInterface,
                       problemWith("the plug-in changed music outside the selection, nothing was written",
                                   "Use a plug-in that fits this version"));
     }
-    if (transforms && expectedRedraws == 0) {
-        return failed(ExitCode::refused,
-                      problemWith("nothing in the selection can be inverted, nothing was written",
-                                  "An inversion around an axis leaves staves without pitches and keys that "
-                                  "are neither major nor minor as they are"));
-    }
     return {.problem = {}, .notesSelected = counts.selected, .notesChanged = counts.changed};
 }
 
@@ -234,9 +221,7 @@ TransformationOutcome transform(Document& document, const Selection& selection,
     if (!engineBundle) return failed(ExitCode::installation, engineBundle.problem());
     engine::Result<engine::PluginBundle> plugin = engine::PluginBundle::load(options.pluginBundle);
     if (!plugin) return failed(ExitCode::installation, plugin.problem());
-    const engine::Result<std::string> descriptions = plugin->dialogDescriptions();
-    if (!descriptions) return failed(ExitCode::installation, descriptions.problem());
-    const auto resources = dialogs::DialogResources::parse(descriptions.value(), options.pluginBundle);
+    const auto resources = dialogs::DialogResources::load(options.pluginBundle);
     if (!resources) return failed(ExitCode::installation, resources.problem());
 
     engine::Session* openSession = nullptr;
@@ -266,6 +251,7 @@ TransformationOutcome transform(Document& document, const Selection& selection,
     openSession = &session;
     session.selection = selection.regions.front();
     session.layerShown = selection.layers;
+    session.fractions = transformation.fractions();
     forEachFrame(selection, [&](const EREGION&, const FrameAddress&) {
         session.expectedLoads += transformation.stepCount();
     });
@@ -276,9 +262,11 @@ TransformationOutcome transform(Document& document, const Selection& selection,
     NotesBefore::Counts turned = before.compare(document, selection, false);
     turned.changed = turned.selected;
     const int expectedRedraws = transforms ? regionsReached(document, selection, transformation) : 0;
+    if (transforms && expectedRedraws == 0) return failed(ExitCode::refused, nothingReached(transformation));
+    const std::vector<std::string> left = notesLeft(document, selection, transformation);
     if (options.trace) engine::traceCalls(&std::cerr);
     for (const auto& [function, call] : options.faults) engine::planFault(function, call);
-    const DeferredCancel deferred;
+    const DeferredCancel deferred(DeferredCancel::End::rollBack);
     const engine::Result<engine::Done> started = plugin->start();
     if (!started) return failed(ExitCode::installation, started.problem());
     plugin->invoke(0, nullptr);
@@ -288,13 +276,15 @@ TransformationOutcome transform(Document& document, const Selection& selection,
     plugin->stop();
     engine::traceCalls(nullptr);
     bar.clear();
+    for (const std::string& alert : userInterface.alerts()) say(alert);
     TransformationOutcome outcome = judge(
         userInterface,
         transformation.retrograde ? turned
                                   : before.compare(document, selection, transformation.isTransposition()),
-        expectedRedraws, transforms, session.refusal,
+        expectedRedraws, session.refusal,
         !transforms || !transformation.retrograde ||
             session.rebars == static_cast<int>(selection.regions.size()));
+    if (outcome.code == ExitCode::ok && transforms) outcome.notices = left;
     if (outcome.code == ExitCode::ok && options.check) {
         outcome.findings = findings(userInterface, plugin->string(dialogs::kNoProblemsString));
         outcome.obstacles = std::move(obstacles);

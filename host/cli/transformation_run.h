@@ -38,8 +38,9 @@ struct TransformationOutcome {
     std::size_t notesSelected = 0;  // notes inside the selection
     std::size_t notesChanged = 0;   // those that are not as they were: for a transposition alone in pitch,
                                     // else in pitch, in showing an accidental or in ties
-    std::string findings = {};      // what a check had to report; empty for nothing
-    std::vector<std::string> obstacles = {};                         // and where
+    std::vector<std::string> notices = {};    // what the user should know of a run that went well
+    std::string findings = {};                // what a check had to report; empty for nothing
+    std::vector<std::string> obstacles = {};  // and where
     std::optional<engine::PlaybackRequest> playback = std::nullopt;  // what the plug-in wants to be heard
 };
 

@@ -2,8 +2,9 @@
 #include "cli/validate_command.h"
 
 #include <CLI/CLI.hpp>
-#include <iostream>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "cli/messages.h"
 #include "validate/validate.h"
@@ -29,11 +30,11 @@ ExitCode validate(int argc, const char* const* argv, const std::string& engineBu
         say(report.problem());
         return ExitCode::installation;
     }
-    report.value().print(std::cout);
-    if (!std::cout.flush()) {
-        say("standard output: cannot be written");
-        return ExitCode::badOutput;
-    }
+    std::stringstream text;
+    report.value().print(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);) lines.push_back(line);
+    if (!show(lines)) return ExitCode::badOutput;
     return report.value().allPassed() ? ExitCode::ok : ExitCode::refused;
 }
 

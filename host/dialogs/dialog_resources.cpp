@@ -3,10 +3,14 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <fstream>
 #include <initializer_list>
+#include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace rovescio::dialogs {
@@ -14,6 +18,8 @@ namespace rovescio::dialogs {
 namespace {
 
 using nlohmann::json;
+
+constexpr std::uintmax_t kLargestFile = std::uintmax_t{1} << 20;
 
 constexpr std::array<std::pair<std::string_view, ItemKind>, 5> kKinds = {{{"button", ItemKind::button},
                                                                           {"check", ItemKind::check},
@@ -105,6 +111,21 @@ std::string_view itemKindName(ItemKind kind) {
     const auto* known =
         std::find_if(kKinds.begin(), kKinds.end(), [&](const auto& entry) { return entry.second == kind; });
     return known->first;
+}
+
+engine::Result<DialogResources> DialogResources::load(const std::string& bundle) {
+    namespace fs = std::filesystem;
+    const fs::path path = fs::path(bundle) / "Contents/Resources/Dialogs.json";
+    const Reader reader(path.string());
+    std::error_code error;
+    // A pipe or device may never end.
+    const fs::file_status status = fs::status(path, error);
+    if (!fs::exists(status)) return reader.problem("the file is missing");
+    if (!fs::is_regular_file(status)) return reader.problem("not an ordinary file");
+    if (fs::file_size(path, error) > kLargestFile) return reader.problem("larger than any plug-in needs");
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return reader.problem("the file cannot be read");
+    return parse(std::string(std::istreambuf_iterator<char>(in), {}), path.string());
 }
 
 engine::Result<DialogResources> DialogResources::parse(const std::string& text, const std::string& file) {

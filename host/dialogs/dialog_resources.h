@@ -32,6 +32,9 @@ class DialogResources {
     // described twice is a problem that names the dialog and the item.
     static engine::Result<DialogResources> parse(const std::string& json, const std::string& file);
 
+    // The same from the file in a plug-in's bundle.
+    static engine::Result<DialogResources> load(const std::string& bundle);
+
     // Null when there is no such dialog.
     [[nodiscard]] const DialogDescription* find(short number) const;
 

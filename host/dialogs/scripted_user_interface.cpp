@@ -2,7 +2,6 @@
 #include "dialogs/scripted_user_interface.h"
 
 #include <algorithm>
-#include <iostream>
 #include <utility>
 
 #include "engine/strictness.h"
@@ -218,7 +217,6 @@ short ScriptedUserInterface::alert(SXWindow /*parent*/, std::uint16_t style, con
         return answerYes_ ? kAnswerYes : kAnswerNo;
     }
     alerts_.push_back(text);
-    std::cerr << "rovescio: " << text << std::endl;
     return kAnswerOk;
 }
 

@@ -35,7 +35,7 @@ class ScriptedUserInterface : public engine::UserInterface {
 
     // The first thing that the script asked for and a hand could not do; the dialogs were closed there.
     [[nodiscard]] const std::optional<engine::Problem>& problem() const { return problem_; }
-    // Texts of the warnings shown, in order.
+    // Texts of the warnings, in order, for the user to be told.
     [[nodiscard]] const std::vector<std::string>& alerts() const { return alerts_; }
     // Texts of the questions asked, in order; the script says how they are answered.
     [[nodiscard]] const std::vector<std::string>& questions() const { return questions_; }

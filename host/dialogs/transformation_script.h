@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "dialogs/script.h"
+#include "engine/fractions.h"
 #include "engine/key_signature.h"
 
 namespace rovescio::dialogs {
@@ -76,6 +77,11 @@ struct Transformation {
     bool removeTies = false;
 
     [[nodiscard]] bool isTransposition() const { return transposition && stepCount() == 1; }
+    // The last step that does something to quarter tones decides.
+    [[nodiscard]] engine::Fractions fractions() const {
+        if (accidentals == Accidentals::inKey) return engine::Fractions::dropped;
+        return inversion && inversion->hasAxis() ? engine::Fractions::mirrored : engine::Fractions::kept;
+    }
     // Each step goes through the selected music once.
     [[nodiscard]] int stepCount() const {
         return (retrograde ? 1 : 0) + (transposition ? 1 : 0) + (inversion ? 1 : 0) +

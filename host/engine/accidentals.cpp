@@ -2,18 +2,20 @@
 #include "engine/accidentals.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <utility>
 #include <vector>
 
 #include "engine/mass_edit.h"
+#include "engine/note_state.h"
+#include "engine/tie_index.h"
 
 namespace rovescio::engine {
 
 namespace {
 
-// The accidentals that stand in one measure of one staff so far.
+// The accidentals that stand in one measure of one staff so far, as a player reads them: what is not shown
+// does not count. Alterations are hundredths of a semitone.
 class MeasureAccidentals {
   public:
     // A key change cancels what stood before.
@@ -25,14 +27,16 @@ class MeasureAccidentals {
     // The alteration that a note without accidental has on this line or space.
     [[nodiscard]] int inForce(int step) const {
         const auto found = std::ranges::find(written_, step, &std::pair<int, int>::first);
-        return found != written_.end() ? found->second : key_->letterAlter(floorMod(step, 7));
+        if (found != written_.end()) return found->second;
+        const int letter = floorMod(step, 7);
+        return 100 * key_->letterAlter(letter) + key_->letterCents(letter);
     }
-    void write(const SpelledPitch& pitch) {
-        const auto found = std::ranges::find(written_, pitch.step, &std::pair<int, int>::first);
+    void write(int step, int alteration) {
+        const auto found = std::ranges::find(written_, step, &std::pair<int, int>::first);
         if (found != written_.end()) {
-            found->second = pitch.alter;
+            found->second = alteration;
         } else {
-            written_.emplace_back(pitch.step, pitch.alter);
+            written_.emplace_back(step, alteration);
         }
     }
 
@@ -47,34 +51,46 @@ struct Visit {
     short layer;
 };
 
-// Works on one measure of one staff after another, with buffers that are kept between them.
-class Decider {
-  public:
-    Decider(Document& document, MassEdits& edits) : document_(document), edits_(edits) {}
+constexpr std::uint8_t kMarks = kDecideAccidentals | kCheckAccidentals;
 
-    void decide(short staff, short measure) {
-        if (!collect(staff, measure)) return;
+// Works on one measure of one staff after another, with buffers that are kept between them.
+class MeasureReader {
+  public:
+    MeasureReader(const Document& document, const MassEdits& edits)
+        : document_(document), edits_(edits), ties_(document, edits) {}
+
+    // Goes through the notes of the measure in time order. judge(visit, index, needed) is told of each note
+    // of each entry whether it needs an accidental, and tells whether it shows one.
+    template <class Judge>
+    void read(short staff, short measure, When when, const Judge& judge) {
+        collect(staff, measure, when);
         const StaffMeasure& context = document_.staffMeasure(staff, measure);
-        standing_.begin(context.key);
+        const KeySignature& first = when == When::before ? edits_.keyBefore(staff, measure) : context.key;
+        standing_.begin(first);
         for (const Visit& visit : visits_) {
-            const StoredEntry& entry = *visit.entry;
             if (context.changesInside) {
-                const KeySignature& key = document_.keyAt(staff, measure, entry.elapsed);
+                const KeySignature& later = document_.keyAt(staff, measure, visit.entry->elapsed);
+                const KeySignature& key = &later == &context.key ? first : later;
                 if (!standing_.isUnder(key)) standing_.begin(key);
             }
-            decideEntry({staff, measure, visit.layer}, visit, context.key);
+            const FrameAddress frame{staff, measure, visit.layer};
+            for (std::size_t i = 0; i < visit.entry->notes().size(); ++i) {
+                const ENOTE& note = visit.entry->notes()[i];
+                const SpelledPitch pitch = first.spell(note);
+                const int alteration = 100 * pitch.alter + centsOf(note);
+                const bool needed = standing_.inForce(pitch.step) != alteration &&
+                                    !isTied(frame, *visit.entry, note, pitch, when);
+                if (judge(visit, i, needed)) standing_.write(pitch.step, alteration);
+            }
         }
     }
 
   private:
-    // The pitched entries of the measure in time order; false when none of them is marked.
-    bool collect(short staff, short measure) {
+    void collect(short staff, short measure, When when) {
         visits_.clear();
-        bool marked = false;
         for (short layer = 0; layer < kMaxLayers; ++layer) {
-            const PackedEntries& entries = document_.entries({staff, measure, layer});
+            const PackedEntries& entries = ties_.entriesOf({staff, measure, layer}, when);
             for (const StoredEntry& entry : entries) {
-                marked = marked || (entry.reserved13 & (kDecideAccidentals | kPitchMoved));
                 if (entry.noteCount < 1 || entryState(entry).unpitched) continue;
                 visits_.push_back({&entry, entries.offsetOf(entry), layer});
             }
@@ -82,51 +98,128 @@ class Decider {
         const auto byTime = [](const Visit& a, const Visit& b) {
             return a.entry->elapsed < b.entry->elapsed;
         };
-        if (marked && !std::ranges::is_sorted(visits_, byTime)) std::ranges::stable_sort(visits_, byTime);
-        return marked;
+        if (!std::ranges::is_sorted(visits_, byTime)) std::ranges::stable_sort(visits_, byTime);
     }
 
-    void decideEntry(const FrameAddress& address, const Visit& visit, const KeySignature& storedIn) {
-        const StoredEntry& entry = *visit.entry;
-        const bool marked = entry.reserved13 & kDecideAccidentals;
-        std::array<std::uint32_t, kMaxNotes> flags{};
-        bool changes = entry.reserved13 & (kDecideAccidentals | kPitchMoved);
-        std::size_t count = 0;
-        for (const ENOTE& note : entry.notes()) {
-            const bool needed = isNeeded(note, storedIn.spell(note));
-            std::uint32_t& flag = flags[count++];
-            flag = note.noteFlags;
-            if (note.noteFlags & NOTE_FLAG1) continue;
-            if (needed) {
-                flag |= NOTE_FLAG24;
-            } else if (marked) {
-                flag &= ~NOTE_FLAG24;
-            }
-            changes = changes || flag != note.noteFlags;
-        }
-        if (!changes) return;
-        StoredEntry& target = edits_.editable(address).atOffset(visit.offset);
-        count = 0;
-        for (ENOTE& note : target.notes()) note.noteFlags = flags[count++];
-        target.reserved13 =
-            static_cast<std::uint8_t>(target.reserved13 & ~(kDecideAccidentals | kPitchMoved));
+    // A tie carries its accidental over the barline, for the tied note alone and in one spelling.
+    bool isTied(const FrameAddress& frame, const StoredEntry& entry, const ENOTE& note,
+                const SpelledPitch& pitch, When when) {
+        if ((note.noteFlags & NOTE_TIE_END) == 0) return false;
+        const auto from = ties_.departureOf(frame, entry, note, when);
+        const ENOTE* const earlier = from ? ties_.find(*from, when) : nullptr;
+        if (!earlier) return true;
+        const short measure = from->frame.measure;
+        const KeySignature& key = when == When::before ? edits_.keyBefore(frame.staff, measure)
+                                                       : document_.staffMeasure(frame.staff, measure).key;
+        return key.spell(*earlier) == pitch;
     }
 
-    bool isNeeded(const ENOTE& note, const SpelledPitch& pitch) {
-        // A tie carries its accidental over the barline, for the tied note alone.
-        if (note.noteFlags & NOTE_TIE_END) return false;
-        const bool needed = standing_.inForce(pitch.step) != pitch.alter;
-        standing_.write(pitch);
-        return needed;
-    }
-
-    Document& document_;
-    MassEdits& edits_;
+    const Document& document_;
+    const MassEdits& edits_;
+    TieIndex ties_;
     MeasureAccidentals standing_;
     std::vector<Visit> visits_;
 };
 
+class Decider {
+  public:
+    Decider(Document& document, MassEdits& edits)
+        : document_(document), edits_(edits), reader_(document, edits) {}
+
+    void decide(short staff, short measure) {
+        unsigned markedLayers = 0;
+        if (!isMarked(staff, measure, markedLayers)) return;
+        courtesies_.clear();
+        // Entries that change places bring what they are along.
+        if (markedLayers != 0 && !edits_.isRebarred(staff, measure))
+            courtesies_ = courtesySigns(document_, edits_, staff, measure);
+        reader_.read(staff, measure, When::now, [&](const Visit& visit, std::size_t index, bool needed) {
+            return decideNote({staff, measure, visit.layer}, visit, index, needed);
+        });
+        for (short layer = 0; layer < kMaxLayers; ++layer) {
+            if ((markedLayers & 1U << layer) != 0) edits_.noteDecided({staff, measure, layer});
+        }
+    }
+
+  private:
+    // Whether there is anything to do; `layers` are those with entries to be decided, a bit for each.
+    [[nodiscard]] bool isMarked(short staff, short measure, unsigned& layers) const {
+        bool marked = false;
+        for (short layer = 0; layer < kMaxLayers; ++layer) {
+            for (const StoredEntry& entry : std::as_const(document_).entries({staff, measure, layer})) {
+                marked = marked || (entry.reserved13 & kMarks) != 0;
+                if ((entry.reserved13 & kDecideAccidentals) != 0) layers |= 1U << layer;
+            }
+        }
+        return marked;
+    }
+
+    [[nodiscard]] bool isCourtesy(const FrameAddress& frame, const StoredEntry& entry,
+                                  const ENOTE& note) const {
+        if ((note.noteFlags & kCourtesySign) != 0) return true;
+        return !edits_.wasDecided(frame) &&
+               std::ranges::binary_search(courtesies_, NoteNumber{entry.entryNumber, note.noteId});
+    }
+
+    // Whether the note shows an accidental in the end.
+    bool decideNote(const FrameAddress& address, const Visit& visit, std::size_t index, bool needed) {
+        const StoredEntry& entry = *visit.entry;
+        const bool marked = (entry.reserved13 & kDecideAccidentals) != 0;
+        if (index == 0) flags_.clear();
+        const ENOTE& note = entry.notes()[index];
+        std::uint32_t flags = note.noteFlags;
+        if ((flags & NOTE_FLAG1) == 0) {
+            if (marked) {
+                const bool courtesy = isCourtesy(address, entry, note) && !edits_.decidesAnew(address);
+                flags &= ~(NOTE_FLAG24 | kCourtesySign);
+                if (courtesy) flags |= NOTE_FLAG24 | kCourtesySign;
+            }
+            if (needed) flags |= NOTE_FLAG24;
+        }
+        flags_.push_back(flags);
+        if (flags_.size() == entry.notes().size()) store(address, visit);
+        return (flags & NOTE_FLAG24) != 0;
+    }
+
+    void store(const FrameAddress& address, const Visit& visit) {
+        const bool changes =
+            (visit.entry->reserved13 & kMarks) != 0 ||
+            !std::ranges::equal(visit.entry->notes(), flags_, [](const ENOTE& note, std::uint32_t flags) {
+                return note.noteFlags == flags;
+            });
+        if (!changes) return;
+        StoredEntry& target = edits_.editable(address).atOffset(visit.offset);
+        for (std::size_t i = 0; i < flags_.size(); ++i) target.notes()[i].noteFlags = flags_[i];
+        target.reserved13 = static_cast<std::uint8_t>(target.reserved13 & ~kMarks);
+    }
+
+    Document& document_;
+    MassEdits& edits_;
+    MeasureReader reader_;
+    std::vector<NoteNumber> courtesies_;
+    std::vector<std::uint32_t> flags_;  // of the entry at hand
+};
+
 }  // namespace
+
+std::vector<NoteNumber> courtesySigns(const Document& document, const MassEdits& edits, short staff,
+                                      short measure) {
+    std::vector<NoteNumber> found;
+    bool signs = false;
+    for (short layer = 0; layer < kMaxLayers; ++layer) {
+        signs = signs || edits.before({staff, measure, layer}).mayHaveNoteFlags(NOTE_FLAG24);
+    }
+    if (!signs) return found;
+    MeasureReader reader(document, edits);
+    reader.read(staff, measure, When::before, [&](const Visit& visit, std::size_t index, bool needed) {
+        const ENOTE& note = visit.entry->notes()[index];
+        const bool shown = (note.noteFlags & NOTE_FLAG24) != 0;
+        if (shown && !needed) found.emplace_back(+visit.entry->entryNumber, +note.noteId);
+        return shown;
+    });
+    std::ranges::sort(found);
+    return found;
+}
 
 void decideAccidentals(Document& document, MassEdits& edits, std::span<const FrameAddress> frames) {
     Decider decider(document, edits);

@@ -76,6 +76,10 @@ void pack(std::uint32_t tag, const RecordKey& from, void* key) {
     }
 }
 
+RecordStore::Place listOf(std::uint32_t tag, const RecordKey& key) {
+    return {tag, key.owner, key.second};
+}
+
 RecordStore::Bytes bytesOf(const EDTMeasureSpec2014& spec) {
     const auto bytes = std::as_bytes(std::span(&spec, 1));
     return {bytes.begin(), bytes.end()};
@@ -102,24 +106,27 @@ std::optional<RecordStore::Bytes> DataRecords::load(std::uint32_t tag, const voi
     return found ? std::optional(*found) : std::nullopt;
 }
 
-bool DataRecords::apply(std::optional<RecordStore::Change> change) {
-    if (!change) return false;
-    if (change->place.tag == kPlaybackStaffTag) {
-        temporary_.exchange(change->place, change->incidents);
-        return true;
-    }
+// Makes a change that is known to be possible.
+template <class Change>
+bool DataRecords::apply(const RecordStore::Place& place, const Change& change) {
+    if (place.tag == kPlaybackStaffTag) return change(temporary_);
     if (!massEdits_.isOpen()) {
-        ruleBroken(Rule::saveOutsideMassEdit, "a data record of " + std::to_string(change->place.owner) +
-                                                  " was changed outside a mass edit");
+        ruleBroken(Rule::saveOutsideMassEdit,
+                   "a data record of " + std::to_string(place.owner) + " was changed outside a mass edit");
         return false;
     }
-    massEdits_.changeRecords(change->place, std::move(change->incidents));
-    return true;
+    massEdits_.keepRecords(place);
+    const bool done = change(document_.changingRecords());
+    document_.changeOfRecordsDone(place);
+    return done;
 }
 
 bool DataRecords::saveMeasure(const RecordKey& key, std::span<const std::byte> content) {
     if (!isMeasure(key)) return false;
     const auto measure = static_cast<short>(key.owner);
+    // A plug-in may save a measure once for every staff; what changes nothing costs nothing.
+    const EDTMeasureSpec2014 now = measureSpec(document_, measure);
+    if (massEdits_.isOpen() && std::memcmp(&now, content.data(), sizeof now) == 0) return true;
     const auto state = stateWith(document_, measure, copyOf<EDTMeasureSpec2014>(content.data()));
     if (!state) return false;
     if (!massEdits_.isOpen()) {
@@ -135,7 +142,8 @@ bool DataRecords::save(std::uint32_t tag, const void* key, std::span<const std::
     if (!isTag(tag) || !isSize(tag, content.size())) return false;
     const RecordKey place = unpacked(tag, key);
     if (tag == kMeasureSpecTag) return saveMeasure(place, content);
-    return apply(storeOf(tag).saved(tag, place, content));
+    return storeOf(tag).find(tag, place) != nullptr &&
+           apply(listOf(tag, place), [&](RecordStore& store) { return store.save(tag, place, content); });
 }
 
 // Puts a number of the host's in place of the one that asks for it.
@@ -173,13 +181,18 @@ bool DataRecords::create(std::uint32_t tag, void* key, std::span<const std::byte
     if (!isTag(tag) || !isSize(tag, content.size()) || tag == kMeasureSpecTag) return false;
     RecordKey place = unpacked(tag, key);
     if (!chooseNumber(tag, place) || !ownerExists(tag, place)) return false;
-    if (!apply(storeOf(tag).created(tag, place, content))) return false;
+    if (!storeOf(tag).takes(tag, place)) return false;
+    if (!apply(listOf(tag, place), [&](RecordStore& store) { return store.create(tag, place, content); }))
+        return false;
     pack(tag, place, key);
     return true;
 }
 
 bool DataRecords::remove(std::uint32_t tag, const void* key) {
-    return tag != kMeasureSpecTag && apply(storeOf(tag).removed(tag, unpacked(tag, key)));
+    if (tag == kMeasureSpecTag) return false;
+    const RecordKey place = unpacked(tag, key);
+    return storeOf(tag).find(tag, place) != nullptr &&
+           apply(listOf(tag, place), [&](RecordStore& store) { return store.remove(tag, place); });
 }
 
 std::optional<RecordStore::Bytes> DataRecords::step(std::uint32_t tag, void* key, bool forward) const {

@@ -34,7 +34,8 @@ class DataRecords {
     [[nodiscard]] const RecordStore& storeOf(std::uint32_t tag) const;
     bool chooseNumber(std::uint32_t tag, RecordKey& key) const;
     [[nodiscard]] bool ownerExists(std::uint32_t tag, const RecordKey& key) const;
-    bool apply(std::optional<RecordStore::Change> change);
+    template <class Change>
+    bool apply(const RecordStore::Place& place, const Change& change);
     [[nodiscard]] bool isMeasure(const RecordKey& key) const;
     bool saveMeasure(const RecordKey& key, std::span<const std::byte> content);
 

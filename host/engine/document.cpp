@@ -56,7 +56,8 @@ const Measure& Document::measure(short measure) const {
 }
 
 void Document::addKeyChange(const KeyChange& change) {
-    keyChanges_[{change.staff, change.measure}].push_back(change);
+    std::vector<KeyChange>& changes = keyChanges_[{change.staff, change.measure}];
+    changes.insert(std::ranges::upper_bound(changes, change.position, {}, &KeyChange::position), change);
 }
 
 MeasureLayout& Document::layout(short measure) {
@@ -81,9 +82,17 @@ const RecordStore& Document::records() const {
 }
 
 void Document::exchangeRecords(const RecordStore::Place& place, RecordStore::Incidents& incidents) {
+    changingRecords().exchange(place, incidents);
+    changeOfRecordsDone(place);
+}
+
+RecordStore& Document::changingRecords() {
     static_cast<void>(records());
-    records_.exchange(place, incidents);
     recordsChanged_ = true;
+    return records_;
+}
+
+void Document::changeOfRecordsDone(const RecordStore::Place& place) {
     if (place.tag != kEntryMarkTag) return;
     if (place.owner >= shapeEnds_.size()) shapeEnds_.resize(std::size_t{place.owner} + 1);
     shapeEnds_[place.owner] = records_.list(place) != nullptr;
@@ -91,7 +100,7 @@ void Document::exchangeRecords(const RecordStore::Place& place, RecordStore::Inc
 
 void Document::exchangeMeasure(short measure, MeasureState& state) {
     MeasureState old{.layout = layout(measure), .keys = {}};
-    for (short staff = 1; staff <= staffCount(); ++staff) {
+    for (const short staff : staffNumbers()) {
         old.keys.push_back(staffMeasure(staff, measure).key);
         staffMeasure(staff, measure).key = state.keys[static_cast<std::size_t>(staff - 1)];
     }
@@ -101,16 +110,11 @@ void Document::exchangeMeasure(short measure, MeasureState& state) {
 }
 
 const KeySignature& Document::keyAt(short staff, short measure, std::int32_t position) const {
-    const KeySignature* key = &staffMeasure(staff, measure).key;
+    const KeySignature& first = staffMeasure(staff, measure).key;
     const auto changes = keyChanges_.find({staff, measure});
-    if (changes == keyChanges_.end()) return *key;
-    std::int32_t latest = -1;
-    for (const KeyChange& change : changes->second) {
-        if (change.position > position || change.position < latest) continue;
-        key = &change.key;
-        latest = change.position;
-    }
-    return *key;
+    if (changes == keyChanges_.end()) return first;
+    const auto behind = std::ranges::upper_bound(changes->second, position, {}, &KeyChange::position);
+    return behind == changes->second.begin() ? first : std::prev(behind)->key;
 }
 
 std::uint32_t Document::continuationOf(std::uint32_t entryNumber) {
@@ -151,8 +155,8 @@ PackedEntries& Document::changedEntries(const FrameAddress& address) {
 std::vector<FrameAddress> Document::changedFrames() const {
     std::vector<FrameAddress> changed;
     std::size_t index = 0;
-    for (short staff = 1; staff <= staffCount(); ++staff) {
-        for (short measure = 1; measure <= measureCount(); ++measure) {
+    for (const short staff : staffNumbers()) {
+        for (const short measure : measureNumbers()) {
             for (short layer = 0; layer < kMaxLayers; ++layer, ++index) {
                 if (frames_[index].changed) changed.push_back({staff, measure, layer});
             }

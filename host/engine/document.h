@@ -15,6 +15,7 @@
 #include "contract/records.h"
 #include "engine/entry_state.h"
 #include "engine/key_signature.h"
+#include "engine/number_range.h"
 #include "engine/packed_entries.h"
 #include "engine/record_store.h"
 #include "engine/smart_shapes.h"
@@ -102,6 +103,8 @@ class Document {
     // --- reading ---
     [[nodiscard]] short staffCount() const { return static_cast<short>(staves_.size()); }
     [[nodiscard]] short measureCount() const { return static_cast<short>(measures_.size()); }
+    [[nodiscard]] NumberRange staffNumbers() const { return numbers(1, staffCount()); }
+    [[nodiscard]] NumberRange measureNumbers() const { return numbers(1, measureCount()); }
     [[nodiscard]] const Staff& staff(short staff) const;
     [[nodiscard]] const Measure& measure(short measure) const;
     [[nodiscard]] const StaffMeasure& staffMeasure(short staff, short measure) const;
@@ -122,6 +125,9 @@ class Document {
     // Exchanges the records of one list, or what a measure specification can change, with those given; the
     // way of mass edits.
     void exchangeRecords(const RecordStore::Place& place, RecordStore::Incidents& incidents);
+    // The records for a change of one list, which changeOfRecordsDone() is to follow.
+    RecordStore& changingRecords();
+    void changeOfRecordsDone(const RecordStore::Place& place);
     void exchangeMeasure(short measure, MeasureState& state);
     // Whether any record was ever exchanged.
     [[nodiscard]] bool recordsChanged() const { return recordsChanged_; }
@@ -148,7 +154,7 @@ class Document {
     std::vector<Measure> measures_;
     std::vector<StaffMeasure> staffMeasures_;
     std::vector<Frame> frames_;
-    // By staff and measure.
+    // By staff and measure, ascending.
     std::map<std::pair<short, short>, std::vector<KeyChange>> keyChanges_;
     std::uint32_t lastEntryNumber_ = 0;
     std::unordered_map<std::uint32_t, std::uint32_t> origins_;  // of continuations

@@ -39,9 +39,9 @@ struct EntryState {
 // EXENTRY::reserved13 in the document: the entry was changed, so what accidentals its notes show is to be
 // decided.
 inline constexpr std::uint8_t kDecideAccidentals = 0x01;
-// Likewise: a pitch of the entry is another one, though nobody marked it as changed, so that what the notes
-// around it show is to be looked at.
-inline constexpr std::uint8_t kPitchMoved = 0x02;
+// Likewise: a pitch or an accidental of the entry is another one, though nobody marked it as changed, so that
+// what the notes around it show is to be looked at.
+inline constexpr std::uint8_t kCheckAccidentals = 0x02;
 
 namespace entry_state {
 

@@ -34,7 +34,10 @@ SXMassEdit SX_StartMassEdit(SXHandle, std::uint32_t) {
 }
 
 void SX_EndMassEdit(SXMassEdit massEdit, short cancelled) {
-    Session::current().massEdits.end(massEdit, cancelled != 0);
+    Session& session = Session::current();
+    const bool isWhole = session.massEdits.depth() == 1 && session.massEdits.isOpen(massEdit);
+    if (isWhole && cancelled == 0) settleFractions(session);
+    session.massEdits.end(massEdit, cancelled != 0);
 }
 
 short SX_MassEditProgress(SXMassEdit massEdit, short, short, short, short) {

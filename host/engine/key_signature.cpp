@@ -27,10 +27,12 @@ KeySignature KeySignature::standard(int fifths, bool minor) {
     return key;
 }
 
-KeySignature KeySignature::nonStandard(const std::array<std::int8_t, 7>& alters) {
+KeySignature KeySignature::nonStandard(const std::array<std::int8_t, 7>& alters,
+                                       const std::array<std::int8_t, 7>& cents) {
     KeySignature key;
     key.word_ = kNonStandardKey;
     key.alters_ = alters;
+    key.cents_ = cents;
     return key;
 }
 

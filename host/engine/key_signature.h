@@ -33,8 +33,10 @@ class KeySignature {
   public:
     // A traditional signature; fifths from -128 to 127, negative for flats.
     static KeySignature standard(int fifths, bool minor);
-    // A signature off the standard scales, or of a staff without pitches; alters are by letter, C first.
-    static KeySignature nonStandard(const std::array<std::int8_t, 7>& alters = {});
+    // A signature off the standard scales, or of a staff without pitches; alters are by letter, C first, in
+    // semitones and hundredths (0 to 99) above them.
+    static KeySignature nonStandard(const std::array<std::int8_t, 7>& alters = {},
+                                    const std::array<std::int8_t, 7>& cents = {});
 
     // The word that the host interface gives the plug-in.
     [[nodiscard]] std::uint16_t word() const { return word_; }
@@ -44,6 +46,7 @@ class KeySignature {
     [[nodiscard]] int tonicPlace() const;
     // Semitones by which the signature alters a letter (0 C to 6 B).
     [[nodiscard]] int letterAlter(int letter) const { return alters_[static_cast<std::size_t>(letter)]; }
+    [[nodiscard]] int letterCents(int letter) const { return cents_[static_cast<std::size_t>(letter)]; }
 
     // Writes a pitch into a note, or reads it from there, relative to this key.
     void store(const SpelledPitch& pitch, ENOTE& note) const;
@@ -54,6 +57,7 @@ class KeySignature {
   private:
     std::uint16_t word_ = 0;
     std::array<std::int8_t, 7> alters_{};
+    std::array<std::int8_t, 7> cents_{};
 };
 
 }  // namespace rovescio::engine

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "engine/mass_edit.h"
+#include "engine/note_state.h"
 #include "engine/strictness.h"
 
 namespace rovescio::engine {
@@ -17,24 +18,33 @@ namespace {
 
 constexpr std::uint8_t kPoison = 0xDB;
 constexpr std::size_t kRetiredBuffers = 16;
+// What decides whether the notes around show an accidental.
+constexpr std::uint32_t kSignBits = NOTE_FLAG24 | NOTE_FLAG1 | NOTE_TIE_END;
 
 std::string place(const FrameAddress& address) {
     return "staff " + std::to_string(address.staff) + ", measure " + std::to_string(address.measure) +
            ", layer " + std::to_string(address.layer + 1);
 }
 
-// From the least to the greatest number of a frame's entries.
-struct NumberSpan {
-    std::uint32_t least = std::numeric_limits<std::uint32_t>::max();
-    std::uint32_t greatest = 0;
+// The entries of a frame by their numbers, listed when one is first looked for.
+class EntryNumbers {
+  public:
+    explicit EntryNumbers(const PackedEntries& entries) : entries_(entries) {}
 
-    explicit NumberSpan(const PackedEntries& entries) {
-        for (const StoredEntry& entry : entries) {
-            least = std::min<std::uint32_t>(least, +entry.entryNumber);
-            greatest = std::max<std::uint32_t>(greatest, +entry.entryNumber);
+    PackedEntries::ConstIterator find(std::uint32_t number) {
+        if (numbers_.empty()) {
+            for (const StoredEntry& entry : entries_) numbers_.emplace_back(+entry.entryNumber, &entry);
+            std::ranges::sort(numbers_);
         }
+        const auto found = std::ranges::lower_bound(numbers_, number, {}, &Number::first);
+        return found != numbers_.end() && found->first == number ? PackedEntries::ConstIterator(found->second)
+                                                                 : entries_.end();
     }
-    [[nodiscard]] bool contains(std::uint32_t number) const { return number >= least && number <= greatest; }
+
+  private:
+    using Number = std::pair<std::uint32_t, const StoredEntry*>;
+    const PackedEntries& entries_;
+    std::vector<Number> numbers_;
 };
 
 bool notesBeyondCount(const EXENTRY& entry) {
@@ -52,6 +62,7 @@ EXTGF2005a* LoadedFrames::load(const FrameAddress& address) {
     if (!document_.has(address.staff, address.measure) || address.layer < 0 || address.layer >= kMaxLayers) {
         return nullptr;
     }
+    massEdits_.noteLoad(address);
     if (idle_.empty()) addFrames();
     Frame& frame = *idle_.back();
     idle_.pop_back();
@@ -157,38 +168,43 @@ bool LoadedFrames::remove(EXTGF2005a* record, short index, short count) {
 // What the document keeps of an entry: rests without the placeholder that cleaning gave them, chords sorted
 // upward, unpitched notes where they were, and marks of what changed in place of the plug-in's own. `old` is
 // the entry as the document has it; null for a new one.
-void LoadedFrames::normalise(EXENTRY& entry, const StoredEntry* old) {
+LoadedFrames::Change LoadedFrames::normalise(EXENTRY& entry, const StoredEntry* old) {
+    Change change;
     if (!(entry.entryFlags & ENTRY_NOTE)) {
         std::fill_n(entry.notes, std::clamp<int>(entry.noteCount, 0, kMaxNotes), ENOTE{});
         entry.noteCount = 0;
+    }
+    // A sign that is not shown reminds of nothing.
+    for (ENOTE& note : std::span(entry.notes).first(static_cast<std::size_t>(entry.noteCount))) {
+        if ((note.noteFlags & NOTE_FLAG24) == 0) note.noteFlags &= ~kCourtesySign;
     }
     const int known = old ? std::min<int>(entry.noteCount, old->noteCount) : 0;
     const bool unpitched = entryState(entry).unpitched;
     for (int i = 0; i < known; ++i) {
         ENOTE& note = entry.notes[i];
         const ENOTE& before = old->notes()[static_cast<std::size_t>(i)];
-        if (note.displacement == before.displacement && note.alteration == before.alteration) continue;
         if (unpitched) {
             note.displacement = before.displacement;
             note.alteration = before.alteration;
-        } else {
-            entry.reserved13 |= kPitchMoved;
+            continue;
         }
+        const bool moved = note.displacement != before.displacement || note.alteration != before.alteration;
+        const bool signChanged = ((note.noteFlags ^ before.noteFlags) & kSignBits) != 0;
+        if (moved || signChanged) entry.reserved13 |= kCheckAccidentals;
+        change.moves = change.moves || moved;
     }
-    const auto lower = [](const ENOTE& a, const ENOTE& b) {
-        return a.displacement != b.displacement ? a.displacement < b.displacement
-                                                : a.alteration < b.alteration;
-    };
     for (int i = 1; i < entry.noteCount; ++i) {
         ENOTE* const note = entry.notes + i;
-        std::rotate(std::upper_bound(entry.notes, note, *note, lower), note, note + 1);
+        std::rotate(std::upper_bound(entry.notes, note, *note, isLower), note, note + 1);
     }
     // The marks of an entry tell whether it has shapes.
     entry.updateFlags = static_cast<std::uint8_t>(entry.updateFlags & ~ENTRY_HAS_SHAPES);
     if (entry.updateFlags & ENTRY_CHANGED) {
         entry.updateFlags = static_cast<std::uint8_t>(entry.updateFlags & ~ENTRY_CHANGED);
         entry.reserved13 |= kDecideAccidentals;
+        change.marks = true;
     }
+    return change;
 }
 
 bool LoadedFrames::save(EXTGF2005a* record) {
@@ -212,21 +228,20 @@ bool LoadedFrames::save(EXTGF2005a* record) {
     const PackedEntries& before = document_.entries(frame->address);
     PackedEntries saved = PackedEntries::withRoom(bytes);
     auto old = before.begin();
-    const NumberSpan numbers(before);
+    EntryNumbers numbers(before);
+    Change all;
     for (EXENTRY entry : frame->entries) {
-        const auto isSame = [&](const StoredEntry& stored) {
-            return stored.entryNumber == entry.entryNumber;
-        };
-        // Mostly the entries are still the same in the same order, or all of them come from other frames.
-        if (old == before.end() || !isSame(*old)) {
-            old = numbers.contains(entry.entryNumber) ? std::find_if(before.begin(), before.end(), isSame)
-                                                      : before.end();
+        // Mostly the entries are still the same in the same order.
+        if (old == before.end() || old->entryNumber != entry.entryNumber) {
+            old = numbers.find(entry.entryNumber);
         }
-        normalise(entry, old == before.end() ? nullptr : &*old);
+        const Change change = normalise(entry, old == before.end() ? nullptr : &*old);
+        all = {all.marks || change.marks, all.moves || change.moves};
         saved.append(entry);
         if (old != before.end()) ++old;
     }
     massEdits_.replace(frame->address, std::move(saved));
+    massEdits_.noteSave(frame->address, all.marks, all.moves);
     return true;
 }
 

@@ -58,7 +58,12 @@ class LoadedFrames {
     static void show(Frame& frame);
     void retire(std::vector<EXENTRY> entries, const FrameAddress& address);
     static void checkUntouched(const Retired& retired);
-    static void normalise(EXENTRY& entry, const StoredEntry* old);
+    // What saving an entry shows.
+    struct Change {
+        bool marks = false;  // the plug-in marked it as changed
+        bool moves = false;  // a pitch is another one
+    };
+    static Change normalise(EXENTRY& entry, const StoredEntry* old);
 
     Document& document_;
     MassEdits& massEdits_;

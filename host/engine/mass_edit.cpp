@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -38,11 +39,8 @@ void MassEdits::end(SXMassEdit handle, bool cancelled) {
     if (!cancelled) {
         // The edit stays open while the host adds what follows from the changes, so that undo takes it back
         // too.
-        breakWrongTies(document_, *this, changedFrames(*open_.back()));
-        for (const StaffSpan& span : open_.back()->rebarred) dropLooseTies(document_, *this, span);
-        const std::vector<FrameAddress> frames = changedFrames(*open_.back());
-        decideAccidentals(document_, *this, frames);
-        dropMarksOfDeleted(document_, *this, frames);
+        addConsequences(changedFrames(*open_.back()));
+        dropMarksOfDeleted(document_, *this, changedFrames(*open_.back()));
     }
     const std::unique_ptr<Edit> edit = std::move(open_.back());
     open_.pop_back();
@@ -56,12 +54,37 @@ void MassEdits::end(SXMassEdit handle, bool cancelled) {
         // What the outer edit changed before is older, and stays.
         open_.back()->changes.records.merge(edit->changes.records);
         open_.back()->changes.measures.merge(edit->changes.measures);
-        std::ranges::copy(edit->rebarred, std::back_inserter(open_.back()->rebarred));
+        for (const auto& [staff, spans] : edit->rebarred) {
+            std::ranges::copy(spans, std::back_inserter(open_.back()->rebarred[staff]));
+        }
         return;
     }
     if (edit->changes.empty()) return;
     undo_.push_back(std::move(edit->changes));
     redo_.clear();
+}
+
+void MassEdits::addConsequences(const std::vector<FrameAddress>& frames) {
+    const std::size_t known = open_.back()->changes.frames.size();
+    breakWrongTies(document_, *this, frames);
+    for (const auto& [staff, spans] : open_.back()->rebarred) {
+        for (const StaffSpan& span : spans) dropLooseTies(document_, *this, span);
+    }
+    decideAccidentals(document_, *this, frames);
+    // Where ties went, further frames have changed.
+    std::vector<FrameAddress> further;
+    for (std::size_t i = known; i < open_.back()->changes.frames.size(); ++i) {
+        further.push_back(open_.back()->changes.frames[i].address);
+    }
+    decideAccidentals(document_, *this, further);
+}
+
+void MassEdits::noteLoad(const FrameAddress& address) {
+    if (open_.empty() || !open_.back()->walks.wasSaved(index(address))) return;
+    std::vector<FrameAddress> frames = std::exchange(open_.back()->recent, {});
+    addConsequences(frames);
+    open_.back()->recent.clear();
+    open_.back()->walks.endWalk();
 }
 
 std::size_t MassEdits::index(const FrameAddress& address) const {
@@ -72,10 +95,24 @@ std::size_t MassEdits::index(const FrameAddress& address) const {
            static_cast<std::size_t>(address.layer);
 }
 
+std::size_t MassEdits::frameCount() const {
+    return static_cast<std::size_t>(document_.staffCount()) *
+           static_cast<std::size_t>(document_.measureCount()) * kMaxLayers;
+}
+
+void MassEdits::noteSave(const FrameAddress& address, bool marks, bool moves) {
+    open_.back()->walks.saved(index(address), frameCount(), marks, moves);
+}
+
+bool MassEdits::decidesAnew(const FrameAddress& address) const {
+    const std::optional<bool> moved = open_.back()->walks.moved(index(address));
+    // Entries that were laid out anew are marked by the host.
+    return moved ? !*moved : !isRebarred(address.staff, address.measure);
+}
+
 bool MassEdits::isFirstChange(Edit& edit, const FrameAddress& address) const {
     if (edit.placeOf.empty()) {
-        edit.placeOf.resize(static_cast<std::size_t>(document_.staffCount()) *
-                            static_cast<std::size_t>(document_.measureCount()) * kMaxLayers);
+        edit.placeOf.resize(frameCount());
     }
     return edit.placeOf[index(address)] == 0;
 }
@@ -88,12 +125,19 @@ void MassEdits::remember(Edit& edit, const FrameAddress& address, PackedEntries 
 
 void MassEdits::replace(const FrameAddress& address, PackedEntries entries) {
     document_.exchangeEntries(address, entries);
+    open_.back()->recent.push_back(address);
     remember(*open_.back(), address, std::move(entries));
 }
 
 void MassEdits::changeRecords(const RecordStore::Place& place, RecordStore::Incidents incidents) {
     document_.exchangeRecords(place, incidents);
     open_.back()->changes.records.try_emplace(place, std::move(incidents));
+}
+
+void MassEdits::keepRecords(const RecordStore::Place& place) {
+    const auto [kept, isFirst] = open_.back()->changes.records.try_emplace(place);
+    const RecordStore::Incidents* const list = document_.records().list(place);
+    if (isFirst && list) kept->second = *list;
 }
 
 void MassEdits::changeMeasure(short measure, MeasureState state) {
@@ -123,11 +167,13 @@ const KeySignature& MassEdits::keyBefore(short staff, short measure) const {
 }
 
 void MassEdits::markRebarred(const StaffSpan& span) {
-    open_.back()->rebarred.push_back(span);
+    open_.back()->rebarred[span.staff].push_back(span);
 }
 
 bool MassEdits::isRebarred(short staff, short measure) const {
-    return std::ranges::any_of(open_.back()->rebarred,
+    const auto spans = open_.back()->rebarred.find(staff);
+    return spans != open_.back()->rebarred.end() &&
+           std::ranges::any_of(spans->second,
                                [&](const StaffSpan& span) { return span.contains(staff, measure); });
 }
 

@@ -25,7 +25,7 @@ Key keyOf(std::uint16_t word) {
 // no staff has a standard key.
 short leadingStaff(const Document& document, short measure) {
     short leading = 0;
-    for (short staff = 1; staff <= document.staffCount(); ++staff) {
+    for (const short staff : document.staffNumbers()) {
         if (!document.staffMeasure(staff, measure).key.isStandard()) continue;
         if (document.staff(staff).fifths == 0) return staff;
         if (leading == 0) leading = staff;
@@ -71,7 +71,7 @@ std::optional<MeasureState> stateWith(const Document& document, short measure,
                                       const EDTMeasureSpec2014& spec) {
     MeasureState state{.layout = {spec.width, spec.spaceBefore, spec.spaceAfter, spec.flags}, .keys = {}};
     state.keys.reserve(static_cast<std::size_t>(document.staffCount()));
-    for (short staff = 1; staff <= document.staffCount(); ++staff) {
+    for (const short staff : document.staffNumbers()) {
         state.keys.push_back(document.staffMeasure(staff, measure).key);
     }
     const short leading = leadingStaff(document, measure);

@@ -1,6 +1,7 @@
 // Host functions on the selection, the score's structure, playback and note names.
 #include <cctype>
 #include <cstdlib>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -50,10 +51,12 @@ short SX_SlotToInst(short slot, std::uint16_t staffList) {
 short SX_InstToSlot(short staff, std::uint16_t staffList) {
     const Session& session = Session::current();
     if (staffList == 0) return staff >= 1 && staff <= session.document.staffCount() ? staff : short{0};
-    for (short slot = 1;; ++slot) {
+    for (const short slot : numbers(1, std::numeric_limits<short>::max())) {
         const short found = SX_SlotToInst(slot, staffList);
-        if (found == 0 || found == staff) return found == 0 ? short{0} : slot;
+        if (found == 0) break;
+        if (found == staff) return slot;
     }
+    return 0;
 }
 
 short SX_GetKeySig(short measure, short staff, short, std::intptr_t) {
@@ -71,7 +74,7 @@ std::int32_t SX_GetMeasureDuration(short staff, short measure) {
 
 void SX_Playback(short startMeasure, short endMeasure, short, std::uint16_t staffList) {
     std::vector<short> staves;
-    for (short slot = 1;; ++slot) {
+    for (const short slot : numbers(1, std::numeric_limits<short>::max())) {
         const short staff = SX_SlotToInst(slot, staffList);
         if (staff == 0) break;
         staves.push_back(staff);

@@ -122,6 +122,7 @@ class PackedEntries {
         return static_cast<std::size_t>(reinterpret_cast<const std::byte*>(&entry) - bytes_.get());
     }
     StoredEntry& atOffset(std::size_t offset) { return *at(offset); }
+    [[nodiscard]] const StoredEntry& atOffset(std::size_t offset) const { return *at(offset); }
 
     // All entries as whole records.
     void expand(std::vector<EXENTRY>& entries) const;

@@ -3,9 +3,6 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <type_traits>
 
@@ -98,7 +95,7 @@ Result<PluginBundle> PluginBundle::load(const std::string& path) {
     if (!missing.empty()) {
         const bool loaded = CFBundleIsExecutableLoaded(bundle);
         return Problem{loaded ? "the plug-in bundle lacks the entry point " + missing
-                              : "the plug-in bundle has no executable that can be loaded",
+                              : "the plug-in's executable is missing, incomplete or not for this system",
                        path,
                        0,
                        {},
@@ -158,14 +155,6 @@ std::string PluginBundle::string(std::uint32_t stringId) const {
 
 std::string PluginBundle::dialogText(const std::string& key) const {
     return localised(bundle_, key, "Dialogs");
-}
-
-Result<std::string> PluginBundle::dialogDescriptions() const {
-    const std::filesystem::path file = std::filesystem::path(path_) / "Contents/Resources/Dialogs.json";
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
-        return Problem{"the plug-in bundle has no dialog descriptions", file.string(), 0, {}, kReinstall};
-    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 }  // namespace rovescio::engine

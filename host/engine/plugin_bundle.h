@@ -34,8 +34,6 @@ class PluginBundle {
     [[nodiscard]] std::string string(std::uint32_t stringId) const;
     // Text of the dialogs' table by key, such as "20130.4.2"; the key itself when it is missing.
     [[nodiscard]] std::string dialogText(const std::string& key) const;
-    // The bundle's dialog descriptions, JSON text.
-    [[nodiscard]] Result<std::string> dialogDescriptions() const;
 
   private:
     struct EntryPoints;

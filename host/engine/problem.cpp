@@ -8,6 +8,7 @@ std::string Problem::text() const {
     if (!file.empty()) {
         result += file;
         if (line > 0) result.append(":").append(std::to_string(line));
+        if (line > 0 && column > 0) result.append(":").append(std::to_string(column));
         result += ": ";
     }
     result += message;

@@ -7,13 +7,14 @@
 
 namespace rovescio::engine {
 
-// One problem, told to the user as "file:line: message (measure M). remedy".
+// One problem, told to the user as "file:line:column: message (measure M). remedy".
 struct Problem {
     std::string message;
     std::string file;     // empty when no file is concerned
     int line = 0;         // 1-based; 0 when unknown
     std::string measure;  // the measure's printed number; empty when none is concerned
     std::string remedy;
+    int column = 0;  // 1-based, characters; 0 when the line says enough
 
     // The whole text on one line.
     [[nodiscard]] std::string text() const;

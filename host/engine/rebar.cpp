@@ -3,12 +3,15 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include "engine/accidentals.h"
+#include "engine/note_state.h"
 #include "engine/pour.h"
 #include "engine/session.h"
 
@@ -32,7 +35,7 @@ class Origins {
 
     void collect(short staff, short layer, short first, short last) {
         index_ += 2;  // entries of different layers do not follow each other
-        for (short measure = first; measure <= last; ++measure) {
+        for (const short measure : numbers(first, last)) {
             const PackedEntries& entries = edits_.before({staff, measure, layer});
             std::uint32_t owner = 0;
             for (const StoredEntry& entry : entries) {
@@ -94,7 +97,7 @@ class StaffRebar {
           staff_(staff),
           first_(first),
           last_(last) {
-        for (short measure = first; measure <= last; ++measure) {
+        for (const short measure : numbers(first, last)) {
             const StaffMeasure& time = document_.staffMeasure(staff, measure);
             metres_.push_back({time.duration, time.beat});
         }
@@ -103,6 +106,11 @@ class StaffRebar {
 
     // Finds out where everything goes; nothing is moved yet.
     bool plan() {
+        for (std::size_t i = 0; i < metres_.size(); ++i) {
+            std::ranges::copy(courtesySigns(document_, edits_, staff_, frame(i, 0).measure),
+                              std::back_inserter(courtesies_));
+        }
+        std::ranges::sort(courtesies_);
         for (short layer = 0; layer < kMaxLayers; ++layer) {
             if (session_.layerShown[static_cast<std::size_t>(layer)]) {
                 if (!planLayer(layer)) return false;
@@ -212,8 +220,9 @@ class StaffRebar {
             for (ENOTE& next : later.notes()) {
                 const bool half =
                     ((note.noteFlags & NOTE_TIE_START) != 0) != ((next.noteFlags & NOTE_TIE_END) != 0);
-                if (!half || origins_.pitchOf(staff_, earlier, note, earlierMeasure) !=
-                                 origins_.pitchOf(staff_, later, next, laterMeasure)) {
+                if (!half || centsOf(note) != centsOf(next) ||
+                    origins_.pitchOf(staff_, earlier, note, earlierMeasure) !=
+                        origins_.pitchOf(staff_, later, next, laterMeasure)) {
                     continue;
                 }
                 if (!hadFlag(*from.entry, next, NOTE_TIE_START) || !hadFlag(*to.entry, note, NOTE_TIE_END)) {
@@ -319,6 +328,7 @@ class StaffRebar {
         const short measure = frame(index, layer.number).measure;
         return std::ranges::equal(first.notes(), second.notes(), [&](const ENOTE& a, const ENOTE& b) {
             return (a.noteFlags & NOTE_TIE_START) != 0 && (b.noteFlags & NOTE_TIE_END) != 0 &&
+                   centsOf(a) == centsOf(b) &&
                    origins_.pitchOf(staff_, first, a, measure) ==
                        origins_.pitchOf(staff_, second, b, measure);
         });
@@ -347,6 +357,11 @@ class StaffRebar {
                (from.index == to.index + 1 && entryState(*from.entry).cut);
     }
 
+    [[nodiscard]] bool isCourtesy(const StoredEntry& entry, const ENOTE& note) const {
+        return (note.noteFlags & kCourtesySign) != 0 ||
+               std::ranges::binary_search(courtesies_, NoteNumber{entry.entryNumber, note.noteId});
+    }
+
     [[nodiscard]] EXENTRY entryOf(const Layer& layer, std::size_t index, const PourPiece& piece) {
         const StoredEntry& source = *layer.items[piece.item].entry;
         const short measure = frame(index, layer.number).measure;
@@ -369,7 +384,10 @@ class StaffRebar {
                 piece.continues ? NOTE_TIE_END : arrivals[i].noteFlags & NOTE_TIE_END;
             const std::uint32_t leaves =
                 piece.continued ? NOTE_TIE_START : departures[i].noteFlags & NOTE_TIE_START;
-            note.noteFlags = (note.noteFlags & ~NOTE_TIES) | arrives | leaves;
+            // A reminder goes with its note, and stands at its beginning.
+            const bool reminds = !piece.continues && isCourtesy(source, note);
+            note.noteFlags = (note.noteFlags & ~(NOTE_TIES | kCourtesySign)) | arrives | leaves |
+                             (reminds ? kCourtesySign : 0);
         }
         if (entry.noteCount > 0) entry.reserved13 |= kDecideAccidentals;
         return entry;
@@ -383,7 +401,8 @@ class StaffRebar {
     const short first_;
     const short last_;
     std::vector<Metre> metres_;
-    std::vector<unsigned> real_;  // by measure, a bit for each layer with music
+    std::vector<NoteNumber> courtesies_;  // notes of the region that showed a reminder
+    std::vector<unsigned> real_;          // by measure, a bit for each layer with music
     std::vector<Layer> layers_;
 };
 
@@ -410,16 +429,16 @@ bool rebar(Session& session, const EREGION& region) {
 
     Origins origins(document, session.massEdits);
     std::vector<StaffRebar> staves;
-    for (short staff = firstStaff; staff <= lastStaff; ++staff) {
+    for (const short staff : numbers(firstStaff, lastStaff)) {
         staves.emplace_back(session, origins, staff, first, last);
         if (!staves.back().plan()) return false;
     }
     for (StaffRebar& staff : staves) staff.apply();
-    for (short staff = 1; staff <= document.staffCount(); ++staff) {
+    for (const short staff : document.staffNumbers()) {
         const bool inRegion = staff >= firstStaff && staff <= lastStaff;
         for (short layer = 0; layer < kMaxLayers; ++layer) {
             if (inRegion && session.layerShown[static_cast<std::size_t>(layer)]) continue;
-            for (short measure = first; measure <= last; ++measure) {
+            for (const short measure : numbers(first, last)) {
                 respell(session.document, session.massEdits, {staff, measure, layer});
             }
         }

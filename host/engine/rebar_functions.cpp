@@ -6,7 +6,7 @@
 namespace rovescio::engine::functions {
 
 // This host has one way of rebarring, so the choices that a caller may make change nothing.
-short SX_RebarRegion(const EREGION* region, short, short, short, short) {
+short SX_RebarRegion(const EREGION* region, std::uint16_t, short, short, short) {
     return region && rebar(Session::current(), *region);
 }
 

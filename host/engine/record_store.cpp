@@ -17,32 +17,33 @@ const RecordStore::Bytes* RecordStore::find(std::uint32_t tag, const RecordKey& 
     return incidents && key.inci < incidents->size() ? &(*incidents)[key.inci] : nullptr;
 }
 
-std::optional<RecordStore::Change> RecordStore::saved(std::uint32_t tag, const RecordKey& key,
-                                                      std::span<const std::byte> content) const {
-    if (!find(tag, key)) return std::nullopt;
-    Change change{{tag, key.owner, key.second}, {}};
-    change.incidents = *list(change.place);
-    change.incidents[key.inci].assign(content.begin(), content.end());
-    return change;
+bool RecordStore::takes(std::uint32_t tag, const RecordKey& key) const {
+    const Incidents* const incidents = list({tag, key.owner, key.second});
+    const std::size_t next = incidents ? incidents->size() : 0;
+    return next < kAppend && (key.inci == kAppend || key.inci == next);
 }
 
-std::optional<RecordStore::Change> RecordStore::created(std::uint32_t tag, RecordKey& key,
-                                                        std::span<const std::byte> content) const {
-    Change change{{tag, key.owner, key.second}, {}};
-    if (const Incidents* const old = list(change.place)) change.incidents = *old;
-    const std::size_t next = change.incidents.size();
-    if (next >= kAppend || (key.inci != kAppend && key.inci != next)) return std::nullopt;
-    change.incidents.emplace_back(content.begin(), content.end());
-    key.inci = static_cast<std::uint16_t>(next);
-    return change;
+bool RecordStore::save(std::uint32_t tag, const RecordKey& key, std::span<const std::byte> content) {
+    if (!find(tag, key)) return false;
+    records_[tag][{key.owner, key.second}][key.inci].assign(content.begin(), content.end());
+    return true;
 }
 
-std::optional<RecordStore::Change> RecordStore::removed(std::uint32_t tag, const RecordKey& key) const {
-    if (!find(tag, key)) return std::nullopt;
-    Change change{{tag, key.owner, key.second}, {}};
-    change.incidents = *list(change.place);
-    change.incidents.erase(change.incidents.begin() + key.inci);
-    return change;
+bool RecordStore::create(std::uint32_t tag, RecordKey& key, std::span<const std::byte> content) {
+    if (!takes(tag, key)) return false;
+    Incidents& incidents = records_[tag][{key.owner, key.second}];
+    key.inci = static_cast<std::uint16_t>(incidents.size());
+    incidents.emplace_back(content.begin(), content.end());
+    return true;
+}
+
+bool RecordStore::remove(std::uint32_t tag, const RecordKey& key) {
+    if (!find(tag, key)) return false;
+    Lists& lists = records_[tag];
+    const auto found = lists.find({key.owner, key.second});
+    found->second.erase(found->second.begin() + key.inci);
+    if (found->second.empty()) lists.erase(found);
+    return true;
 }
 
 void RecordStore::exchange(const Place& place, Incidents& incidents) {

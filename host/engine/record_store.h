@@ -3,8 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
-#include <optional>
 #include <span>
 #include <tuple>
 #include <utility>
@@ -32,7 +32,7 @@ struct RecordKey {
 class RecordStore {
   public:
     using Bytes = std::vector<std::byte>;
-    using Incidents = std::vector<Bytes>;
+    using Incidents = std::deque<Bytes>;  // mostly taken away from the front
 
     // A list of incidents.
     struct Place {
@@ -43,11 +43,6 @@ class RecordStore {
         friend bool operator<(const Place& a, const Place& b) {
             return std::tie(a.tag, a.owner, a.second) < std::tie(b.tag, b.owner, b.second);
         }
-    };
-    // What a list is to become.
-    struct Change {
-        Place place;
-        Incidents incidents;
     };
 
     // Null when there is none.
@@ -63,13 +58,13 @@ class RecordStore {
     [[nodiscard]] std::uint32_t lastOwner(std::uint32_t tag, std::uint32_t limit) const;
     [[nodiscard]] std::uint16_t lastSecond(std::uint32_t tag, std::uint32_t owner) const;
 
-    // What saving, creating or removing a record makes of its list; none when it cannot be done. Of a new
-    // record the incident must be the next free one, or kAppend; it is written into the key.
-    [[nodiscard]] std::optional<Change> saved(std::uint32_t tag, const RecordKey& key,
-                                              std::span<const std::byte> content) const;
-    [[nodiscard]] std::optional<Change> created(std::uint32_t tag, RecordKey& key,
-                                                std::span<const std::byte> content) const;
-    [[nodiscard]] std::optional<Change> removed(std::uint32_t tag, const RecordKey& key) const;
+    // Whether a new record can have the key: its incident must be the next free one, or kAppend, which stands
+    // for that one.
+    [[nodiscard]] bool takes(std::uint32_t tag, const RecordKey& key) const;
+    // False when it cannot be done. The incident of a new record is written into the key.
+    bool save(std::uint32_t tag, const RecordKey& key, std::span<const std::byte> content);
+    bool create(std::uint32_t tag, RecordKey& key, std::span<const std::byte> content);
+    bool remove(std::uint32_t tag, const RecordKey& key);
     // Exchanges a list with another; an empty one is no list at all.
     void exchange(const Place& place, Incidents& incidents);
 

@@ -13,6 +13,7 @@
 #include "contract/records.h"
 #include "engine/data_records.h"
 #include "engine/document.h"
+#include "engine/fractions.h"
 #include "engine/gate.h"
 #include "engine/loaded_frames.h"
 #include "engine/mass_edit.h"
@@ -41,6 +42,8 @@ class Session {
     // What is selected in the score; none until set.
     std::optional<EREGION> selection;
     std::array<bool, kMaxLayers> layerShown = {true, true, true, true};
+    // What the transformation that was chosen does to quarter tones of the selection.
+    Fractions fractions = Fractions::kept;
     // How many frames the transformations chosen will load, for the progress display.
     std::int64_t expectedLoads = 0;
     // Why what a transformation asked for could not be done; the document must not be written then.

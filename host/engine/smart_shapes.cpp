@@ -10,8 +10,7 @@ namespace {
 
 template <class Record>
 void append(RecordStore& store, std::uint32_t tag, RecordKey key, const Record& record) {
-    auto change = store.created(tag, key, std::as_bytes(std::span(&record, 1)));
-    if (change) store.exchange(change->place, change->incidents);
+    store.create(tag, key, std::as_bytes(std::span(&record, 1)));
 }
 
 void makeMarks(RecordStore& store, std::uint16_t number, const Shape& shape) {

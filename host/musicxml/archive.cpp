@@ -3,9 +3,12 @@
 
 #include <zip.h>
 
+#include <array>
 #include <cstring>
 #include <memory>
-#include <pugixml.hpp>
+#include <string_view>
+
+#include "xml/tree.h"
 
 namespace rovescio::musicxml {
 
@@ -136,6 +139,19 @@ engine::Problem tooLarge(std::size_t maxBytes, const std::string& file) {
             "Split the score, or raise --max-size."};
 }
 
+namespace {
+
+// The path of the first root file that the container names; empty when it names none.
+std::string rootFileIn(std::string_view container) {
+    static constexpr auto kNames = std::to_array<std::string_view>({"container", "rootfiles", "rootfile"});
+    const xml::Tree tree(container, kNames);
+    xml::Element element = tree.rootElement();
+    for (xml::Name name = 1; element.exists() && name < kNames.size(); ++name) element = element.child(name);
+    return element.exists() ? std::string(element.attribute("full-path")) : std::string();
+}
+
+}  // namespace
+
 bool looksLikeArchive(const std::string& bytes) {
     return bytes.starts_with("PK\x03\x04") || bytes.starts_with("PK\x05\x06");
 }
@@ -147,11 +163,8 @@ engine::Result<ArchivedScore> unpackScore(const std::string& archive, std::size_
     std::string container;
     const Unpacked state = unpack(opened.zip.get(), kContainer, kMaxContainerBytes, container);
     if (state != Unpacked::fine) return explain(state, kContainer, kMaxContainerBytes, file);
-    pugi::xml_document tree;
-    tree.load_buffer(container.data(), container.size());
     ArchivedScore score;
-    score.rootFile =
-        tree.child("container").child("rootfiles").child("rootfile").attribute("full-path").value();
+    score.rootFile = rootFileIn(container);
     if (score.rootFile.empty()) {
         return broken("the compressed score does not say in " + std::string(kContainer) +
                           " which of its members is the score",

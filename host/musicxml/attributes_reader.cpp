@@ -44,20 +44,20 @@ int readBeats(std::string_view text) {
 
 }  // namespace
 
-Clef readClef(TreeWalk& walk) {
+Clef readClef(const xml::Element& element) {
     std::string_view sign;
     std::optional<int> written;
     int octaves = 0;
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        switch (walk.tagNumber()) {
+    for (const xml::Element child : element) {
+        switch (child.name()) {
             case tag("sign"):
-                sign = walk.text();
+                sign = child.text();
                 break;
             case tag("line"):
-                written = parseInteger(walk.text());
+                written = parseInteger(child.text());
                 break;
             case tag("clef-octave-change"):
-                octaves = parseInteger(walk.text()).value_or(0);
+                octaves = parseInteger(child.text()).value_or(0);
                 break;
             default:
                 break;
@@ -83,17 +83,18 @@ Clef readClef(TreeWalk& walk) {
     return clef;
 }
 
-bool readKey(TreeWalk& walk, engine::KeySignature& key, Journal& journal) {
+bool readKey(const xml::Element& element, engine::KeySignature& key, Journal& journal) {
     std::optional<int> fifths;
     bool minor = false;
     std::array<std::int8_t, 7> alters{};  // letters that a free key does not name stay natural
+    std::array<std::int8_t, 7> cents{};
     int letter = -1;
     bool isFree = true;
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        const std::size_t offset = walk.offset();
-        switch (walk.tagNumber()) {
+    for (const xml::Element child : element) {
+        const std::size_t offset = child.offset();
+        switch (child.name()) {
             case tag("fifths"): {
-                const std::string_view text = walk.text();
+                const std::string_view text = child.text();
                 isFree = false;
                 fifths = parseInteger(text);
                 if (fifths && *fifths >= -kMaxFifths && *fifths <= kMaxFifths) break;
@@ -103,43 +104,44 @@ bool readKey(TreeWalk& walk, engine::KeySignature& key, Journal& journal) {
                 return false;
             }
             case tag("mode"):
-                minor = isMinor(walk.text());
+                minor = isMinor(child.text());
                 break;
             case tag("key-step"):
-                letter = letterOf(walk.text());
+                letter = letterOf(child.text());
                 break;
             case tag("key-alter"): {
-                const Decimal alter = parseDecimal(walk.text()).value_or(Decimal{});
+                const Decimal alter = parseDecimal(child.text()).value_or(Decimal{});
                 if (letter < 0 || alter.value > kMaxKeyAlter * alter.scale ||
                     alter.value < -kMaxKeyAlter * alter.scale) {
                     break;
                 }
                 alters[static_cast<std::size_t>(letter)] = static_cast<std::int8_t>(
                     engine::floorDiv(static_cast<int>(alter.value), static_cast<int>(alter.scale)));
+                cents[static_cast<std::size_t>(letter)] = static_cast<std::int8_t>(hundredthsOf(alter));
                 break;
             }
             default:
                 break;
         }
     }
-    key = isFree ? engine::KeySignature::nonStandard(alters)
+    key = isFree ? engine::KeySignature::nonStandard(alters, cents)
                  : engine::KeySignature::standard(fifths.value_or(0), minor);
     return true;
 }
 
-TimeSignature readTime(TreeWalk& walk, Journal& journal) {
-    const std::size_t offset = walk.offset();
+TimeSignature readTime(const xml::Element& element, Journal& journal) {
+    const std::size_t offset = element.offset();
     TimeSignature time;
     std::int64_t length = 0;
     int beats = 0;
     bool counted = true;
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        switch (walk.tagNumber()) {
+    for (const xml::Element child : element) {
+        switch (child.name()) {
             case tag("beats"):
-                beats = readBeats(walk.text());
+                beats = readBeats(child.text());
                 break;
             case tag("beat-type"): {
-                const int type = parseInteger(walk.text()).value_or(0);
+                const int type = parseInteger(child.text()).value_or(0);
                 if (beats == 0 || type < 1 || type > kMaxBeatType) {
                     counted = false;
                     break;

@@ -7,7 +7,7 @@
 #include "engine/key_signature.h"
 #include "musicxml/clef.h"
 #include "musicxml/journal.h"
-#include "musicxml/tree_walk.h"
+#include "xml/tree.h"
 
 namespace rovescio::musicxml {
 
@@ -16,12 +16,12 @@ struct TimeSignature {
     std::int32_t beat = engine::kQuarter;
 };
 
-// Each reads the element that the walk is at.
-Clef readClef(TreeWalk& walk);
+// Each reads such an element.
+Clef readClef(const xml::Element& element);
 // Fails, with the problem in the journal, when the fifths are no number or
 // beyond reason.
-bool readKey(TreeWalk& walk, engine::KeySignature& key, Journal& journal);
+bool readKey(const xml::Element& element, engine::KeySignature& key, Journal& journal);
 // A signature that cannot be counted is noted and read as free.
-TimeSignature readTime(TreeWalk& walk, Journal& journal);
+TimeSignature readTime(const xml::Element& element, Journal& journal);
 
 }  // namespace rovescio::musicxml

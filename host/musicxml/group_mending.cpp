@@ -150,9 +150,6 @@ class BracketMender {
         }
         pair();
         if (!loose_.empty()) replaceLoose();
-        for (GroupMember* const member : members_) {
-            for (TupletMark& mark : member->groups.tuplets) mark = asItSays(std::move(mark));
-        }
     }
 
   private:
@@ -233,7 +230,7 @@ class BracketMender {
         const auto own = std::ranges::find_if(kept, [&](const TupletMark& mark) {
             return mark.start == start && mark.number == bracket.number;
         });
-        return own != kept.end() ? *own : TupletMark{bracket.number, start, withId(look.text, nextId_())};
+        return own != kept.end() ? *own : TupletMark{bracket.number, start, look.text, nextId_()};
     }
 
     // The notes of a tuplet around a place that follow each other and have no whole bracket of that number.
@@ -262,14 +259,6 @@ class BracketMender {
         const GroupMember& earlier = *members_[index];
         const GroupMember& later = *members_[index + 1];
         return earlier.start == later.start || earlier.start + earlier.length == later.start;
-    }
-
-    // The element's own type is the only place that still can tell the other end.
-    static TupletMark asItSays(TupletMark mark) {
-        const bool start = mark.start;
-        mark.start = mark.text.find("\"start\"") != std::string::npos ||
-                     mark.text.find("'start'") != std::string::npos;
-        return retyped(std::move(mark), start);
     }
 
     const Members& members_;

@@ -8,7 +8,7 @@
 
 #include "engine/fraction.h"
 #include "engine/note_values.h"
-#include "musicxml/note_rewrite.h"
+#include "musicxml/note_groups.h"
 
 namespace rovescio::musicxml {
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "musicxml/attributes_reader.h"
 #include "musicxml/numbers.h"
 #include "musicxml/tag_names.h"
-#include "musicxml/text_walk.h"
 
 namespace rovescio::musicxml {
 
@@ -18,49 +18,48 @@ namespace {
 using engine::KeySignature;
 
 struct KeyElement {
-    Element element;
+    xml::Node node = 0;
     int staff = 0;  // within the part, from 1; 0 for all
-    bool mode = false;
 };
 
 // What stands at the start of a measure.
 struct StartText {
-    Element attributes;  // the first one
-    bool empty = false;  // it holds nothing but keys
-    Element before;      // the last child of it that stands before a <key>
-    Element print;       // before which nothing of the measure stands
+    xml::Node attributes = 0;  // the first one
+    bool empty = false;        // it holds nothing but keys
+    xml::Node before = 0;      // the last child of it that stands before a <key>
+    xml::Node print = 0;       // before which nothing of the measure stands
     std::vector<KeyElement> keys;
-    std::size_t lateKey = 0;  // offset of a key behind a step back in time
+    xml::Node lateKey = 0;  // a key behind a step back in time
 };
 
-std::string contentOf(const KeySignature& key, bool mode) {
+std::string keyText(const KeySignature& key, int staff) {
     const int low = key.word() & 0xFF;
-    const bool minor = (key.word() >> 8) != 0;
-    std::string text = "<fifths>" + std::to_string(low > 127 ? low - 256 : low) + "</fifths>";
-    if (minor || mode) text += minor ? "<mode>minor</mode>" : "<mode>major</mode>";
-    return text;
+    const std::string number = staff == 0 ? "" : " number=\"" + std::to_string(staff) + "\"";
+    const std::string mode = (key.word() >> 8) != 0 ? "<mode>minor</mode>" : "";
+    return "<key" + number + "><fifths>" + std::to_string(low > 127 ? low - 256 : low) + "</fifths>" + mode +
+           "</key>";
 }
 
 class MeasureStart {
   public:
-    MeasureStart(std::string_view text, std::size_t contents) : walk_(text) {
-        walk_.restart(contents);
-        if (!walk_.next(0)) return;
-        contentBegin_ = walk_.element().contentBegin;
-        for (const std::size_t level = walk_.enter(); walk_.next(level);) {
-            switch (walk_.tagNumber()) {
+    MeasureStart(const xml::Edits& edits, xml::Node measure) : edits_(edits) {
+        std::vector<xml::Node> children;
+        edits.children(measure, children);
+        for (const xml::Node child : children) {
+            switch (edits.name(child)) {
                 case tag("print"):
-                    if (!moved_ && !found_.attributes.exists()) found_.print = walk_.whole();
+                    if (!moved_ && found_.attributes == 0) found_.print = child;
                     break;
                 case tag("attributes"):
-                    scanAttributes();
+                    scanAttributes(child);
                     break;
                 case tag("backup"):
                     back_ = true;
                     break;
                 case tag("note"):
                 case tag("forward"):
-                    scanTime();
+                    // Grace notes take no time.
+                    moved_ |= edits.child(child, tag("duration")) != 0;
                     break;
                 default:
                     break;
@@ -68,73 +67,55 @@ class MeasureStart {
         }
     }
     [[nodiscard]] const StartText& found() const { return found_; }
-    [[nodiscard]] std::size_t contentBegin() const { return contentBegin_; }
 
   private:
-    // Grace notes take no time.
-    void scanTime() {
-        for (const std::size_t level = walk_.enter(); walk_.next(level);) {
-            moved_ |= walk_.tagNumber() == tag("duration");
-        }
-    }
-
-    void scanAttributes() {
-        Element attributes = walk_.element();
-        const bool first = !moved_ && !found_.attributes.exists();
+    void scanAttributes(xml::Node attributes) {
+        const bool first = !moved_ && found_.attributes == 0;
         bool others = false;
-        bool children = false;
-        for (const std::size_t level = walk_.enter(); walk_.next(level); children = true) {
-            if (walk_.tagNumber() == tag("key")) {
-                scanKey();
+        std::vector<xml::Node> children;
+        edits_.children(attributes, children);
+        for (const xml::Node child : children) {
+            const xml::Name name = edits_.name(child);
+            if (name == tag("key")) {
+                scanKey(child);
                 continue;
             }
             others = true;
-            if (!first) continue;
-            const std::uint64_t name = walk_.tagNumber();
-            if (name == tag("footnote") || name == tag("level") || name == tag("divisions")) {
-                found_.before = walk_.whole();
-            }
+            const bool comesFirst =
+                name == tag("footnote") || name == tag("level") || name == tag("divisions");
+            if (first && comesFirst) found_.before = child;
         }
-        if (children) walk_.complete(attributes);
         if (!first) return;
         found_.attributes = attributes;
         found_.empty = !others;
     }
 
-    void scanKey() {
-        KeyElement key;
-        key.staff = parseInteger(walk_.attribute("number")).value_or(0);
-        key.element = walk_.element();
-        for (const std::size_t level = walk_.enter(); walk_.next(level);) {
-            key.mode |= walk_.tagNumber() == tag("mode");
-        }
-        walk_.complete(key.element);
+    void scanKey(xml::Node key) {
         if (!moved_) {
-            found_.keys.push_back(key);
+            found_.keys.push_back({key, parseInteger(edits_.attribute(key, "number")).value_or(0)});
         } else if (back_) {
-            found_.lateKey = key.element.begin;
+            found_.lateKey = key;
         }
     }
 
-    TextWalk walk_;
+    const xml::Edits& edits_;
     StartText found_;
-    std::size_t contentBegin_ = 0;
     bool moved_ = false;
     bool back_ = false;
 };
 
 class PartKeys {
   public:
-    PartKeys(const PartSource& part, const engine::Document& document, Journal& journal, TextEdits& edits)
+    PartKeys(const PartSource& part, const engine::Document& document, Journal& journal, xml::Edits& edits)
         : part_(part), document_(document), journal_(journal), edits_(edits) {}
 
     bool edit() {
         for (const auto& [measure, old] : document_.changedMeasures()) {
             if (!editMeasure(measure)) return false;
             // The key of the measure behind begins from what this one ends with.
+            if (measure == document_.measureCount()) continue;
             const auto next = static_cast<short>(measure + 1);
-            const bool last = next > document_.measureCount() || document_.changedMeasures().contains(next);
-            if (!last && !editMeasure(next)) return false;
+            if (!document_.changedMeasures().contains(next) && !editMeasure(next)) return false;
         }
         return true;
     }
@@ -163,7 +144,7 @@ class PartKeys {
     }
 
     bool editMeasure(short measure) {
-        const std::uint32_t contents = part_.measures[static_cast<std::size_t>(measure - 1)];
+        const xml::Node contents = part_.measures[static_cast<std::size_t>(measure - 1)];
         std::vector<short> staves;
         for (short i = 0; i < part_.staffCount; ++i) {
             const auto staff = static_cast<short>(part_.firstStaff + i);
@@ -171,20 +152,22 @@ class PartKeys {
         }
         if (staves.empty()) return true;
         journal_.setMeasure(document_.measure(measure).label);
-        const MeasureStart start(edits_.text(), contents);
-        if (contents == 0 || start.contentBegin() == 0 || start.found().lateKey != 0) {
-            journal_.fail("the key of this measure cannot be written", start.found().lateKey,
+        // What the part does not have cannot show a key; the measures behind it do.
+        if (contents == 0) return true;
+        const MeasureStart start(edits_, contents);
+        if (start.found().lateKey != 0) {
+            journal_.fail("the key of this measure cannot be written", edits_.place(start.found().lateKey),
                           "Put key signatures at the start of the measure, before its notes.");
             return false;
         }
-        write(measure, staves, start);
+        write(measure, contents, staves, start.found());
         return true;
     }
 
     // The one key of the staves that stand in the element, if they agree; unpitched staves have none.
     [[nodiscard]] std::optional<KeySignature> common(short measure, int staffInPart) const {
         std::optional<KeySignature> key;
-        for (short i = 1; i <= part_.staffCount; ++i) {
+        for (const short i : engine::numbers(1, part_.staffCount)) {
             if (staffInPart != 0 && i != staffInPart) continue;
             const auto staff = static_cast<short>(part_.firstStaff + i - 1);
             const KeySignature& own = document_.staffMeasure(staff, measure).key;
@@ -195,10 +178,10 @@ class PartKeys {
         return key;
     }
 
-    void write(short measure, const std::vector<short>& staves, const MeasureStart& start) {
+    void write(short measure, xml::Node contents, const std::vector<short>& staves, const StartText& start) {
         const bool needed = std::any_of(staves.begin(), staves.end(),
                                         [&](short staff) { return changesKey(staff, measure); });
-        const std::vector<KeyElement>& keys = start.found().keys;
+        const std::vector<KeyElement>& keys = start.keys;
         const bool writable = std::all_of(keys.begin(), keys.end(), [&](const KeyElement& key) {
             return common(measure, key.staff).has_value();
         });
@@ -206,59 +189,84 @@ class PartKeys {
             for (const KeyElement& key : keys) replaceKey(key, *common(measure, key.staff));
             return;
         }
-        const bool emptied = start.found().empty && !keys.empty() && !needed;
+        const bool emptied = start.empty && !keys.empty() && !needed;
         if (emptied) {
-            edits_.remove(start.found().attributes);
+            edits_.remove(start.attributes);
         } else {
-            for (const KeyElement& key : keys) edits_.remove(key.element);
+            for (const KeyElement& key : keys) edits_.remove(key.node);
         }
-        if (needed) insert(measure, start);
+        if (needed) insert(measure, contents, start);
     }
 
+    // A key off the standard scales was not changed, and stands as it is.
     void replaceKey(const KeyElement& key, const KeySignature& wanted) {
-        // A key off the standard scales was not changed, and stands as it is.
-        if (!wanted.isStandard()) return;
-        const std::string text = contentOf(wanted, key.mode);
-        if (text != edits_.text().substr(key.element.contentBegin,
-                                         key.element.contentEnd - key.element.contentBegin)) {
-            edits_.replaceContent(key.element, text);
+        if (!wanted.isStandard() || says(key.node, wanted)) return;
+        const xml::Node mode = edits_.child(key.node, tag("mode"));
+        const bool minor = (wanted.word() >> 8) != 0;
+        const xml::Node fifths = edits_.child(key.node, tag("fifths"));
+        if (fifths == 0) {
+            edits_.insertAfter(key.node, edits_.make(keyText(wanted, key.staff)));
+            edits_.remove(key.node);
+            return;
+        }
+        const xml::Node made = edits_.make(keyText(wanted, 0));
+        if (const xml::Node cancel = edits_.child(key.node, tag("cancel")); cancel != 0)
+            edits_.remove(cancel);
+        edits_.setText(fifths, edits_.text(edits_.child(made, tag("fifths"))));
+        if (mode != 0) {
+            edits_.setText(mode, minor ? "minor" : "major");
+        } else if (minor) {
+            edits_.insertAfter(fifths, edits_.make("<mode>minor</mode>"));
         }
     }
 
-    void insert(short measure, const MeasureStart& start) {
-        std::string text;
+    // Whether a key element is read as this key; modes other than major and minor are kept so.
+    [[nodiscard]] bool says(xml::Node element, const KeySignature& key) const {
+        if (element >= edits_.tree().size()) return false;
+        KeySignature read;
+        Journal journal({}, {});
+        return readKey({edits_.tree(), element}, read, journal) && read == key;
+    }
+
+    void insert(short measure, xml::Node contents, const StartText& start) {
+        std::vector<xml::Node> keys;
         if (const auto shared = common(measure, 0)) {
-            text = "<key>" + contentOf(*shared, false) + "</key>";
+            keys.push_back(edits_.make(keyText(*shared, 0)));
         } else {
-            for (short i = 1; i <= part_.staffCount; ++i) {
+            for (const short i : engine::numbers(1, part_.staffCount)) {
                 const auto key = common(measure, i);
-                if (!key || !key->isStandard()) continue;
-                text += "<key number=\"" + std::to_string(i) + "\">" + contentOf(*key, false) + "</key>";
+                if (key && key->isStandard()) keys.push_back(edits_.make(keyText(*key, i)));
             }
         }
-        const StartText& found = start.found();
-        if (found.before.exists()) {
-            edits_.insertAfter(found.before, text);
-        } else if (found.attributes.exists() && found.attributes.contentEnd > found.attributes.contentBegin) {
-            edits_.replace(found.attributes.contentBegin, found.attributes.contentBegin, text);
-        } else if (found.print.exists()) {
-            edits_.insertAfter(found.print, "<attributes>" + text + "</attributes>");
-        } else {
-            edits_.replace(start.contentBegin(), start.contentBegin(),
-                           "<attributes>" + text + "</attributes>");
+        xml::Node attributes = start.attributes;
+        if (attributes == 0) {
+            attributes = edits_.make("<attributes></attributes>");
+            if (start.print != 0) {
+                edits_.insertAfter(start.print, attributes);
+            } else {
+                edits_.insertFirst(contents, attributes);
+            }
+        }
+        // The last one is put in first, right behind what comes before keys.
+        for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+            if (start.before != 0) {
+                edits_.insertAfter(start.before, *key);
+            } else {
+                edits_.insertFirst(attributes, *key);
+            }
         }
     }
 
     const PartSource& part_;
     const engine::Document& document_;
     Journal& journal_;
-    TextEdits& edits_;
+    xml::Edits& edits_;
 };
 
 }  // namespace
 
 bool editKeys(const SourceMap& sources, const engine::Document& document, Journal& journal,
-              TextEdits& edits) {
+              xml::Edits& edits) {
     for (const PartSource& part : sources.parts) {
         if (!PartKeys(part, document, journal, edits).edit()) return false;
     }

@@ -4,13 +4,14 @@
 #include "engine/document.h"
 #include "musicxml/journal.h"
 #include "musicxml/source_map.h"
-#include "musicxml/text_edits.h"
+#include "xml/edits.h"
 
 namespace rovescio::musicxml {
 
-// Brings the <key> elements of the text in line with the keys of the document: of each part they stand at
+// Brings the <key> elements of the score in line with the keys of the document: of each part they stand at
 // the measures where the key now changes, at the start of the first measure, and nowhere else that is
 // affected. False, with the problem in the journal, where a key stands at no place that can be edited.
-bool editKeys(const SourceMap& sources, const engine::Document& document, Journal& journal, TextEdits& edits);
+bool editKeys(const SourceMap& sources, const engine::Document& document, Journal& journal,
+              xml::Edits& edits);
 
 }  // namespace rovescio::musicxml

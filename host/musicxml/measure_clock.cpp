@@ -46,6 +46,15 @@ MeasureClock::Span MeasureClock::span(const Decimal& duration) {
     return {duration.value * perDivision, true};
 }
 
+MeasureClock::Span MeasureClock::span(std::int32_t units, int actual, int normal) {
+    const engine::Fraction quarters =
+        engine::Fraction(units).times(normal, actual).times(1, engine::kQuarter);
+    if (!quarters.isSound() || !refine(quarters.denominator())) return {};
+    const std::int64_t perPart = unit_ / quarters.denominator();
+    if (quarters.numerator() > kMaxQuarters * quarters.denominator()) return {};
+    return {quarters.numerator() * perPart, true};
+}
+
 bool MeasureClock::forward(const Span& span) {
     if (span.ticks > kMaxQuarters * unit_ - now_) return false;
     now_ += span.ticks;

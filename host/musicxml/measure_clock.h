@@ -26,6 +26,8 @@ class MeasureClock {
         bool valid = false;  // false when the duration is beyond what a measure can hold
     };
     Span span(const Decimal& duration);
+    // The same of units * normal / actual duration units.
+    Span span(std::int32_t units, int actual, int normal);
 
     bool forward(const Span& span);
     // False when the time would lie before the measure's start, where it then

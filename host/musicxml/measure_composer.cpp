@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <numeric>
-#include <set>
+#include <optional>
 #include <utility>
 
 #include "engine/entry_state.h"
+#include "musicxml/note_edits.h"
 #include "musicxml/tag_names.h"
-#include "musicxml/text_walk.h"
 
 namespace rovescio::musicxml {
 
@@ -34,72 +34,20 @@ bool shareStem(const Event& first, const Event& second) {
            isGrace(first) == isGrace(second);
 }
 
-// The children of an element that speak of divisions, in another number of them.
-std::string rescaled(std::string_view item, const Decimal& from, std::int64_t to) {
-    std::string text(item);
-    TextWalk walk(item);
-    walk.restart(0);
-    if (from.scale != 1 || from.value == to || !walk.next(0)) return text;
-    std::vector<std::pair<Element, std::string>> changes;
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        if (walk.tagNumber() != tag("offset") && walk.tagNumber() != tag("duration")) continue;
-        const Element element = walk.whole();
-        const auto value = parseDecimal(valueOf(item, element));
-        if (!value || value->value * to % (from.value * value->scale) != 0) continue;
-        changes.emplace_back(element, std::to_string(value->value * to / (from.value * value->scale)));
-    }
-    for (auto change = changes.rbegin(); change != changes.rend(); ++change) {
-        const Element& element = change->first;
-        text.replace(element.contentBegin, element.contentEnd - element.contentBegin, change->second);
-    }
-    return text;
-}
-
-// An <attributes> element with other divisions; 0 for none. Empty when nothing is left of it.
-std::string withDivisions(std::string_view attributes, std::int64_t divisions) {
-    std::string text(attributes);
-    TextWalk walk(attributes);
-    walk.restart(0);
-    if (!walk.next(0)) return text;
-    const Element opening = walk.element();
-    const std::string stated = "<divisions>" + std::to_string(divisions) + "</divisions>";
-    int children = 0;
-    Element found;
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        ++children;
-        if (walk.tagNumber() == tag("divisions")) found = walk.whole();
-    }
-    if (found.exists() && divisions == 0) {
-        return children == 1 ? std::string() : text.erase(found.begin, found.end - found.begin);
-    }
-    if (found.exists()) return text.replace(found.begin, found.end - found.begin, stated);
-    return divisions == 0 || children == 0 ? text : text.insert(opening.contentBegin, stated);
-}
-
 }  // namespace
 
-MeasureComposer::MeasureComposer(NoteRewriter& rewriter, const MeasureText& text, Lines& lines,
-                                 const engine::Metre& metre, bool severalStaves, VoiceLabels& labels,
-                                 std::string cutPrefix)
-    : rewriter_(rewriter),
-      text_(text),
-      lines_(lines),
-      metre_(metre),
-      severalStaves_(severalStaves),
-      labels_(labels),
-      cutPrefix_(std::move(cutPrefix)),
-      emitted_(text.items().size()) {}
+MeasureComposer::MeasureComposer(PartWriting& part, const MeasureSite& site, const MeasureContents& contents,
+                                 Lines& lines)
+    : part_(part), site_(site), contents_(contents), lines_(lines), emitted_(contents.items.size()) {}
 
 // A line keeps the label that its first note has in the file, or else the one it had before.
 void MeasureComposer::labelLine(Line& line) {
     const std::string usual = std::to_string(4 * line.staff + line.layer + 1 + (line.second ? 4 : 0));
-    std::string& known = labels_.try_emplace({line.staff, line.layer, line.second}, usual).first->second;
+    std::string& known = part_.labels.try_emplace({line.staff, line.layer, line.second}, usual).first->second;
     bool labelled = false;
     for (Event& event : line.events) {
         if (event.notes.empty()) continue;
-        NoteGroups& groups = event.notes.front()->groups;
-        const bool isOnly = !event.continues && !event.continued;
-        event.member.groups = isOnly ? std::move(groups) : groups;
+        event.member.groups = readGroups(part_.edits, event.notes.front());
         if (!labelled) known = event.member.groups.voice;
         labelled = true;
     }
@@ -112,8 +60,9 @@ bool MeasureComposer::join(Stream& stream, Line& line) {
         if (isRest(event) && engine::entryState(*event.entry).silence == engine::Silence::gap) continue;
         merged.push_back(&event);
     }
-    std::stable_sort(merged.begin(), merged.end(),
-                     [](const Event* a, const Event* b) { return a->start < b->start; });
+    std::stable_sort(merged.begin(), merged.end(), [](const Event* a, const Event* b) {
+        return a->start < b->start || (a->start == b->start && a->line < b->line);
+    });
     const Event* sounding = nullptr;
     for (const Event* event : merged) {
         if (isGrace(*event)) continue;
@@ -125,25 +74,37 @@ bool MeasureComposer::join(Stream& stream, Line& line) {
     return true;
 }
 
+// Lines whose notes are where they were come first to their labels, so that these stay.
 void MeasureComposer::formStreams() {
     std::set<std::string> used = {kNoVoice};
-    for (Line& line : lines_) {
-        labelLine(line);
-        used.insert(line.voice);
+    for (std::size_t i = 0; i < lines_.size(); ++i) {
+        labelLine(lines_[i]);
+        used.insert(lines_[i].voice);
+        for (Event& event : lines_[i].events) event.line = i;
     }
-    for (Line& line : lines_) {
-        const auto same = std::find_if(streams_.begin(), streams_.end(),
-                                       [&](const Stream& stream) { return stream.voice == line.voice; });
-        if (same != streams_.end() && join(*same, line)) continue;
-        Stream stream{line.voice, {}};
-        for (int number = 1; same != streams_.end() && used.contains(stream.voice); ++number) {
-            stream.voice = std::to_string(number);
+    for (const bool asBefore : {true, false}) {
+        for (std::size_t i = 0; i < lines_.size(); ++i) {
+            if (lines_[i].asBefore == asBefore) formStream(i, used);
         }
-        used.insert(stream.voice);
-        join(stream, line);
-        if (!stream.events.empty()) streams_.push_back(std::move(stream));
     }
+    std::ranges::sort(streams_, {}, &Stream::line);
     for (Stream& stream : streams_) mend(stream);
+}
+
+void MeasureComposer::formStream(std::size_t index, std::set<std::string>& used) {
+    Line& line = lines_[index];
+    const auto same = std::ranges::find(streams_, line.voice, &Stream::voice);
+    if (same != streams_.end() && join(*same, line)) {
+        same->line = std::min(same->line, index);
+        return;
+    }
+    Stream stream{line.voice, {}, index};
+    for (int number = 1; same != streams_.end() && used.contains(stream.voice); ++number) {
+        stream.voice = std::to_string(number);
+    }
+    used.insert(stream.voice);
+    join(stream, line);
+    if (!stream.events.empty()) streams_.push_back(std::move(stream));
 }
 
 void MeasureComposer::mend(Stream& stream) {
@@ -167,7 +128,7 @@ void MeasureComposer::mend(Stream& stream) {
         });
         members.push_back(&member);
     }
-    mendGroups(members, metre_, [&] { return cutPrefix_ + std::to_string(++cuts_); });
+    mendGroups(members, site_.metre, [&] { return site_.cutPrefix + std::to_string(++cuts_); });
 }
 
 void MeasureComposer::chooseDivisions(const Divisions& divisions) {
@@ -181,25 +142,51 @@ void MeasureComposer::chooseDivisions(const Divisions& divisions) {
             need(event->length);
         }
     }
-    for (const MeasureText::Item& item : text_.items()) need(item.time);
-    need(Fraction(metre_.length));
+    for (const MeasureContents::Item& item : contents_.items) need(item.time);
+    need(Fraction(site_.metre.length));
     ownDivisions_ = divisions.own;
     const std::int64_t own = divisions.own.scale == 1 ? divisions.own.value : 1;
     divisions_ = own % needed == 0 && divisions.own.scale == 1 ? own : std::lcm(own, needed);
 }
 
+// The children of an element that count in divisions.
+void MeasureComposer::rescale(xml::Node item) {
+    if (ownDivisions_.scale != 1 || isInOwnDivisions()) return;
+    xml::Edits& edits = part_.edits;
+    std::vector<xml::Node> children;
+    edits.children(item, children);
+    for (const xml::Node child : children) {
+        const xml::Name name = edits.name(child);
+        if (name == tag("sound")) rescale(child);
+        if (name != tag("offset") && name != tag("duration")) continue;
+        const auto value = parseDecimal(edits.text(child));
+        if (!value || value->value * divisions_ % (ownDivisions_.value * value->scale) != 0) continue;
+        edits.setText(child,
+                      std::to_string(value->value * divisions_ / (ownDivisions_.value * value->scale)));
+    }
+}
+
 // Puts the divisions into force, in an element that the measure has at its start or a new one.
 void MeasureComposer::declareDivisions(std::int64_t before) {
+    xml::Edits& edits = part_.edits;
     bool declared = before == divisions_;
-    for (const MeasureText::Item& item : text_.items()) {
-        std::string text = rescaled(item.text, ownDivisions_, divisions_);
-        if (item.tag == tag("attributes")) {
-            const bool stated = text.find("<divisions>") != std::string::npos;
-            const bool here = item.time == Fraction(0) && (stated || !declared);
-            declared = declared || here;
-            text = withDivisions(text, here ? divisions_ : 0);
+    for (std::size_t i = 0; i < contents_.items.size(); ++i) {
+        const MeasureContents::Item& item = contents_.items[i];
+        rescale(item.node);
+        if (item.name != tag("attributes")) continue;
+        const xml::Node stated = edits.child(item.node, tag("divisions"));
+        const bool here = item.time == Fraction(0) && (stated != 0 || !declared);
+        if (here && stated != 0) {
+            const std::string said = std::to_string(divisions_);
+            if (!edits.says(stated, said)) edits.setText(stated, said);
+        } else if (here && edits.hasChildren(item.node)) {
+            edits.insertFirst(item.node,
+                              edits.make("<divisions>" + std::to_string(divisions_) + "</divisions>"));
+        } else if (stated != 0) {
+            edits.remove(stated);
+            emitted_[i] = !edits.hasChildren(item.node);
         }
-        items_.push_back(std::move(text));
+        declared = declared || here;
     }
     if (!declared) emit("<attributes><divisions>" + std::to_string(divisions_) + "</divisions></attributes>");
 }
@@ -208,24 +195,28 @@ std::string MeasureComposer::units(const Fraction& length) const {
     return std::to_string(length.times(divisions_, engine::kQuarter).numerator());
 }
 
-void MeasureComposer::emit(std::string_view text) {
-    if (text.empty()) return;
-    out_ += text_.indentation();
-    out_ += text;
-}
-
+// Steps that the measure had are used again as long as there are some.
 void MeasureComposer::moveTo(const Fraction& time) {
     if (cursor_ == time) return;
     const bool back = time < cursor_;
-    const std::string name = back ? "backup" : "forward";
-    emit("<" + name + "><duration>" + units(back ? cursor_ - time : time - cursor_) + "</duration></" + name +
-         ">");
+    const std::string duration = units(back ? cursor_ - time : time - cursor_);
     cursor_ = time;
+    const std::vector<xml::Node>& steps = back ? contents_.backups : contents_.forwards;
+    std::size_t& used = back ? backups_ : forwards_;
+    if (used == steps.size()) {
+        const std::string name = back ? "backup" : "forward";
+        emit("<" + name + "><duration>" + duration + "</duration></" + name + ">");
+        return;
+    }
+    const xml::Node step = steps[used++];
+    const xml::Node said = part_.edits.child(step, tag("duration"));
+    if (!part_.edits.says(said, duration)) part_.edits.setText(said, duration);
+    list_.push_back(step);
 }
 
 void MeasureComposer::emitItem(std::size_t index) {
     emitted_[index] = true;
-    emit(items_[index]);
+    list_.push_back(contents_.items[index].node);
 }
 
 // The stream with a note that begins or ends at a time; the first one when none does.
@@ -241,9 +232,9 @@ std::size_t MeasureComposer::streamOf(const Fraction& time) const {
 
 // Everything but notes that stands before a time or at it; what stands at the measure's end comes last.
 void MeasureComposer::emitItemsUntil(const Fraction& time, std::size_t stream) {
-    const std::vector<MeasureText::Item>& items = text_.items();
+    const std::vector<MeasureContents::Item>& items = contents_.items;
     for (std::size_t i = 0; i < items.size(); ++i) {
-        if (emitted_[i] || items[i].time > time || items[i].time >= Fraction(metre_.length)) continue;
+        if (emitted_[i] || items[i].time > time || items[i].time >= Fraction(site_.metre.length)) continue;
         if (streamOf(items[i].time) != stream) continue;
         const Fraction here = cursor_;
         moveTo(items[i].time);
@@ -252,7 +243,7 @@ void MeasureComposer::emitItemsUntil(const Fraction& time, std::size_t stream) {
     }
 }
 
-NoteShape MeasureComposer::shapeOf(const Event& event, const Stream& stream, std::string_view note) const {
+NoteShape MeasureComposer::shapeOf(const Event& event, const Stream& stream) const {
     NoteShape shape;
     const bool grace = isGrace(event);
     if (!grace) shape.duration = units(event.length);
@@ -260,47 +251,78 @@ NoteShape MeasureComposer::shapeOf(const Event& event, const Stream& stream, std
     shape.mirrored = event.mirrored;
     shape.continuation = event.continues;
     const std::int32_t value = event.entry->duration;
-    const bool rest = isRest(event);
-    const bool saysMeasure = rest && note.find("measure=\"yes\"") != std::string_view::npos;
-    const bool fills = event.start == Fraction(0) && event.length == Fraction(metre_.length);
-    if (rest && fills) {
+    const xml::Node rest =
+        !isRest(event) || event.notes.empty() ? 0 : part_.edits.child(event.notes.front(), tag("rest"));
+    const bool saysMeasure = rest != 0 && part_.edits.attribute(rest, "measure") == "yes";
+    const bool fills = event.start == Fraction(0) && event.length == Fraction(site_.metre.length);
+    if (isRest(event) && fills) {
         shape.measureRest = event.source == nullptr || saysMeasure || event.source->duration != value ||
                             !engine::isWritable(value, kMaxDots);
     }
     const bool newValue = event.source == nullptr || event.source->duration != value;
-    if (!grace && (newValue || saysMeasure) && engine::isWritable(value, kMaxDots)) {
+    if (!grace && (newValue || (saysMeasure && !shape.measureRest)) && engine::isWritable(value, kMaxDots)) {
         shape.value = engine::noteValueOf(value, kMaxDots);
     }
     return shape;
 }
 
-void MeasureComposer::emitEvent(const Event& event, const Stream& stream, bool chord) {
+bool MeasureComposer::emitEvent(const Event& event, const Stream& stream, bool chord) {
+    NoteShape shape = shapeOf(event, stream);
     if (event.notes.empty()) {
-        const Line* const line = [&] {
-            const auto found = std::find_if(lines_.begin(), lines_.end(), [&](const Line& candidate) {
-                return std::any_of(candidate.events.begin(), candidate.events.end(),
-                                   [&](const Event& other) { return &other == &event; });
-            });
-            return &*found;
-        }();
-        emit(restText(shapeOf(event, stream, {}), severalStaves_ ? line->staff + 1 : 0));
-        return;
+        list_.push_back(makeRest(part_.edits, shape, part_.severalStaves ? event.staff + 1 : 0));
+        return true;
     }
     for (std::size_t i = 0; i < event.notes.size(); ++i) {
-        NoteShape shape = shapeOf(event, stream, event.notes[i]->text);
         shape.chord = chord || i > 0;
-        if (i == 0) shape.groups = &event.member.groups;
-        if (i == 0 && engine::entryState(*event.entry).cut)
-            shape.cutId = cutPrefix_ + std::to_string(++cuts_);
-        for (const ENOTE& note : event.entry->notes()) {
-            if (note.noteId == i + 1) shape.ties = note.noteFlags & NOTE_TIES;
-        }
-        out_ += text_.indentation();
-        rewriter_.rewrite(event.notes[i]->text, shape, out_);
+        shape.groups = i == 0 ? &event.member.groups : nullptr;
+        shape.cutId = i == 0 && engine::entryState(*event.entry).cut
+                          ? site_.cutPrefix + std::to_string(++cuts_)
+                          : std::string();
+        if (!emitNote(event, i, shape)) return false;
     }
+    return true;
 }
 
-void MeasureComposer::emitStream(std::size_t index) {
+bool MeasureComposer::emitNote(const Event& event, std::size_t index, NoteShape& shape) {
+    const xml::Node node = event.notes[index];
+    const auto notes = event.entry->notes();
+    const auto record =
+        std::ranges::find_if(notes, [&](const ENOTE& note) { return note.noteId == index + 1; });
+    shape.ties = record == notes.end() ? 0 : record->noteFlags & NOTE_TIES;
+    NoteShape own = shape;
+    if (!isGrace(event) && event.source != nullptr && !event.source->statesLength &&
+        !keepOwnDuration(node, own, event.source->duration != event.entry->duration)) {
+        return false;
+    }
+    if (record != notes.end() && !isRest(event)) {
+        const engine::KeySignature& key = *site_.keys[static_cast<std::size_t>(event.staff)];
+        const bool unpitched = engine::entryState(*event.entry).unpitched != 0;
+        const NoteChange change =
+            editPitch(part_.edits, part_.scan.of(node), *record, key.spell(*record), unpitched);
+        if (!change.possible) return refuseOctave(part_.journal, part_.edits.place(node));
+    }
+    placeNote(part_.edits, part_.scan, node, own);
+    list_.push_back(node);
+    return true;
+}
+
+// A note of a chord with a duration of its own keeps it, and so does one whose duration is rounded.
+bool MeasureComposer::keepOwnDuration(xml::Node note, NoteShape& shape, bool isCut) {
+    const xml::Node said = part_.edits.child(note, tag("duration"));
+    const std::optional<Decimal> own = said == 0 ? std::nullopt : parseDecimal(part_.edits.text(said));
+    if (!own) return true;
+    const std::int64_t scale = ownDivisions_.value * own->scale;
+    const bool fits = ownDivisions_.scale == 1 && own->value * divisions_ % scale == 0;
+    if (!isCut && (fits || isInOwnDivisions())) {
+        shape.duration = isInOwnDivisions() ? "" : std::to_string(own->value * divisions_ / scale);
+        return true;
+    }
+    part_.journal.fail("a note has a rounded duration, or another one than its chord, and cannot be kept so",
+                       part_.edits.place(note), "Correct the duration there, or select other measures.");
+    return false;
+}
+
+bool MeasureComposer::emitStream(std::size_t index) {
     const Stream& stream = streams_[index];
     const Event* earlier = nullptr;
     for (const Event* event : stream.events) {
@@ -309,35 +331,32 @@ void MeasureComposer::emitStream(std::size_t index) {
             emitItemsUntil(event->start, index);
             moveTo(event->start);
         }
-        emitEvent(*event, stream, chord);
+        if (!emitEvent(*event, stream, chord)) return false;
         if (!chord) cursor_ += event->length;
         earlier = event;
     }
-    emitItemsUntil(Fraction(metre_.length), index);
+    emitItemsUntil(Fraction(site_.metre.length), index);
+    return true;
 }
 
-std::string MeasureComposer::compose(const Divisions& divisions) {
+bool MeasureComposer::compose(const Divisions& divisions) {
     formStreams();
     chooseDivisions(divisions);
-    out_.reserve(2 * text_.size());
-    out_ = text_.startTag();
     declareDivisions(divisions.before.scale == 1 ? divisions.before.value : 0);
     for (std::size_t i = 0; i < streams_.size(); ++i) {
         moveTo(0);
-        emitStream(i);
+        if (!emitStream(i)) return false;
     }
-    moveTo(metre_.length);
-    for (std::size_t i = 0; i < items_.size(); ++i) {
+    moveTo(site_.metre.length);
+    for (std::size_t i = 0; i < contents_.items.size(); ++i) {
         if (!emitted_[i]) emitItem(i);
     }
-    const bool same = divisions.own.scale == 1 && divisions.own.value == divisions_;
-    if (divisions.restore && !same && divisions.own.scale == 1) {
+    if (divisions.restore && !isInOwnDivisions() && divisions.own.scale == 1) {
         emit("<attributes><divisions>" + std::to_string(divisions.own.value) + "</divisions></attributes>");
         divisions_ = divisions.own.value;
     }
-    out_ += text_.closing();
-    out_ += text_.endTag();
-    return std::move(out_);
+    part_.edits.setChildren(site_.node, list_);
+    return true;
 }
 
 }  // namespace rovescio::musicxml

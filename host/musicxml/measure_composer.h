@@ -1,7 +1,8 @@
-// Composes the text of one measure from the events of its voices and everything else that stands in it.
+// Puts one measure together from the events of its voices and everything else that stands in it.
 #pragma once
 
 #include <map>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -12,7 +13,9 @@
 #include "engine/packed_entries.h"
 #include "engine/pour.h"
 #include "musicxml/group_mending.h"
-#include "musicxml/measure_text.h"
+#include "musicxml/journal.h"
+#include "musicxml/measure_contents.h"
+#include "musicxml/note_placing.h"
 #include "musicxml/source_map.h"
 
 namespace rovescio::musicxml {
@@ -20,13 +23,15 @@ namespace rovescio::musicxml {
 // One chord, note, rest or gap of a layer.
 struct Event {
     const engine::StoredEntry* entry = nullptr;
-    const EntrySource* source = nullptr;        // null for an entry that no file has
-    std::span<MeasureText::Note* const> notes;  // in the file, by note id; none for a gap
-    engine::Fraction start;                     // duration units from the start of the measure
+    const EntrySource* source = nullptr;  // null for an entry that no file has
+    std::span<const xml::Node> notes;     // its own, by note id; none for a gap and for what no file has
+    engine::Fraction start;               // duration units from the start of the measure
     engine::Fraction length;
+    int staff = 0;           // within the part, from 0
+    std::size_t line = 0;    // its line in the measure
     bool continues = false;  // goes on with a note that was cut
     bool continued = false;
-    bool mirrored = false;  // the order around it has turned round
+    bool mirrored = false;  // the order around it is reversed
     GroupMember member;
 };
 
@@ -37,6 +42,7 @@ struct Line {
     bool second = false;
     std::vector<Event> events = {};
     std::string voice = {};
+    bool asBefore = false;  // all its notes are where they were
 };
 
 using Lines = std::vector<Line>;
@@ -44,10 +50,27 @@ using Lines = std::vector<Line>;
 // The label that each line had last; by staff, layer and whether it is the second voice.
 using VoiceLabels = std::map<std::tuple<int, short, bool>, std::string>;
 
+// What the measures of a part have in common while they are put together.
+struct PartWriting {
+    xml::Edits& edits;
+    NoteScan& scan;
+    Journal& journal;
+    bool severalStaves = false;
+    VoiceLabels labels = {};
+};
+
+// Where a measure is put together.
+struct MeasureSite {
+    xml::Node node = 0;
+    engine::Metre metre;
+    std::vector<const engine::KeySignature*> keys;  // at its start, by staff within the part
+    std::string cutPrefix;  // of the ids of ties that join cut notes; another one in each measure
+};
+
 class MeasureComposer {
   public:
-    MeasureComposer(NoteRewriter& rewriter, const MeasureText& text, Lines& lines, const engine::Metre& metre,
-                    bool severalStaves, VoiceLabels& labels, std::string cutPrefix);
+    MeasureComposer(PartWriting& part, const MeasureSite& site, const MeasureContents& contents,
+                    Lines& lines);
 
     // Divisions of a quarter in the file: in force before the measure as it is written now, in the measure as
     // it was, and whether the latter must be in force again behind it.
@@ -56,7 +79,8 @@ class MeasureComposer {
         Decimal own;
         bool restore = false;
     };
-    std::string compose(const Divisions& divisions);
+    // False, with the problem in the journal, when something cannot be written there.
+    bool compose(const Divisions& divisions);
     [[nodiscard]] Decimal divisionsAtEnd() const { return {divisions_, 1}; }
 
   private:
@@ -64,38 +88,44 @@ class MeasureComposer {
     struct Stream {
         std::string voice;
         std::vector<Event*> events;  // in order; gaps left out
+        std::size_t line = 0;        // the first one
     };
     void formStreams();
+    void formStream(std::size_t line, std::set<std::string>& used);
     void labelLine(Line& line);
     bool join(Stream& stream, Line& line);
     void mend(Stream& stream);
     void chooseDivisions(const Divisions& divisions);
     [[nodiscard]] std::string units(const engine::Fraction& length) const;
-    void emit(std::string_view text);
+    [[nodiscard]] bool isInOwnDivisions() const {
+        return ownDivisions_.scale == 1 && ownDivisions_.value == divisions_;
+    }
+    void emit(std::string_view text) { list_.push_back(part_.edits.make(text)); }
     void emitItem(std::size_t index);
     void declareDivisions(std::int64_t before);
+    void rescale(xml::Node item);
     void moveTo(const engine::Fraction& time);
-    void emitStream(std::size_t index);
-    void emitEvent(const Event& event, const Stream& stream, bool chord);
-    [[nodiscard]] NoteShape shapeOf(const Event& event, const Stream& stream, std::string_view note) const;
+    bool emitStream(std::size_t index);
+    bool emitEvent(const Event& event, const Stream& stream, bool chord);
+    bool emitNote(const Event& event, std::size_t index, NoteShape& shape);
+    bool keepOwnDuration(xml::Node note, NoteShape& shape, bool isCut);
+    [[nodiscard]] NoteShape shapeOf(const Event& event, const Stream& stream) const;
     [[nodiscard]] std::size_t streamOf(const engine::Fraction& time) const;
     void emitItemsUntil(const engine::Fraction& time, std::size_t stream);
 
-    NoteRewriter& rewriter_;
-    const MeasureText& text_;
+    PartWriting& part_;
+    const MeasureSite& site_;
+    const MeasureContents& contents_;
     Lines& lines_;
-    engine::Metre metre_;
-    bool severalStaves_;
-    VoiceLabels& labels_;
-    std::string cutPrefix_;  // of the ids of ties that join cut notes; another one in each measure
     int cuts_ = 0;
     std::vector<Stream> streams_;
-    std::vector<std::string> items_;  // with the divisions that are in force now; empty for one that is gone
-    std::vector<bool> emitted_;
+    std::vector<bool> emitted_;  // of the items
+    std::size_t backups_ = 0;    // steps of the measure that have been used again
+    std::size_t forwards_ = 0;
     std::int64_t divisions_ = 1;
     Decimal ownDivisions_;
     engine::Fraction cursor_;
-    std::string out_;
+    std::vector<xml::Node> list_;
 };
 
 }  // namespace rovescio::musicxml

@@ -112,10 +112,10 @@ EXENTRY MeasureFrames::finish(GatheredEntry& entry, const engine::FrameAddress& 
     record.entryNumber = document.nextEntryNumber();
     const auto first = static_cast<std::uint32_t>(sources.notes.size());
     const std::ptrdiff_t elements = std::max<std::ptrdiff_t>(record.noteCount, 1);
-    sources.notes.insert(sources.notes.end(), entry.offsets.begin(), entry.offsets.begin() + elements);
-    EntrySource& source = sources.entries.emplace_back(
-        EntrySource{first, record.duration, record.elapsed, 0, address,
-                    static_cast<std::uint8_t>(record.noteCount), false, entry.sharesStem, false});
+    sources.notes.insert(sources.notes.end(), entry.nodes.begin(), entry.nodes.begin() + elements);
+    sources.entries.push_back({first, record.duration, record.elapsed, address,
+                               static_cast<std::uint8_t>(record.noteCount), false, entry.sharesStem, false,
+                               entry.statesLength});
 
     ENOTE* const end = record.notes + record.noteCount;
     std::sort(record.notes, end, [](const ENOTE& left, const ENOTE& right) {
@@ -124,7 +124,6 @@ EXENTRY MeasureFrames::finish(GatheredEntry& entry, const engine::FrameAddress& 
     });
     for (ENOTE* note = record.notes; note != end; ++note) {
         const engine::SpelledPitch pitch{note->displacement, note->alteration};
-        source.look += lookOf(pitch, *note);
         key.store(pitch, *note);
     }
     return record;
@@ -141,7 +140,7 @@ EXENTRY MeasureFrames::finishGap(const Slot& gap, const engine::FrameAddress& ad
     engine::setEntryState(record, {.actual = static_cast<std::uint16_t>(gap.length.denominator()),
                                    .silence = engine::Silence::gap});
     sources.entries.push_back({static_cast<std::uint32_t>(sources.notes.size()), record.duration,
-                               record.elapsed, 0, address, 0, true, false, false});
+                               record.elapsed, address, 0, true, false, false, true});
     return record;
 }
 

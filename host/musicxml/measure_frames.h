@@ -19,11 +19,12 @@ namespace rovescio::musicxml {
 // measure's key is known.
 struct GatheredEntry {
     EXENTRY record{};
-    engine::Fraction start;                          // exact
-    std::array<std::uint32_t, kMaxNotes> offsets{};  // of the notes, by id; the first one for a rest
-    int staff = 0;                                   // within the part, from 0
-    int voice = 0;                                   // of its staff; a number given by MeasureFrames
+    engine::Fraction start;                    // exact
+    std::array<xml::Node, kMaxNotes> nodes{};  // of the notes, by id; the first one for a rest
+    int staff = 0;                             // within the part, from 0
+    int voice = 0;                             // of its staff; a number given by MeasureFrames
     bool sharesStem = false;
+    bool statesLength = true;  // each of its notes has the duration of the entry, exactly
 };
 
 // One frame ready for the document; its entries are numbered.

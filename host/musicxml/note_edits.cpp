@@ -2,11 +2,14 @@
 #include "musicxml/note_edits.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
+#include <utility>
 
+#include "engine/note_state.h"
+#include "musicxml/accidental_names.h"
 #include "musicxml/note_reading.h"
 #include "musicxml/numbers.h"
+#include "musicxml/tag_names.h"
 
 namespace rovescio::musicxml {
 
@@ -28,102 +31,149 @@ std::string decimalText(const Decimal& number) {
     return text;
 }
 
-// The sign that shows an alteration. Alterations without a sign of their own
-// are told by "other".
-std::string_view accidentalName(const Decimal& alter) {
-    constexpr std::array<std::string_view, 13> kHalves = {
-        "triple-flat", "other",         "flat-flat", "three-quarters-flat",  "flat",         "quarter-flat",
-        "natural",     "quarter-sharp", "sharp",     "three-quarters-sharp", "double-sharp", "other",
-        "triple-sharp"};
-    const std::int64_t halves = 2 * alter.value;
-    if (halves % alter.scale != 0) return "other";
-    const std::int64_t index = halves / alter.scale + 6;
-    if (index < 0 || index >= static_cast<std::int64_t>(kHalves.size())) return "other";
-    return kHalves[static_cast<std::size_t>(index)];
-}
-
-void editPitch(const NoteText& note, const engine::SpelledPitch& old, const engine::SpelledPitch& pitch,
-               const Decimal& alter, TextEdits& edits) {
+void writePitch(xml::Edits& edits, const NoteParts& note, const engine::SpelledPitch& old,
+                const engine::SpelledPitch& pitch, const Decimal& alter, bool alterChanged) {
     const auto letter = static_cast<std::size_t>(engine::floorMod(pitch.step, 7));
     if (engine::floorMod(old.step, 7) != engine::floorMod(pitch.step, 7)) {
-        edits.replaceContent(note.step, std::string_view("CDEFGAB").substr(letter, 1));
+        edits.setText(note.step, std::string_view("CDEFGAB").substr(letter, 1));
     }
     const int octave = engine::floorDiv(pitch.step, 7) + 4;
     if (engine::floorDiv(old.step, 7) + 4 != octave) {
-        edits.replaceContent(note.octave, std::to_string(octave));
+        edits.setText(note.octave, std::to_string(octave));
     }
-    if (old.alter == pitch.alter) return;
+    if (!alterChanged) return;
     if (alter.value == 0) {
         edits.remove(note.alter);
-    } else if (note.alter.exists()) {
-        edits.replaceContent(note.alter, decimalText(alter));
+    } else if (note.alter != 0) {
+        edits.setText(note.alter, decimalText(alter));
     } else {
-        edits.insertAfter(note.step, "<alter>" + decimalText(alter) + "</alter>");
+        edits.insertAfter(note.step, edits.make("<alter>" + decimalText(alter) + "</alter>"));
     }
 }
 
-void editAccidental(const NoteText& note, bool shown, bool moved, const Decimal& alter, TextEdits& edits) {
+// A sign that was written stays as it is as long as the alteration does.
+void editAccidental(xml::Edits& edits, const NoteParts& note, bool shown, const Decimal& oldAlter,
+                    const Decimal& alter) {
     if (!shown) {
-        if (note.accidental.exists()) edits.remove(note.accidental);
-    } else if (!note.accidental.exists()) {
-        const std::string name(accidentalName(alter));
-        edits.insertAfter(note.beforeAccidental, "<accidental>" + name + "</accidental>");
-    } else if (moved && valueOf(edits.text(), note.accidental) != accidentalName(alter)) {
-        edits.replaceContent(note.accidental, accidentalName(alter));
+        if (note.accidental != 0) edits.remove(note.accidental);
+    } else if (note.accidental == 0) {
+        const std::string name(accidentalName(alter, oldAlter, {}));
+        insertIntoNote(edits, note.note, edits.make("<accidental>" + name + "</accidental>"));
+    } else if (!isSame(oldAlter, alter)) {
+        const std::string written = edits.text(note.accidental);
+        const std::string_view name = accidentalName(alter, oldAlter, written);
+        if (written != name) edits.setText(note.accidental, name);
     }
 }
 
-// Removes the ties that the record no longer has, and a <notations> that is
-// left with nothing.
-bool editTies(const NoteText& note, std::uint32_t flags, TextEdits& edits) {
-    std::uint32_t written = 0;
-    for (const TieElement& tie : note.ties) written |= tie.flag;
-    if ((written & ~flags) == 0) return (flags & NOTE_TIES & ~written) != 0;
+// The alteration of a record, exactly: its hundredths are either those of the text, or what remains of a
+// semitone when they are taken away, or none of the text's.
+Decimal alterOf(const engine::SpelledPitch& pitch, int cents, const Decimal& text) {
+    constexpr int kHundredths = 100;
+    const std::int64_t part = fractionOf(text);
+    const int known = hundredthsOf(text);
+    if (cents == known) return {pitch.alter * text.scale + part, text.scale};
+    if (cents == kHundredths - known) return {(pitch.alter + 1) * text.scale - part, text.scale};
+    return {std::int64_t{pitch.alter} * kHundredths + cents, kHundredths};
+}
 
-    const auto isGone = [&](const TieElement& tie) { return (flags & tie.flag) == 0; };
-    const auto isEmptied = [&](int index) {
-        const auto gone = std::count_if(note.ties.begin(), note.ties.end(), [&](const TieElement& tie) {
-            return tie.notations == index && isGone(tie);
-        });
-        return gone > 0 && gone == note.notations[static_cast<std::size_t>(index)].children;
-    };
-    for (int index = 0; index < static_cast<int>(note.notations.size()); ++index) {
-        if (isEmptied(index)) edits.remove(note.notations[static_cast<std::size_t>(index)].element);
-    }
+// The ties of one kind, <tie> or <tied>: what has become needless takes the place of what is missing.
+void editTiesOf(xml::Edits& edits, const NoteParts& note, bool notated, std::uint32_t flags,
+                std::uint32_t missing) {
+    std::vector<xml::Node> needless;
     for (const TieElement& tie : note.ties) {
-        if (isGone(tie) && (tie.notations < 0 || !isEmptied(tie.notations))) edits.remove(tie.element);
+        if (tie.notated == notated && (flags & tie.flag) == 0) needless.push_back(tie.node);
     }
-    return (flags & NOTE_TIES & ~written) != 0;
+    // A tie that arrives is told before one that leaves.
+    for (const std::uint32_t flag : {std::uint32_t{NOTE_TIE_END}, std::uint32_t{NOTE_TIE_START}}) {
+        if ((missing & flag) == 0) continue;
+        const std::string type = flag == NOTE_TIE_START ? "start" : "stop";
+        if (!needless.empty()) {
+            edits.setAttribute(needless.back(), "type", type);
+            needless.pop_back();
+        } else if (notated) {
+            insertIntoNotations(edits, note.note, edits.make("<tied type=\"" + type + "\"/>"));
+        } else {
+            insertIntoNote(edits, note.note, edits.make("<tie type=\"" + type + "\"/>"));
+        }
+    }
+    for (const xml::Node tie : needless) {
+        if (notated) {
+            removeFromNotations(edits, edits.parent(tie), tie);
+        } else {
+            edits.remove(tie);
+        }
+    }
+}
+
+// Gives the id to the tie that arrives, and takes it from all others.
+void markCut(xml::Edits& edits, xml::Node note, std::string_view cutId) {
+    std::vector<xml::Node> children;
+    std::vector<xml::Node> inner;
+    edits.children(note, children);
+    for (const xml::Node notations : children) {
+        if (edits.name(notations) != tag("notations")) continue;
+        edits.children(notations, inner);
+        for (const xml::Node tied : inner) {
+            if (edits.name(tied) != tag("tied")) continue;
+            const std::string id = edits.attribute(tied, "id");
+            const bool arrives = edits.attribute(tied, "type") == "stop";
+            if (arrives && !cutId.empty() && (id.empty() || id.starts_with(kCutId))) {
+                if (id != cutId) edits.setAttribute(tied, "id", cutId);
+            } else if (id.starts_with(kCutId)) {
+                edits.removeAttribute(tied, "id");
+            }
+        }
+    }
 }
 
 }  // namespace
 
-NoteChange editNote(const NoteText& note, const ENOTE& record, const engine::SpelledPitch& pitch,
-                    bool unpitched, TextEdits& edits) {
+NoteChange editPitch(xml::Edits& edits, const NoteParts& note, const ENOTE& record,
+                     const engine::SpelledPitch& pitch, bool unpitched) {
     NoteChange change;
-    change.tiesAdded = editTies(note, record.noteFlags, edits);
     change.oldStep = change.newStep = pitch.step;
-    if (unpitched) return change;
+    if (unpitched || note.step == 0 || note.octave == 0) return change;
 
-    const std::string_view text = edits.text();
-    const int letter = letterOf(valueOf(text, note.step));
-    const int octave = parseInteger(valueOf(text, note.octave)).value_or(0);
+    const int letter = letterOf(edits.text(note.step));
+    const int octave = parseInteger(edits.text(note.octave)).value_or(0);
     Decimal alter;
-    if (note.alter.exists()) alter = parseDecimal(valueOf(text, note.alter)).value_or(alter);
+    if (note.alter != 0) alter = parseDecimal(edits.text(note.alter)).value_or(alter);
     const engine::SpelledPitch old{
         letter + 7 * (octave - 4),
         engine::floorDiv(static_cast<int>(alter.value), static_cast<int>(alter.scale))};
-    alter.value += (pitch.alter - old.alter) * alter.scale;
+    const Decimal oldAlter = std::exchange(alter, alterOf(pitch, engine::centsOf(record), alter));
+    const bool alterChanged = !isSame(oldAlter, alter);
 
     change.oldStep = old.step;
-    change.moved = !(old == pitch);
+    change.moved = old.step != pitch.step || alterChanged;
     if (change.moved) {
         const int newOctave = engine::floorDiv(pitch.step, 7) + 4;
         change.possible = newOctave >= 0 && newOctave <= kHighestOctave;
-        editPitch(note, old, pitch, alter, edits);
+        writePitch(edits, note, old, pitch, alter, alterChanged);
     }
-    editAccidental(note, (record.noteFlags & NOTE_FLAG24) != 0, change.moved, alter, edits);
+    editAccidental(edits, note, (record.noteFlags & NOTE_FLAG24) != 0, oldAlter, alter);
     return change;
+}
+
+bool refuseOctave(Journal& journal, std::size_t offset) {
+    journal.fail("a note would leave the octaves 0 to 9, which is all that the file format has", offset,
+                 "Choose a smaller interval or a nearer axis.");
+    return false;
+}
+
+void editTies(xml::Edits& edits, const NoteParts& note, std::uint32_t flags) {
+    std::uint32_t written = 0;
+    for (const TieElement& tie : note.ties) written |= tie.flag;
+    flags &= NOTE_TIES;
+    if (written == flags) return;
+    editTiesOf(edits, note, false, flags, flags & ~written);
+    editTiesOf(edits, note, true, flags, flags & ~written);
+}
+
+void editTies(xml::Edits& edits, const NoteParts& note, std::uint32_t flags, std::string_view cutId) {
+    editTies(edits, note, flags);
+    markCut(edits, note.note, cutId);
 }
 
 }  // namespace rovescio::musicxml

@@ -1,11 +1,14 @@
-// Brings the text of one note in line with its record.
+// Brings the written pitch, accidental and ties of a note in line with its record.
 #pragma once
 
-#include <optional>
+#include <cstdint>
+#include <string_view>
 
+#include "contract/records.h"
 #include "engine/key_signature.h"
-#include "musicxml/note_text.h"
-#include "musicxml/text_edits.h"
+#include "musicxml/journal.h"
+#include "musicxml/note_parts.h"
+#include "xml/edits.h"
 
 namespace rovescio::musicxml {
 
@@ -13,15 +16,21 @@ namespace rovescio::musicxml {
 struct NoteChange {
     int oldStep = 0;  // diatonic steps from middle C
     int newStep = 0;
-    bool moved = false;      // the written pitch is another
-    bool possible = true;    // false when the pitch lies outside of the octaves that
-                             // scores can write
-    bool tiesAdded = false;  // the record has a tie that the text lacks
+    bool moved = false;    // the written pitch is another
+    bool possible = true;  // false when the pitch lies outside of the octaves that scores can write
 };
 
-// Edits pitch, accidental and ties where they differ. Unpitched notes keep
-// pitch and accidental. The pitch is the record's, spelled by its key.
-NoteChange editNote(const NoteText& note, const ENOTE& record, const engine::SpelledPitch& pitch,
-                    bool unpitched, TextEdits& edits);
+// Changes pitch and accidental where they differ. The pitch is the record's, spelled by its key. Unpitched
+// notes keep both.
+NoteChange editPitch(xml::Edits& edits, const NoteParts& note, const ENOTE& record,
+                     const engine::SpelledPitch& pitch, bool unpitched);
+
+// Tells that a note would leave the octaves that can be written; false.
+bool refuseOctave(Journal& journal, std::size_t offset);
+
+// Gives a note the ties of these flags and no others. A tie that starts where one has ended keeps its look.
+void editTies(xml::Edits& edits, const NoteParts& note, std::uint32_t flags);
+// The same with the id of the tie that joins the note with the part before a cut; empty for none.
+void editTies(xml::Edits& edits, const NoteParts& note, std::uint32_t flags, std::string_view cutId);
 
 }  // namespace rovescio::musicxml

@@ -1,49 +1,118 @@
-// Reading and turning of beams and brackets.
+// Beams and brackets out of a note and into it.
 #include "musicxml/note_groups.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "musicxml/note_parts.h"
 #include "musicxml/note_reading.h"
 #include "musicxml/tag_names.h"
 
 namespace rovescio::musicxml {
 
-void readGroup(TextWalk& walk, std::string_view text, NoteGroups& groups) {
-    switch (walk.tagNumber()) {
-        case tag("chord"):
-            groups.inChord = true;
-            break;
-        case tag("voice"):
-            groups.voice = walk.value();
-            break;
-        case tag("beam"): {
-            std::string number(walk.attribute("number"));
-            groups.beams.push_back({std::move(number), walk.value()});
-            break;
+namespace {
+
+// The children of a name of all <notations> of a note.
+std::vector<xml::Node> tupletsOf(const xml::Edits& edits, xml::Node note) {
+    std::vector<xml::Node> found;
+    std::vector<xml::Node> children;
+    std::vector<xml::Node> inner;
+    edits.children(note, children);
+    for (const xml::Node notations : children) {
+        if (edits.name(notations) != tag("notations")) continue;
+        edits.children(notations, inner);
+        std::ranges::copy_if(inner, std::back_inserter(found),
+                             [&](xml::Node node) { return edits.name(node) == tag("tuplet"); });
+    }
+    return found;
+}
+
+void writeBeams(xml::Edits& edits, xml::Node note, const std::vector<BeamMark>& wanted) {
+    std::vector<xml::Node> children;
+    edits.children(note, children);
+    std::erase_if(children, [&](xml::Node node) { return edits.name(node) != tag("beam"); });
+    std::vector<BeamMark> missing = wanted;
+    for (const xml::Node beam : children) {
+        const std::string number = edits.attribute(beam, "number");
+        const auto same = std::ranges::find(missing, number, &BeamMark::number);
+        if (same == missing.end()) {
+            edits.remove(beam);
+            continue;
         }
-        case tag("notations"):
-            for (const std::size_t inner = walk.enter(); walk.next(inner);) {
-                if (walk.tagNumber() != tag("tuplet") || walk.attribute("id").starts_with(kCutId)) continue;
-                const std::string_view number = walk.attribute("number");
-                TupletMark mark{
-                    number.empty() ? "1" : std::string(number), walk.attribute("type") == "start", {}};
-                const Element element = walk.whole();
-                mark.text = text.substr(element.begin, element.end - element.begin);
-                groups.tuplets.push_back(std::move(mark));
-            }
-            break;
-        default:
-            break;
+        if (!edits.says(beam, same->value)) edits.setText(beam, same->value);
+        missing.erase(same);
+    }
+    for (const BeamMark& beam : missing) {
+        const std::string number = beam.number.empty() ? "" : " number=\"" + xml::escaped(beam.number) + "\"";
+        insertIntoNote(edits, note, edits.make("<beam" + number + ">" + beam.value + "</beam>"));
     }
 }
 
-std::string turned(std::string_view element) {
-    std::string text(element);
-    const Attribute type = findAttribute(text, 0, "type");
-    if (!type.exists() || (type.value != "start" && type.value != "stop")) return text;
-    const std::string_view other = type.value == "start" ? "stop" : "start";
-    const std::size_t begin = type.end - 1 - type.value.size();
-    return text.replace(begin, type.value.size(), other);
+// The element that a mark stands for.
+xml::Node makeTuplet(xml::Edits& edits, const TupletMark& mark) {
+    const xml::Node made = edits.make(mark.text);
+    const char* const type = mark.start ? "start" : "stop";
+    if (edits.attribute(made, "type") != type) edits.setAttribute(made, "type", type);
+    if (!mark.newId.empty()) edits.setAttribute(made, "id", mark.newId);
+    return made;
+}
+
+void writeTuplets(xml::Edits& edits, xml::Node note, const std::vector<TupletMark>& wanted) {
+    const std::vector<xml::Node> there = tupletsOf(edits, note);
+    for (std::size_t i = 0; i < std::max(there.size(), wanted.size()); ++i) {
+        if (i >= wanted.size()) {
+            removeFromNotations(edits, edits.parent(there[i]), there[i]);
+            continue;
+        }
+        const xml::Node made = makeTuplet(edits, wanted[i]);
+        if (i >= there.size()) {
+            insertIntoNotations(edits, note, made);
+        } else if (edits.print(made) != edits.print(there[i])) {
+            edits.insertAfter(there[i], made);
+            edits.remove(there[i]);
+        }
+    }
+}
+
+}  // namespace
+
+NoteGroups readGroups(const xml::Edits& edits, xml::Node note) {
+    NoteGroups groups;
+    std::vector<xml::Node> children;
+    edits.children(note, children);
+    bool notations = false;
+    for (const xml::Node child : children) {
+        switch (edits.name(child)) {
+            case tag("chord"):
+                groups.inChord = true;
+                break;
+            case tag("voice"):
+                groups.voice = edits.text(child);
+                break;
+            case tag("beam"):
+                groups.beams.push_back({edits.attribute(child, "number"), edits.text(child)});
+                break;
+            case tag("notations"):
+                notations = true;
+                break;
+            default:
+                break;
+        }
+    }
+    if (!notations) return groups;
+    for (const xml::Node tuplet : tupletsOf(edits, note)) {
+        if (edits.attribute(tuplet, "id").starts_with(kCutId)) continue;
+        const std::string number = edits.attribute(tuplet, "number");
+        groups.tuplets.push_back({.number = number.empty() ? "1" : number,
+                                  .start = edits.attribute(tuplet, "type") == "start",
+                                  .text = edits.print(tuplet)});
+    }
+    return groups;
+}
+
+void writeGroups(xml::Edits& edits, xml::Node note, const NoteGroups& groups) {
+    writeBeams(edits, note, groups.beams);
+    writeTuplets(edits, note, groups.tuplets);
 }
 
 std::string_view mirroredPart(std::string_view value) {
@@ -53,17 +122,11 @@ std::string_view mirroredPart(std::string_view value) {
     return value == "backward hook" ? "forward hook" : value;
 }
 
-std::string withId(std::string_view element, std::string_view id) {
-    std::string text(element);
-    const Attribute old = findAttribute(text, 0, "id");
-    if (old.exists()) text.erase(old.begin, old.end - old.begin);
-    return text.insert(text.find_first_of(" \t\r\n/>", 1), " id=\"" + std::string(id) + "\"");
-}
-
-TupletMark retyped(TupletMark mark, bool start) {
-    if (mark.start != start) mark.text = turned(mark.text);
-    mark.start = start;
-    return mark;
+void mirrorType(xml::Edits& edits, xml::Node element) {
+    const std::string type = edits.attribute(element, "type");
+    if (type == "start" || type == "stop") {
+        edits.setAttribute(element, "type", type == "start" ? "stop" : "start");
+    }
 }
 
 }  // namespace rovescio::musicxml

@@ -5,24 +5,27 @@
 #include <string_view>
 #include <vector>
 
-#include "musicxml/text_walk.h"
+#include "xml/edits.h"
 
 namespace rovescio::musicxml {
 
-// A <tuplet> of a note.
+// An end of a tuplet's bracket.
 struct TupletMark {
-    std::string number;  // 1 if it says none
-    bool start = false;
-    std::string text;  // the whole element
+    std::string number;      // 1 if it says none
+    bool start = false;      // what it is to be
+    std::string text = {};   // the whole element, which may come from the bracket's other end
+    std::string newId = {};  // the element is to have this id; empty: as it has
 };
 
 // A <beam> of a note.
 struct BeamMark {
     std::string number;
     std::string value;  // begin, continue, end, forward hook, backward hook
+
+    friend bool operator==(const BeamMark&, const BeamMark&) = default;
 };
 
-// What a note's text says about its groups.
+// What a note says about its groups.
 struct NoteGroups {
     std::vector<TupletMark> tuplets;
     std::vector<BeamMark> beams;
@@ -30,16 +33,15 @@ struct NoteGroups {
     bool inChord = false;
 };
 
-// Takes in a child of a note that the walk over `text` is at, if it says something about groups.
-void readGroup(TextWalk& walk, std::string_view text, NoteGroups& groups);
+// Brackets that only a cut had made necessary are left out.
+NoteGroups readGroups(const xml::Edits& edits, xml::Node note);
+// Gives a note these beams and brackets, and no others.
+void writeGroups(xml::Edits& edits, xml::Node note, const NoteGroups& groups);
 
-// An element with another id.
-std::string withId(std::string_view element, std::string_view id);
-// An element whose type, start or stop, is the other one.
-std::string turned(std::string_view element);
 // What a note is in a beam, or a syllable in its word, now that they are read backwards: begin and end change
 // places.
 std::string_view mirroredPart(std::string_view value);
-TupletMark retyped(TupletMark mark, bool start);
+// Changes the type of an element from start to stop or the other way.
+void mirrorType(xml::Edits& edits, xml::Node element);
 
 }  // namespace rovescio::musicxml

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "engine/entry_state.h"
+#include "engine/note_state.h"
 #include "musicxml/note_types.h"
 #include "musicxml/tag_names.h"
 
@@ -25,24 +26,24 @@ std::string quoted(std::string_view text) {
 
 // A pitch, or the place of an unpitched note, which without one stands on the
 // middle line of a treble clef.
-bool readPlace(TreeWalk& walk, NoteReading& note, Journal& journal) {
+bool readPlace(const xml::Element& element, NoteReading& note, Journal& journal) {
     constexpr const char* kRemedy = "Correct the note's pitch in a notation program or text editor.";
-    const std::size_t offset = walk.offset();
+    const std::size_t offset = element.offset();
     std::string_view step = note.unpitched ? "B" : "";
     std::string_view octaveText = note.unpitched ? "4" : "";
     std::string_view alterText = "0";
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        switch (walk.tagNumber()) {
+    for (const xml::Element child : element) {
+        switch (child.name()) {
             case tag("step"):
             case tag("display-step"):
-                step = walk.text();
+                step = child.text();
                 break;
             case tag("octave"):
             case tag("display-octave"):
-                octaveText = walk.text();
+                octaveText = child.text();
                 break;
             case tag("alter"):
-                alterText = walk.text();
+                alterText = child.text();
                 break;
             default:
                 break;
@@ -65,29 +66,30 @@ bool readPlace(TreeWalk& walk, NoteReading& note, Journal& journal) {
         return false;
     }
     note.rest = false;
-    // A quarter-tone is the semitone below it; its fraction stays in the text.
+    // A quarter-tone is the semitone below it and hundredths of one; its exact fraction stays in the text.
+    note.noteFlags |= engine::flagsOfCents(hundredthsOf(*alter));
     note.pitch = {letter + 7 * (*octave - 4),
                   engine::floorDiv(static_cast<int>(alter->value), static_cast<int>(alter->scale))};
     return true;
 }
 
-void readTie(TreeWalk& walk, NoteReading& note) {
-    const std::string_view type = walk.attribute("type");
+void readTie(const xml::Element& element, NoteReading& note) {
+    const std::string_view type = element.attribute("type");
     if (type == "start") note.noteFlags |= NOTE_TIE_START;
     if (type == "stop") note.noteFlags |= NOTE_TIE_END;
 }
 
-void readNotations(TreeWalk& walk, NoteReading& note) {
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        switch (walk.tagNumber()) {
+void readNotations(const xml::Element& element, NoteReading& note) {
+    for (const xml::Element child : element) {
+        switch (child.name()) {
             case tag("tied"):
-                readTie(walk, note);
-                note.cut |= walk.attribute("id").starts_with(kCutId);
+                readTie(child, note);
+                note.cut |= child.attribute("id").starts_with(kCutId);
                 break;
             case tag("slur"):
             case tag("glissando"):
             case tag("slide"): {
-                const std::string_view type = walk.attribute("type");
+                const std::string_view type = child.attribute("type");
                 note.hasShapes |= type == "start" || type == "stop";
                 break;
             }
@@ -100,28 +102,28 @@ void readNotations(TreeWalk& walk, NoteReading& note) {
     }
 }
 
-void readAccidental(TreeWalk& walk, NoteReading& note) {
+void readAccidental(const xml::Element& element, NoteReading& note) {
     note.noteFlags |= NOTE_FLAG24;
     for (const char* mark : {"cautionary", "editorial", "parentheses", "bracket"}) {
-        if (walk.attribute(mark) == "yes") note.noteFlags |= NOTE_FLAG1;
+        if (element.attribute(mark) == "yes") note.noteFlags |= NOTE_FLAG1;
     }
 }
 
-void readRatio(TreeWalk& walk, NoteReading& note) {
+void readRatio(const xml::Element& element, NoteReading& note) {
     int actual = 0;
     int normal = 0;
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        if (walk.tagNumber() == tag("actual-notes")) actual = parseInteger(walk.text()).value_or(0);
-        if (walk.tagNumber() == tag("normal-notes")) normal = parseInteger(walk.text()).value_or(0);
+    for (const xml::Element child : element) {
+        if (child.name() == tag("actual-notes")) actual = parseInteger(child.text()).value_or(0);
+        if (child.name() == tag("normal-notes")) normal = parseInteger(child.text()).value_or(0);
     }
     if (actual < 1 || normal < 1 || actual > kMaxRatio || normal > kMaxRatio) return;
     note.actual = static_cast<std::uint16_t>(actual);
     note.normal = static_cast<std::uint16_t>(normal);
 }
 
-bool readDuration(TreeWalk& walk, NoteReading& note, Journal& journal) {
-    const std::size_t offset = walk.offset();
-    const std::string_view text = walk.text();
+bool readDuration(const xml::Element& element, NoteReading& note, Journal& journal) {
+    const std::size_t offset = element.offset();
+    const std::string_view text = element.text();
     const std::optional<Decimal> duration = parseDecimal(text);
     if (!duration || duration->value < 0) {
         journal.fail("the duration " + quoted(text) + " is not a positive number", offset,
@@ -133,9 +135,9 @@ bool readDuration(TreeWalk& walk, NoteReading& note, Journal& journal) {
     return true;
 }
 
-bool readStaff(TreeWalk& walk, NoteReading& note, Journal& journal) {
-    const std::size_t offset = walk.offset();
-    const std::string_view text = walk.text();
+bool readStaff(const xml::Element& element, NoteReading& note, Journal& journal) {
+    const std::size_t offset = element.offset();
+    const std::string_view text = element.text();
     const std::optional<int> staff = parseInteger(text);
     if (!staff || *staff < 1) {
         journal.fail("the staff " + quoted(text) + " is not a staff number", offset,
@@ -155,13 +157,13 @@ int letterOf(std::string_view step) {
     return letter == std::string_view::npos ? -1 : static_cast<int>(letter);
 }
 
-bool readNote(TreeWalk& walk, NoteReading& note, Journal& journal) {
+bool readNote(const xml::Element& element, NoteReading& note, Journal& journal) {
     note = {};
-    note.offset = walk.offset();
+    note.element = element;
     int dots = 0;
     bool fine = true;
-    for (const std::size_t level = walk.enter(); fine && walk.next(level);) {
-        switch (walk.tagNumber()) {
+    for (const xml::Element child : element) {
+        switch (child.name()) {
             case tag("grace"):
                 note.grace = true;
                 break;
@@ -172,38 +174,38 @@ bool readNote(TreeWalk& walk, NoteReading& note, Journal& journal) {
             case tag("pitch"):
                 // A note that has both, against the format, is what it says first.
                 if (!note.rest) break;
-                note.unpitched = walk.tagNumber() == tag("unpitched");
-                fine = readPlace(walk, note, journal);
+                note.unpitched = child.name() == tag("unpitched");
+                fine = readPlace(child, note, journal);
                 break;
             case tag("duration"):
-                fine = readDuration(walk, note, journal);
+                fine = readDuration(child, note, journal);
                 break;
             case tag("tie"):
-                readTie(walk, note);
+                readTie(child, note);
                 break;
             case tag("voice"):
-                note.voice = walk.text();
+                note.voice = child.text();
                 break;
             case tag("instrument"):
-                note.instrument = walk.attribute("id");
+                note.instrument = child.attribute("id");
                 break;
             case tag("type"):
-                note.nominal = noteValue(walk.text());
+                note.nominal = noteValue(child.text());
                 break;
             case tag("dot"):
                 ++dots;
                 break;
             case tag("accidental"):
-                readAccidental(walk, note);
+                readAccidental(child, note);
                 break;
             case tag("time-modification"):
-                readRatio(walk, note);
+                readRatio(child, note);
                 break;
             case tag("staff"):
-                fine = readStaff(walk, note, journal);
+                fine = readStaff(child, note, journal);
                 break;
             case tag("notations"):
-                readNotations(walk, note);
+                readNotations(child, note);
                 break;
             case tag("lyric"):
                 note.marked = true;
@@ -211,12 +213,13 @@ bool readNote(TreeWalk& walk, NoteReading& note, Journal& journal) {
             default:
                 break;
         }
+        if (!fine) return false;
     }
     // Each dot adds half of what the one before it added; a value that is no
     // whole unit counts as unknown.
     if (dots > kMaxDots || note.nominal % (1 << dots) != 0) note.nominal = 0;
     note.nominal = 2 * note.nominal - (note.nominal >> std::min(dots, kMaxDots));
-    return fine;
+    return true;
 }
 
 }  // namespace rovescio::musicxml

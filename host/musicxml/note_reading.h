@@ -7,7 +7,7 @@
 #include "engine/key_signature.h"
 #include "musicxml/journal.h"
 #include "musicxml/numbers.h"
-#include "musicxml/tree_walk.h"
+#include "xml/tree.h"
 
 namespace rovescio::musicxml {
 
@@ -17,7 +17,7 @@ inline constexpr std::string_view kCutId = "rovescio-cut-";
 
 // What a note element says; positions and keys are not its business.
 struct NoteReading {
-    std::size_t offset = 0;  // of the element in the text
+    xml::Element element;
     bool grace = false;
     bool chord = false;      // sounds together with the note before it
     bool rest = true;        // has neither a pitch nor a place on the staff
@@ -37,9 +37,8 @@ struct NoteReading {
     int staff = 0;                // within the part, from 1; 0 when the note names none
 };
 
-// Reads the note that the walk is at; on failure the journal has the problem
-// and the result is false.
-bool readNote(TreeWalk& walk, NoteReading& note, Journal& journal);
+// Reads a note; on failure the journal has the problem and the result is false.
+bool readNote(const xml::Element& element, NoteReading& note, Journal& journal);
 
 // Letter number (0 C to 6 B) of a step's text; -1 when it is none.
 int letterOf(std::string_view step);

@@ -31,20 +31,20 @@ bool PartReader::needStaves(int count, std::size_t offset) {
     return true;
 }
 
-bool PartReader::numberedStaves(TreeWalk& walk, StaffRange& range) {
-    const std::optional<int> number = parseInteger(walk.attribute("number"));
+bool PartReader::numberedStaves(const xml::Element& element, StaffRange& range) {
+    const std::optional<int> number = parseInteger(element.attribute("number"));
     range = {0, staves_.size()};
     if (!number || *number < 1) return true;
     // An element may speak of a staff before the number of staves is told.
-    if (!needStaves(*number, walk.offset())) return false;
+    if (!needStaves(*number, element.offset())) return false;
     range.last = static_cast<std::size_t>(*number);
     range.first = range.last - 1;
     return true;
 }
 
-bool PartReader::readDivisions(TreeWalk& walk) {
-    const std::size_t offset = walk.offset();
-    const std::string_view text = walk.text();
+bool PartReader::readDivisions(const xml::Element& element) {
+    const std::size_t offset = element.offset();
+    const std::string_view text = element.text();
     const std::optional<Decimal> divisions = parseDecimal(text);
     if (divisions && clock_.setDivisions(*divisions)) return true;
     journal_.fail("the divisions of a quarter note, \"" + std::string(text.substr(0, 40)) +
@@ -53,10 +53,10 @@ bool PartReader::readDivisions(TreeWalk& walk) {
     return false;
 }
 
-bool PartReader::applyKey(TreeWalk& walk) {
+bool PartReader::applyKey(const xml::Element& element) {
     StaffRange range;
     engine::KeySignature key;
-    if (!numberedStaves(walk, range) || !readKey(walk, key, journal_)) return false;
+    if (!numberedStaves(element, range) || !readKey(element, key, journal_)) return false;
     const std::int32_t position = clock_.now();
     for (std::size_t index = range.first; index < range.last; ++index) {
         StaffReading& staff = staves_[index];
@@ -75,12 +75,12 @@ bool PartReader::applyKey(TreeWalk& walk) {
     return true;
 }
 
-bool PartReader::applyClef(TreeWalk& walk) {
+bool PartReader::applyClef(const xml::Element& element) {
     StaffRange range;
-    if (!numberedStaves(walk, range)) return false;
+    if (!numberedStaves(element, range)) return false;
     // Unlike keys and times, a clef without a number is that of the first staff.
     if (range.last - range.first > 1) range = {0, 1};
-    const Clef clef = readClef(walk);
+    const Clef clef = readClef(element);
     const std::int32_t position = clock_.now();
     for (std::size_t index = range.first; index < range.last; ++index) {
         StaffReading& staff = staves_[index];
@@ -94,45 +94,45 @@ bool PartReader::applyClef(TreeWalk& walk) {
     return true;
 }
 
-bool PartReader::applyTime(TreeWalk& walk) {
+bool PartReader::applyTime(const xml::Element& element) {
     StaffRange range;
-    if (!numberedStaves(walk, range)) return false;
-    const TimeSignature time = readTime(walk, journal_);
+    if (!numberedStaves(element, range)) return false;
+    const TimeSignature time = readTime(element, journal_);
     for (std::size_t index = range.first; index < range.last; ++index) staves_[index].time = time;
     if (range.first == 0) performance_.addTime(measureCount_, time);
     return true;
 }
 
-bool PartReader::applyTransposition(TreeWalk& walk) {
+bool PartReader::applyTransposition(const xml::Element& element) {
     StaffRange range;
-    if (!numberedStaves(walk, range)) return false;
-    performance_.readTransposition(walk, measureCount_, clock_, range.first, range.last);
+    if (!numberedStaves(element, range)) return false;
+    performance_.readTransposition(element, measureCount_, clock_, range.first, range.last);
     return true;
 }
 
-bool PartReader::readAttributes(TreeWalk& walk) {
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
+bool PartReader::readAttributes(const xml::Element& element) {
+    for (const xml::Element child : element) {
         bool fine = true;
-        switch (walk.tagNumber()) {
+        switch (child.name()) {
             case tag("divisions"):
-                fine = readDivisions(walk);
+                fine = readDivisions(child);
                 break;
             case tag("key"):
-                fine = applyKey(walk);
+                fine = applyKey(child);
                 break;
             case tag("time"):
-                fine = applyTime(walk);
+                fine = applyTime(child);
                 break;
             case tag("staves"): {
-                const std::size_t offset = walk.offset();
-                fine = needStaves(parseInteger(walk.text()).value_or(1), offset);
+                const std::size_t offset = child.offset();
+                fine = needStaves(parseInteger(child.text()).value_or(1), offset);
                 break;
             }
             case tag("clef"):
-                fine = applyClef(walk);
+                fine = applyClef(child);
                 break;
             case tag("transpose"):
-                fine = applyTransposition(walk);
+                fine = applyTransposition(child);
                 break;
             default:
                 break;

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "musicxml/measure_layout.h"
+#include "musicxml/measure_time.h"
 #include "musicxml/tag_names.h"
 
 namespace rovescio::musicxml {
@@ -25,7 +26,6 @@ bool isKeptSilently(std::uint64_t name) {
         case tag("grouping"):
         case tag("link"):
         case tag("bookmark"):
-        case tag(""):
             return true;
         default:
             return false;
@@ -47,49 +47,49 @@ void PartReader::beginMeasure() {
     }
 }
 
-bool PartReader::readMeasure(TreeWalk& walk) {
+bool PartReader::readMeasure(const xml::Element& element) {
     beginMeasure();
-    offsets_.push_back(static_cast<std::uint32_t>(walk.offset()));
-    if (!needStaves(static_cast<int>(staves_.size()), walk.offset())) return false;
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
+    nodes_.push_back(element.node());
+    if (!needStaves(static_cast<int>(staves_.size()), element.offset())) return false;
+    for (const xml::Element child : element) {
         bool fine = true;
-        switch (walk.tagNumber()) {
+        switch (child.name()) {
             case tag("note"):
-                fine = addNote(walk);
+                fine = addNote(child);
                 break;
             case tag("attributes"):
-                fine = readAttributes(walk);
+                fine = readAttributes(child);
                 break;
             case tag("backup"):
-                fine = move(walk, true);
+                fine = move(child, true);
                 break;
             case tag("forward"):
-                fine = move(walk, false);
+                fine = move(child, false);
                 break;
             case tag("direction"):
-                shapes_.addDirection(walk.node(), measureCount_, clock_.now());
-                performance_.readDirection(walk, measureCount_, clock_);
+                shapes_.addDirection(child, measureCount_, clock_.now());
+                performance_.readDirection(child, measureCount_, clock_);
                 break;
             case tag("sound"):
-                performance_.readSound(walk, measureCount_, clock_);
+                performance_.readSound(child, measureCount_, clock_);
                 break;
             case tag("harmony"):
             case tag("figured-bass"):
                 if (harmony_.empty() || harmony_.back().measure != measureCount_) {
-                    harmony_.push_back({0, 0, measureCount_, static_cast<std::uint32_t>(walk.offset())});
+                    harmony_.push_back({0, 0, measureCount_, child.node()});
                 }
                 break;
             case tag("print"):
-                if (const std::int16_t distance = distanceIn(walk.node()); distance != 0) {
+                if (const std::int16_t distance = distanceIn(child); distance != 0) {
                     distances_.emplace_back(measureCount_, distance);
                 }
                 break;
             default:
-                if (!isKeptSilently(walk.tagNumber())) {
-                    const std::string name(walk.name().substr(0, 40));
+                if (!isKeptSilently(child.name())) {
+                    const std::string name(child.nameText().substr(0, 40));
                     journal_.notice("element " + name,
                                     "the element <" + name + "> is not known here; it is kept as it is",
-                                    walk.offset());
+                                    child.offset());
                 }
                 break;
         }
@@ -101,17 +101,17 @@ bool PartReader::readMeasure(TreeWalk& walk) {
 
 void PartReader::skipMeasure() {
     beginMeasure();
-    offsets_.push_back(0);
+    nodes_.push_back(0);
     finishMeasure();
 }
 
-bool PartReader::move(TreeWalk& walk, bool backwards) {
+bool PartReader::move(const xml::Element& element, bool backwards) {
     inChord_ = false;
-    const std::size_t offset = walk.offset();
-    const std::string name(walk.name());
+    const std::size_t offset = element.offset();
+    const std::string name(element.nameText());
     std::string_view text;
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        if (walk.tagNumber() == tag("duration")) text = walk.text();
+    for (const xml::Element child : element) {
+        if (child.name() == tag("duration")) text = child.text();
     }
     const std::optional<Decimal> duration = parseDecimal(text);
     const MeasureClock::Span span = duration ? clock_.span(*duration) : MeasureClock::Span{};
@@ -139,6 +139,8 @@ bool PartReader::move(TreeWalk& walk, bool backwards) {
 // chord notes sound with it.
 bool PartReader::timeNote(const NoteReading& note) {
     chordState_ = {};
+    chordIsRounded_ = false;
+    chordStated_ = note.duration;
     chordStart_ = clock_.exactNow();
     if (note.grace) {
         chordState_.grace = engine::Grace::grace;
@@ -146,19 +148,19 @@ bool PartReader::timeNote(const NoteReading& note) {
         return true;
     }
     if (!note.hasDuration) {
-        journal_.fail("a note has no duration", note.offset,
+        journal_.fail("a note has no duration", note.element.offset(),
                       "Give it a <duration>; only grace notes have none.");
         return false;
     }
-    const MeasureClock::Span span = clock_.span(note.duration);
+    const auto [span, isNominal] = timeOf(note, clock_);
     if (!span.valid) {
-        journal_.fail("the duration of a note is beyond what can be counted", note.offset,
+        journal_.fail("the duration of a note is beyond what can be counted", note.element.offset(),
                       "Correct the note's <duration> or the <divisions> of the part.");
         return false;
     }
     // The printed value says more than the sounding one, but only where both
     // agree.
-    if (note.nominal > 0 && clock_.equals(span, note.nominal, note.actual, note.normal)) {
+    if (isNominal) {
         chordDuration_ = note.nominal;
         chordState_.actual = note.actual;
         chordState_.normal = note.normal;
@@ -168,24 +170,26 @@ bool PartReader::timeNote(const NoteReading& note) {
         if (!exact.isWhole() && exact.denominator() <= kMaxParts && exact.numerator() <= kMaxDuration) {
             chordDuration_ = static_cast<std::int32_t>(exact.numerator());
             chordState_.actual = static_cast<std::uint16_t>(exact.denominator());
+        } else if (!exact.isWhole()) {
+            chordIsRounded_ = true;
         }
     }
     if (!clock_.forward(span)) {
-        journal_.fail("the measure is too long", note.offset, "Correct the durations in it.");
+        journal_.fail("the measure is too long", note.element.offset(), "Correct the durations in it.");
         return false;
     }
     return true;
 }
 
-bool PartReader::addNote(TreeWalk& walk) {
+bool PartReader::addNote(const xml::Element& element) {
     NoteReading note;
-    element_ = walk.node();
-    if (!readNote(walk, note, journal_)) return false;
-    if (!note.instrument.empty()) performance_.addNoteInstrument(note.offset, note.instrument);
-    if (!needStaves(note.staff, note.offset)) return false;
+    if (!readNote(element, note, journal_)) return false;
+    if (!note.instrument.empty()) performance_.addNoteInstrument(note.element.node(), note.instrument);
+    if (!needStaves(note.staff, note.element.offset())) return false;
     if (note.chord && inChord_) return joinEntry(note);
     if (note.chord) {
-        journal_.notice("chord", "a chord note follows no note; it is taken to stand alone", note.offset);
+        journal_.notice("chord", "a chord note follows no note; it is taken to stand alone",
+                        note.element.offset());
     }
     if (!timeNote(note)) return false;
     chordBegin_ = gathered_.entries().size();
@@ -193,6 +197,11 @@ bool PartReader::addNote(TreeWalk& walk) {
     chordStaff_ = note.staff == 0 ? 0 : static_cast<std::size_t>(note.staff - 1);
     inChord_ = true;
     return startEntry(note, chordStaff_, false);
+}
+
+bool PartReader::statesChordLength(const NoteReading& note) const {
+    return note.grace ||
+           (note.duration.value == chordStated_.value && note.duration.scale == chordStated_.scale);
 }
 
 // A chord note belongs to the chord's entry on its staff, which it starts when
@@ -207,7 +216,8 @@ bool PartReader::joinEntry(const NoteReading& note) {
         if (static_cast<std::size_t>(entry.staff) == staff && sounding && alike &&
             entry.record.noteCount < kMaxNotes) {
             addPitch(entry, note);
-            if (note.hasShapes) shapes_.addNote(element_, i, chordVoice_);
+            entry.statesLength = entry.statesLength && statesChordLength(note);
+            if (note.hasShapes) shapes_.addNote(note.element, i, chordVoice_);
             return true;
         }
     }
@@ -219,24 +229,25 @@ bool PartReader::startEntry(const NoteReading& note, std::size_t staff, bool con
     if (gathered_.entries().size() == kMaxEntries) {
         journal_.fail("a measure of part \"" + name_ + "\" has more than " + std::to_string(kMaxEntries) +
                           " notes and rests",
-                      note.offset, "Divide the measure.");
+                      note.element.offset(), "Divide the measure.");
         return false;
     }
     const int number = gathered_.voice(static_cast<int>(staff), chordVoice_);
     if (number < 0) {
         journal_.fail("staff " + std::to_string(staff + 1) + " of part \"" + name_ + "\" has more than " +
                           std::to_string(MeasureFrames::kMaxVoices) + " voices",
-                      note.offset, "Move voices of this measure to another staff.");
+                      note.element.offset(), "Move voices of this measure to another staff.");
         return false;
     }
     GatheredEntry& entry = gathered_.add();
     entry.staff = static_cast<int>(staff);
     entry.voice = number;
     entry.sharesStem = continuesChord;
-    entry.offsets[0] = static_cast<std::uint32_t>(note.offset);
+    entry.nodes[0] = note.element.node();
     entry.record.entryFlags = ENTRY_VALID | (note.rest ? 0U : ENTRY_NOTE);
     entry.record.duration = chordDuration_;
     entry.start = chordStart_;
+    entry.statesLength = !chordIsRounded_ && statesChordLength(note);
     entry.record.elapsed = chordStart_.floor();
     engine::EntryState state = chordState_;
     state.unpitched = note.unpitched ? 1 : 0;
@@ -244,7 +255,7 @@ bool PartReader::startEntry(const NoteReading& note, std::size_t staff, bool con
     state.cut = note.cut;
     engine::setEntryState(entry.record, state);
     if (!note.rest) addPitch(entry, note);
-    if (note.hasShapes) shapes_.addNote(element_, gathered_.entries().size() - 1, chordVoice_);
+    if (note.hasShapes) shapes_.addNote(note.element, gathered_.entries().size() - 1, chordVoice_);
     return true;
 }
 
@@ -255,7 +266,7 @@ void PartReader::addPitch(GatheredEntry& entry, const NoteReading& note) {
     record.alteration = static_cast<std::int16_t>(note.pitch.alter);
     record.noteId = static_cast<std::uint16_t>(index + 1);
     record.noteFlags = note.noteFlags | (static_cast<std::uint32_t>(record.noteId & 31) << 16);
-    entry.offsets[static_cast<std::size_t>(index)] = static_cast<std::uint32_t>(note.offset);
+    entry.nodes[static_cast<std::size_t>(index)] = note.element.node();
     if (note.marked && index > 0) {
         engine::EntryState state = engine::entryState(entry.record);
         state.marked = true;

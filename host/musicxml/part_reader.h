@@ -51,9 +51,8 @@ class PartReader {
           performance_(std::move(instruments)),
           staves_(1) {}
 
-    // Reads the next measure from the element that the walk is at, which holds
-    // its contents. False when the journal has a problem.
-    bool readMeasure(TreeWalk& walk);
+    // Reads the next measure from the element that holds its contents. False when the journal has a problem.
+    bool readMeasure(const xml::Element& element);
     // The part has nothing for the next measure.
     void skipMeasure();
     // To be called behind the last measure; the frames have their final layers then.
@@ -77,8 +76,8 @@ class PartReader {
         std::int32_t signature = 0;
     };
     [[nodiscard]] const std::vector<Lengths>& lengths() const { return lengths_; }
-    // Where the measures stand in the text; 0 where the part has none.
-    [[nodiscard]] std::vector<std::uint32_t>& offsets() { return offsets_; }
+    // The elements that hold the measures; none where the part has none.
+    [[nodiscard]] std::vector<xml::Node>& nodes() { return nodes_; }
     [[nodiscard]] std::vector<DivisionsMark>& divisions() { return divisions_; }
 
   private:
@@ -92,18 +91,19 @@ class PartReader {
 
     void beginMeasure();
     void finishMeasure();
-    bool readAttributes(TreeWalk& walk);
-    bool readDivisions(TreeWalk& walk);
-    bool applyKey(TreeWalk& walk);
-    bool applyClef(TreeWalk& walk);
-    bool applyTime(TreeWalk& walk);
-    bool applyTransposition(TreeWalk& walk);
-    bool addNote(TreeWalk& walk);
+    bool readAttributes(const xml::Element& element);
+    bool readDivisions(const xml::Element& element);
+    bool applyKey(const xml::Element& element);
+    bool applyClef(const xml::Element& element);
+    bool applyTime(const xml::Element& element);
+    bool applyTransposition(const xml::Element& element);
+    bool addNote(const xml::Element& element);
     bool timeNote(const NoteReading& note);
     bool joinEntry(const NoteReading& note);
     bool startEntry(const NoteReading& note, std::size_t staff, bool continuesChord);
+    [[nodiscard]] bool statesChordLength(const NoteReading& note) const;
     void addPitch(GatheredEntry& entry, const NoteReading& note);
-    bool move(TreeWalk& walk, bool backwards);
+    bool move(const xml::Element& element, bool backwards);
     bool needStaves(int count, std::size_t offset);
     // The staves that an element's `number` means: from first to before last.
     // Without a number these are all.
@@ -111,7 +111,7 @@ class PartReader {
         std::size_t first = 0;
         std::size_t last = 0;
     };
-    bool numberedStaves(TreeWalk& walk, StaffRange& range);
+    bool numberedStaves(const xml::Element& element, StaffRange& range);
 
     std::string name_;
     Journal& journal_;
@@ -126,7 +126,7 @@ class PartReader {
     std::vector<engine::KeyChange> keyChanges_;
     std::vector<HarmonyMark> harmony_;
     std::vector<Lengths> lengths_;
-    std::vector<std::uint32_t> offsets_;
+    std::vector<xml::Node> nodes_;
     std::vector<DivisionsMark> divisions_;
     short measureCount_ = 0;
 
@@ -137,10 +137,11 @@ class PartReader {
     std::vector<engine::KeySignature> keys_;
 
     // Of the note or chord being read.
-    pugi::xml_node element_;
     std::size_t chordBegin_ = 0;  // its first entry
     engine::Fraction chordStart_;
     std::int32_t chordDuration_ = 0;
+    Decimal chordStated_;          // duration of its first note
+    bool chordIsRounded_ = false;  // the entry cannot tell it exactly
     engine::EntryState chordState_;
     std::string_view chordVoice_;
     std::size_t chordStaff_ = 0;

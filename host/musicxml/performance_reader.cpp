@@ -73,22 +73,22 @@ std::size_t PartInstruments::place(std::string_view id) {
     return ids_.size() - 1;
 }
 
-void PartInstruments::addInstrument(TreeWalk& walk) {
-    place(walk.attribute("id"));
+void PartInstruments::addInstrument(const xml::Element& element) {
+    place(element.attribute("id"));
 }
 
-void PartInstruments::addMidi(TreeWalk& walk) {
-    Instrument& instrument = list_[place(walk.attribute("id"))];
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        switch (walk.tagNumber()) {
+void PartInstruments::addMidi(const xml::Element& element) {
+    Instrument& instrument = list_[place(element.attribute("id"))];
+    for (const xml::Element child : element) {
+        switch (child.name()) {
             case tag("midi-channel"):
-                instrument.percussion |= parseInteger(walk.text()) == kPercussionChannel;
+                instrument.percussion |= parseInteger(child.text()) == kPercussionChannel;
                 break;
             case tag("midi-program"):
-                instrument.program = midiNumber(walk.text()).value_or(0);
+                instrument.program = midiNumber(child.text()).value_or(0);
                 break;
             case tag("midi-unpitched"):
-                instrument.key = midiNumber(walk.text());
+                instrument.key = midiNumber(child.text());
                 break;
             default:
                 break;
@@ -116,29 +116,30 @@ struct PerformanceReader::Direction {
     std::optional<Decimal> offset;  // in divisions
 };
 
-void PerformanceReader::readDynamics(TreeWalk& walk, Direction& direction) {
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        const auto* known = std::find_if(kDynamics.begin(), kDynamics.end(),
-                                         [&](const Dynamic& dynamic) { return dynamic.name == walk.name(); });
+void PerformanceReader::readDynamics(const xml::Element& element, Direction& direction) {
+    for (const xml::Element child : element) {
+        const auto* known = std::find_if(kDynamics.begin(), kDynamics.end(), [&](const Dynamic& dynamic) {
+            return dynamic.name == child.nameText();
+        });
         if (known != kDynamics.end()) direction.dynamic = known;
     }
 }
 
 // A mark of two note values tells a relation between tempos and has no number.
-void PerformanceReader::readMetronome(TreeWalk& walk, Direction& direction) {
+void PerformanceReader::readMetronome(const xml::Element& element, Direction& direction) {
     double beat = 0;
     double dot = 0;
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        switch (walk.tagNumber()) {
+    for (const xml::Element child : element) {
+        switch (child.name()) {
             case tag("beat-unit"):
-                beat = static_cast<double>(noteValue(walk.text())) / engine::kQuarter;
+                beat = static_cast<double>(noteValue(child.text())) / engine::kQuarter;
                 dot = beat;
                 break;
             case tag("beat-unit-dot"):
                 beat += dot /= 2;
                 break;
             case tag("per-minute"):
-                if (const auto number = numberIn(walk.text())) direction.metronome = *number * beat;
+                if (const auto number = numberIn(child.text())) direction.metronome = *number * beat;
                 break;
             default:
                 break;
@@ -146,36 +147,36 @@ void PerformanceReader::readMetronome(TreeWalk& walk, Direction& direction) {
     }
 }
 
-void PerformanceReader::readSoundOf(TreeWalk& walk, Direction& direction) {
-    if (const auto tempo = numberIn(walk.attribute("tempo"))) direction.tempo = tempo;
-    if (const auto percent = numberIn(walk.attribute("dynamics"))) {
+void PerformanceReader::readSoundOf(const xml::Element& element, Direction& direction) {
+    if (const auto tempo = numberIn(element.attribute("tempo"))) direction.tempo = tempo;
+    if (const auto percent = numberIn(element.attribute("dynamics"))) {
         direction.loudness = static_cast<int>(
             std::clamp<double>(std::round(*percent * kForte / 100), kLowestVelocity, kHighestVelocity));
     }
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        if (walk.tagNumber() == tag("offset")) direction.offset = parseDecimal(walk.text());
+    for (const xml::Element child : element) {
+        if (child.name() == tag("offset")) direction.offset = parseDecimal(child.text());
     }
 }
 
-void PerformanceReader::readDirection(TreeWalk& walk, short measure, MeasureClock& clock) {
+void PerformanceReader::readDirection(const xml::Element& element, short measure, MeasureClock& clock) {
     Direction direction;
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        switch (walk.tagNumber()) {
+    for (const xml::Element child : element) {
+        switch (child.name()) {
             case tag("direction-type"):
-                for (const std::size_t inner = walk.enter(); walk.next(inner);) {
-                    if (walk.tagNumber() == tag("dynamics")) readDynamics(walk, direction);
-                    if (walk.tagNumber() == tag("metronome")) readMetronome(walk, direction);
-                    if (walk.tagNumber() == tag("wedge")) {
-                        direction.wedges.push_back({walk.attribute("type"), walk.attribute("number")});
+                for (const xml::Element inner : child) {
+                    if (inner.name() == tag("dynamics")) readDynamics(inner, direction);
+                    if (inner.name() == tag("metronome")) readMetronome(inner, direction);
+                    if (inner.name() == tag("wedge")) {
+                        direction.wedges.push_back({inner.attribute("type"), inner.attribute("number")});
                     }
                 }
                 break;
             case tag("offset"):
                 // Without this mark it moves what is printed alone.
-                if (walk.attribute("sound") == "yes") direction.offset = parseDecimal(walk.text());
+                if (child.attribute("sound") == "yes") direction.offset = parseDecimal(child.text());
                 break;
             case tag("sound"):
-                readSoundOf(walk, direction);
+                readSoundOf(child, direction);
                 break;
             default:
                 break;
@@ -184,9 +185,9 @@ void PerformanceReader::readDirection(TreeWalk& walk, short measure, MeasureCloc
     add(direction, measure, clock);
 }
 
-void PerformanceReader::readSound(TreeWalk& walk, short measure, MeasureClock& clock) {
+void PerformanceReader::readSound(const xml::Element& element, short measure, MeasureClock& clock) {
     Direction direction;
-    readSoundOf(walk, direction);
+    readSoundOf(element, direction);
     add(direction, measure, clock);
 }
 
@@ -230,16 +231,16 @@ void PerformanceReader::addWedge(const Direction& direction, const ScorePlace& p
 
 // --- attributes and notes ---
 
-void PerformanceReader::readTransposition(TreeWalk& walk, short measure, const MeasureClock& clock,
-                                          std::size_t first, std::size_t last) {
+void PerformanceReader::readTransposition(const xml::Element& element, short measure,
+                                          const MeasureClock& clock, std::size_t first, std::size_t last) {
     int semitones = 0;
-    for (const std::size_t level = walk.enter(); walk.next(level);) {
-        if (walk.tagNumber() == tag("octave-change")) {
+    for (const xml::Element child : element) {
+        if (child.name() == tag("octave-change")) {
             semitones +=
-                12 * std::clamp(parseInteger(walk.text()).value_or(0), -kMostSemitones, kMostSemitones);
-        } else if (walk.tagNumber() == tag("chromatic")) {
+                12 * std::clamp(parseInteger(child.text()).value_or(0), -kMostSemitones, kMostSemitones);
+        } else if (child.name() == tag("chromatic")) {
             // Quarter-tones have no MIDI note.
-            const Decimal written = parseDecimal(walk.text()).value_or(Decimal{});
+            const Decimal written = parseDecimal(child.text()).value_or(Decimal{});
             semitones += static_cast<int>(
                 std::clamp<std::int64_t>(written.value / written.scale, -kMostSemitones, kMostSemitones));
         }
@@ -264,9 +265,9 @@ void PerformanceReader::addTime(short measure, const TimeSignature& time) {
     part_.times.push_back({measure, time.length / time.beat, 4 * engine::kQuarter / time.beat});
 }
 
-void PerformanceReader::addNoteInstrument(std::size_t noteOffset, std::string_view id) {
+void PerformanceReader::addNoteInstrument(xml::Node note, std::string_view id) {
     const std::size_t index = instruments_.indexOf(id);
-    if (index > 0) noteInstruments_.emplace_back(static_cast<std::uint32_t>(noteOffset), index);
+    if (index > 0) noteInstruments_.emplace_back(note, index);
 }
 
 void PerformanceReader::finish(short firstStaff, short staffCount, const SourceMap& sources,

@@ -12,16 +12,16 @@
 #include "musicxml/attributes_reader.h"
 #include "musicxml/measure_clock.h"
 #include "musicxml/source_map.h"
-#include "musicxml/tree_walk.h"
+#include "xml/tree.h"
 
 namespace rovescio::musicxml {
 
 // The instruments that the part list gives a part.
 class PartInstruments {
   public:
-    // Each reads the element of a <score-part> that the walk is at.
-    void addInstrument(TreeWalk& walk);
-    void addMidi(TreeWalk& walk);
+    // Each reads such an element of a <score-part>.
+    void addInstrument(const xml::Element& element);
+    void addMidi(const xml::Element& element);
 
     // The place of an instrument in the list; the first for an unknown one.
     [[nodiscard]] std::size_t indexOf(std::string_view id) const;
@@ -41,17 +41,17 @@ class PerformanceReader {
   public:
     explicit PerformanceReader(PartInstruments instruments) : instruments_(std::move(instruments)) {}
 
-    // Each reads the element that the walk is at; the clock tells when.
-    void readDirection(TreeWalk& walk, short measure, MeasureClock& clock);
-    void readSound(TreeWalk& walk, short measure, MeasureClock& clock);
+    // Each reads such an element; the clock tells when.
+    void readDirection(const xml::Element& element, short measure, MeasureClock& clock);
+    void readSound(const xml::Element& element, short measure, MeasureClock& clock);
     // A transposition of the staves from first to before last, which count from 0.
-    void readTransposition(TreeWalk& walk, short measure, const MeasureClock& clock, std::size_t first,
-                           std::size_t last);
+    void readTransposition(const xml::Element& element, short measure, const MeasureClock& clock,
+                           std::size_t first, std::size_t last);
     // Fifths from the score's key to the one written for a staff, counted from 1, by its first transposition.
     [[nodiscard]] int fifths(short staff) const;
     void addTime(short measure, const TimeSignature& time);
     // A <note> names the instrument that plays it.
-    void addNoteInstrument(std::size_t noteOffset, std::string_view id);
+    void addNoteInstrument(xml::Node note, std::string_view id);
 
     // Adds the part's marks to those of the score, once all entries have their sources.
     void finish(short firstStaff, short staffCount, const SourceMap& sources,
@@ -59,9 +59,9 @@ class PerformanceReader {
 
   private:
     struct Direction;  // what the parts of one <direction> add up to
-    static void readDynamics(TreeWalk& walk, Direction& direction);
-    static void readMetronome(TreeWalk& walk, Direction& direction);
-    static void readSoundOf(TreeWalk& walk, Direction& direction);
+    static void readDynamics(const xml::Element& element, Direction& direction);
+    static void readMetronome(const xml::Element& element, Direction& direction);
+    static void readSoundOf(const xml::Element& element, Direction& direction);
     void add(const Direction& direction, short measure, MeasureClock& clock);
     void addWedge(const Direction& direction, const engine::ScorePlace& place);
 
@@ -69,7 +69,7 @@ class PerformanceReader {
     engine::PartPerformance part_;
     std::vector<engine::TempoMark> tempos_;
     std::map<std::string, engine::Hairpin, std::less<>> openWedges_;      // by their numbers
-    std::vector<std::pair<std::uint32_t, std::size_t>> noteInstruments_;  // by the offset of the note
+    std::vector<std::pair<std::uint32_t, std::size_t>> noteInstruments_;  // by the element of the note
 };
 
 }  // namespace rovescio::musicxml

@@ -7,12 +7,14 @@
 #include <utility>
 
 #include "musicxml/archive.h"
+#include "musicxml/large_pages.h"
+#include "musicxml/proofreading.h"
 
 namespace rovescio::musicxml {
 
 engine::Result<ScoreFile> ScoreFile::read(std::string bytes, std::string name, engine::Document& document,
                                           const ReadOptions& options) {
-    // Offsets into the text have 32 bits.
+    // Places in the text have 32 bits, and those of new text come behind them.
     const std::size_t maxBytes =
         std::min<std::size_t>(options.maxBytes, std::numeric_limits<std::int32_t>::max());
     ScoreFile file;
@@ -27,41 +29,46 @@ engine::Result<ScoreFile> ScoreFile::read(std::string bytes, std::string name, e
     }
     engine::Result<DecodedText> decoded = decodeText(std::move(bytes), file.name_);
     if (!decoded) return decoded.problem();
-    file.text_ = std::move(decoded->text);
     file.encoding_ = std::move(decoded->encoding);
-    if (file.text_.size() > maxBytes) return tooLarge(maxBytes, file.name_);
+    if (decoded->text.size() > maxBytes) return tooLarge(maxBytes, file.name_);
 
-    engine::Result<ScoreReading> reading = readScore(file.text_, file.name_, document);
+    engine::Result<std::unique_ptr<const ScoreText>> score = parseScore(std::move(decoded->text), file.name_);
+    if (!score) return score.problem();
+    file.score_ = std::move(*score);
+    engine::Result<ScoreReading> reading = readScore(file.score_->tree, file.name_, document);
     if (!reading) return reading.problem();
     file.reading_ = std::move(*reading);
     return file;
 }
 
-std::string WrittenFile::bytes() const {
-    std::string whole;
-    writeTo([&](std::string_view piece) {
-        whole += piece;
+engine::Result<WrittenFile> ScoreFile::write(const engine::Document& document, Container container) const {
+    engine::Result<ScoreEdits> written = editScore(score_->tree, reading_.sources, document, name_);
+    if (!written) return written.problem();
+    const bool isNew = !written->edits.empty();
+    if (!isNew && container == Container::compressed && !archive_.empty()) {
+        return WrittenFile(archive_, std::move(written->notices));
+    }
+    std::string text;
+    reserveInLargePages(text, score_->text.size() + score_->text.size() / 8);
+    written->edits.print([&](std::string_view piece) {
+        text += piece;
         return true;
     });
-    return whole;
-}
-
-engine::Result<WrittenFile> ScoreFile::write(const engine::Document& document, Container container) const {
-    engine::Result<ScoreEdits> written = editScore(text_, reading_.sources, document, name_);
-    if (!written) return written.problem();
-    const bool unchanged = written->edits.empty();
-    if (container == Container::plain && encoding_.isUtf8()) return WrittenFile(std::move(*written));
-    std::vector<std::string> notices = written->notices;
-    if (container == Container::compressed && !archive_.empty() && unchanged) {
-        return WrittenFile(archive_, std::move(notices));
-    }
-    engine::Result<std::string> bytes =
-        encodeText(WrittenFile(std::move(*written)).bytes(), encoding_, name_);
+    std::optional<std::string> fault;
+    if (isNew) fault = proofread(text, reading_.sources, document);
+    engine::Result<std::string> bytes = encodeText(std::move(text), encoding_, name_);
     if (bytes && container == Container::compressed) {
         bytes = archive_.empty() ? packScore(*bytes, name_) : repackScore(archive_, rootFile_, *bytes, name_);
     }
     if (!bytes) return bytes.problem();
-    return WrittenFile(std::move(*bytes), std::move(notices));
+    WrittenFile file(std::move(*bytes), std::move(written->notices));
+    if (fault) {
+        file.setFault({.message = "the result is not sound, and nothing was written: " + *fault,
+                       .file = name_,
+                       .measure = {},
+                       .remedy = "This is a fault of Rovescio; please report it with the score"});
+    }
+    return file;
 }
 
 }  // namespace rovescio::musicxml

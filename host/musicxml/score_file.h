@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -11,9 +12,12 @@
 #include "engine/problem.h"
 #include "musicxml/encoding.h"
 #include "musicxml/score_reader.h"
+#include "musicxml/score_text.h"
 #include "musicxml/score_writer.h"
 
 namespace rovescio::musicxml {
+
+using xml::ByteSink;
 
 struct ReadOptions {
     // Largest XML text, also after unpacking and in UTF-8.
@@ -25,22 +29,23 @@ enum class Container { plain, compressed };
 // A file ready to be written.
 class WrittenFile {
   public:
-    // A file whose bytes are those of a text with edits, or known already. The text must outlive it.
-    explicit WrittenFile(ScoreEdits written)
-        : edits_(std::move(written.edits)), notices_(std::move(written.notices)) {}
     WrittenFile(std::string bytes, std::vector<std::string> notices)
         : bytes_(std::move(bytes)), notices_(std::move(notices)) {}
 
-    // Hands all bytes to the sink in turn; false as soon as the sink refuses some.
-    bool writeTo(const ByteSink& sink) const { return edits_ ? edits_->applyTo(sink) : sink(bytes_); }
-    [[nodiscard]] std::string bytes() const;
+    // Hands all bytes to the sink; false when it refuses them.
+    bool writeTo(const ByteSink& sink) const { return sink(bytes_); }
+    [[nodiscard]] const std::string& bytes() const { return bytes_; }
     // What the user should know about the writing, each once.
     [[nodiscard]] const std::vector<std::string>& notices() const { return notices_; }
 
+    // What is wrong with the file when it is read again; it must not take the place of any other then.
+    [[nodiscard]] const std::optional<engine::Problem>& fault() const { return fault_; }
+    void setFault(engine::Problem fault) { fault_ = std::move(fault); }
+
   private:
-    std::optional<TextEdits> edits_;
     std::string bytes_;
     std::vector<std::string> notices_;
+    std::optional<engine::Problem> fault_;
 };
 
 // Keeps the file's text as it came. Writing changes only the places that belong
@@ -72,7 +77,7 @@ class ScoreFile {
     std::string name_;
     std::string archive_;   // the compressed file's bytes; empty for a plain file
     std::string rootFile_;  // the score's path in the archive
-    std::string text_;      // UTF-8
+    std::unique_ptr<const ScoreText> score_;
     Encoding encoding_;
     ScoreReading reading_;
 };

@@ -11,7 +11,7 @@
 #include "musicxml/measure_layout.h"
 #include "musicxml/part_reader.h"
 #include "musicxml/tag_names.h"
-#include "musicxml/tree_walk.h"
+#include "xml/tree.h"
 
 namespace rovescio::musicxml {
 
@@ -21,28 +21,24 @@ constexpr std::size_t kMaxNumber = std::numeric_limits<short>::max();
 
 class ScoreReader {
   public:
-    ScoreReader(const std::string& text, engine::Document& document, Journal& journal)
-        : walk_(text), document_(document), journal_(journal) {}
+    ScoreReader(engine::Document& document, Journal& journal) : document_(document), journal_(journal) {}
 
-    bool read();
+    bool read(const xml::Element& root);
     ScoreReading take();
 
   private:
-    bool readRoot();
-    void readWork();
-    void readIdentification();
-    void listParts();
-    PartReader* openPart();
-    bool readPart();
-    bool readTimewiseMeasure();
-    bool noteLabel(std::size_t index);
-    void explainFault();
+    void readWork(const xml::Element& work);
+    void readIdentification(const xml::Element& identification);
+    void listParts(const xml::Element& list);
+    PartReader* openPart(const xml::Element& element);
+    bool readPart(const xml::Element& element);
+    bool readTimewiseMeasure(const xml::Element& element);
+    bool noteLabel(const xml::Element& measure, std::size_t index);
     bool assemble();
     void assemblePart(PartReader& part, short firstStaff);
     void moveToUnpitched(PartReader& part);
     void takeLengths(PartReader& part) const;
 
-    TreeWalk walk_;
     engine::Document& document_;
     Journal& journal_;
     ScoreReading reading_;
@@ -55,44 +51,43 @@ class ScoreReader {
     std::vector<std::int16_t> widths_;  // likewise, hundredths of a staff space
 };
 
-void ScoreReader::readWork() {
-    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
-        if (walk_.tagNumber() == tag("work-title")) reading_.summary.title = walk_.text();
+void ScoreReader::readWork(const xml::Element& work) {
+    for (const xml::Element child : work) {
+        if (child.name() == tag("work-title")) reading_.summary.title = child.text();
     }
 }
 
-void ScoreReader::readIdentification() {
-    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
-        if (walk_.tagNumber() != tag("creator") || walk_.attribute("type") != "composer") continue;
-        if (reading_.summary.composer.empty()) reading_.summary.composer = walk_.text();
+void ScoreReader::readIdentification(const xml::Element& identification) {
+    for (const xml::Element child : identification) {
+        if (child.name() != tag("creator") || child.attribute("type") != "composer") continue;
+        if (reading_.summary.composer.empty()) reading_.summary.composer = child.text();
     }
 }
 
-void ScoreReader::listParts() {
-    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
-        if (walk_.tagNumber() != tag("score-part")) continue;
-        const std::string_view id = walk_.attribute("id");
+void ScoreReader::listParts(const xml::Element& list) {
+    for (const xml::Element part : list) {
+        if (part.name() != tag("score-part")) continue;
+        const std::string_view id = part.attribute("id");
         std::string name;
         PartInstruments instruments;
-        for (const std::size_t inner = walk_.enter(); walk_.next(inner);) {
-            if (walk_.tagNumber() == tag("part-name")) name = walk_.text();
-            if (walk_.tagNumber() == tag("score-instrument")) instruments.addInstrument(walk_);
-            if (walk_.tagNumber() == tag("midi-instrument")) instruments.addMidi(walk_);
+        for (const xml::Element child : part) {
+            if (child.name() == tag("part-name")) name = child.text();
+            if (child.name() == tag("score-instrument")) instruments.addInstrument(child);
+            if (child.name() == tag("midi-instrument")) instruments.addMidi(child);
         }
         listed_.try_emplace(id, name.empty() ? std::string(id) : name, std::move(instruments));
     }
 }
 
-// The reader of the part that the walk is at; null, with the problem told, for
-// an unknown one.
-PartReader* ScoreReader::openPart() {
-    const std::string_view id = walk_.attribute("id");
+// The reader of a part; null, with the problem told, for an unknown one.
+PartReader* ScoreReader::openPart(const xml::Element& element) {
+    const std::string_view id = element.attribute("id");
     const auto known = partIndex_.find(id);
     if (known != partIndex_.end()) return &parts_[known->second];
     const auto listed = listed_.find(id);
     if (listed == listed_.end()) {
         journal_.fail("the part \"" + std::string(id.substr(0, 40)) + "\" is not in the part list",
-                      walk_.offset(), "Add a <score-part> with that id to the <part-list>.");
+                      element.offset(), "Add a <score-part> with that id to the <part-list>.");
         return nullptr;
     }
     partIndex_.emplace(id, parts_.size());
@@ -101,54 +96,53 @@ PartReader* ScoreReader::openPart() {
     return &parts_.back();
 }
 
-// Remembers the label of the measure; the first part that has the measure gives
-// it.
-bool ScoreReader::noteLabel(std::size_t index) {
-    const std::string_view label = walk_.attribute("number");
+// Remembers the label of the measure; the first part that has the measure gives it.
+bool ScoreReader::noteLabel(const xml::Element& measure, std::size_t index) {
+    const std::string_view label = measure.attribute("number");
     journal_.setMeasure(label);
     if (index < labels_.size()) return true;
     if (labels_.size() >= kMaxNumber) {
-        journal_.fail("the score has more than " + std::to_string(kMaxNumber) + " measures", walk_.offset(),
+        journal_.fail("the score has more than " + std::to_string(kMaxNumber) + " measures", measure.offset(),
                       "Split the score.");
         return false;
     }
     labels_.emplace_back(label);
-    widths_.push_back(hundredths(walk_.attribute("width")));
+    widths_.push_back(hundredths(measure.attribute("width")));
     return true;
 }
 
-bool ScoreReader::readPart() {
+bool ScoreReader::readPart(const xml::Element& element) {
     const std::size_t partsBefore = parts_.size();
-    PartReader* const part = openPart();
+    PartReader* const part = openPart(element);
     if (part == nullptr) return false;
     if (parts_.size() == partsBefore) {
-        journal_.fail("the part \"" + part->name() + "\" appears twice", walk_.offset(),
+        journal_.fail("the part \"" + part->name() + "\" appears twice", element.offset(),
                       "Give every <part> an id of its own.");
         return false;
     }
     std::size_t index = 0;
-    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
-        if (walk_.tagNumber() != tag("measure")) continue;
-        if (!noteLabel(index++) || !part->readMeasure(walk_)) return false;
+    for (const xml::Element measure : element) {
+        if (measure.name() != tag("measure")) continue;
+        if (!noteLabel(measure, index++) || !part->readMeasure(measure)) return false;
     }
     journal_.setMeasure({});
     return true;
 }
 
-bool ScoreReader::readTimewiseMeasure() {
+bool ScoreReader::readTimewiseMeasure(const xml::Element& element) {
     const std::size_t index = labels_.size();
-    if (!noteLabel(index)) return false;
-    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
-        if (walk_.tagNumber() != tag("part")) continue;
-        PartReader* const part = openPart();
+    if (!noteLabel(element, index)) return false;
+    for (const xml::Element contents : element) {
+        if (contents.name() != tag("part")) continue;
+        PartReader* const part = openPart(contents);
         if (part == nullptr) return false;
         while (static_cast<std::size_t>(part->measureCount()) < index) part->skipMeasure();
         if (static_cast<std::size_t>(part->measureCount()) > index) {
-            journal_.fail("the part \"" + part->name() + "\" appears twice in one measure", walk_.offset(),
+            journal_.fail("the part \"" + part->name() + "\" appears twice in one measure", contents.offset(),
                           "Keep one <part> with that id in the measure.");
             return false;
         }
-        if (!part->readMeasure(walk_)) return false;
+        if (!part->readMeasure(contents)) return false;
     }
     journal_.setMeasure({});
     return true;
@@ -191,8 +185,14 @@ void ScoreReader::assemblePart(PartReader& part, short firstStaff) {
     part.finishLayers();
     moveToUnpitched(part);
     takeLengths(part);
-    reading_.sources.parts.push_back({firstStaff, static_cast<short>(part.staves().size()),
-                                      std::move(part.offsets()), std::move(part.divisions())});
+    reading_.sources.parts.push_back({firstStaff,
+                                      static_cast<short>(part.staves().size()),
+                                      std::move(part.nodes()),
+                                      std::move(part.divisions()),
+                                      {}});
+    for (const PartReader::Lengths& length : part.lengths()) {
+        reading_.sources.parts.back().contents.push_back(length.contents);
+    }
     part.shapes().finish(firstStaff, part.frames(), document_, reading_.sources, journal_);
     for (const auto& [measure, distance] : part.distances()) {
         engine::MeasureLayout& layout = document_.layout(measure);
@@ -267,86 +267,46 @@ bool ScoreReader::assemble() {
     return true;
 }
 
-// Reads everything inside the root element.
-bool ScoreReader::readRoot() {
-    const std::size_t root = walk_.offset();
-    const bool partwise = walk_.name() == "score-partwise";
-    if (!partwise && walk_.name() != "score-timewise") {
+bool ScoreReader::read(const xml::Element& root) {
+    const bool partwise = root.name() == tag("score-partwise");
+    if (!partwise && root.name() != tag("score-timewise")) {
         journal_.fail("this is XML but not a score: its root element is <" +
-                          std::string(walk_.name().substr(0, 40)) + ">",
-                      root, "Give a file whose root is <score-partwise> or <score-timewise>.");
+                          std::string(root.nameText().substr(0, 40)) + ">",
+                      root.offset(), "Give a file whose root is <score-partwise> or <score-timewise>.");
         return false;
     }
-    for (const std::size_t level = walk_.enter(); walk_.next(level);) {
+    for (const xml::Element child : root) {
         bool fine = true;
-        switch (walk_.tagNumber()) {
+        switch (child.name()) {
             case tag("work"):
-                readWork();
+                readWork(child);
                 break;
             case tag("movement-title"):
-                movementTitle_ = walk_.text();
+                movementTitle_ = child.text();
                 break;
             case tag("identification"):
-                readIdentification();
+                readIdentification(child);
                 break;
             case tag("part-list"):
-                listParts();
+                listParts(child);
                 break;
             case tag("part"):
-                fine = !partwise || readPart();
+                fine = !partwise || readPart(child);
                 break;
             case tag("measure"):
-                fine = partwise || readTimewiseMeasure();
+                fine = partwise || readTimewiseMeasure(child);
                 break;
             default:
                 break;
         }
         if (!fine) return false;
     }
-    if (walk_.fault() != XmlFault::none) return false;
     if (parts_.empty() || labels_.empty()) {
-        journal_.fail(parts_.empty() ? "the score has no part" : "the score has no measure", root,
+        journal_.fail(parts_.empty() ? "the score has no part" : "the score has no measure", root.offset(),
                       "Give a score with music in it.");
         return false;
     }
     return assemble();
-}
-
-bool ScoreReader::read() {
-    const bool read = walk_.next(0) && readRoot();
-    if (walk_.fault() == XmlFault::none) return read;
-    explainFault();
-    return false;
-}
-
-void ScoreReader::explainFault() {
-    const std::size_t offset = walk_.faultOffset();
-    switch (walk_.fault()) {
-        case XmlFault::noElement:
-            journal_.fail("this is not an XML file", 0,
-                          "Give a MusicXML score, for example one exported by a notation program.");
-            break;
-        case XmlFault::truncated:
-            journal_.fail("the file ends in the middle of the score", offset,
-                          "It was probably cut off while it was copied or saved: get it again.");
-            break;
-        case XmlFault::tooMany:
-            journal_.fail("the score has more than " + std::to_string(TreeWalk::kMaxTags) + " tags", offset,
-                          "Split the score.");
-            break;
-        case XmlFault::tooDeep:
-            journal_.fail("elements are nested more than " + std::to_string(TreeWalk::kMaxDepth) + " deep",
-                          offset, "No score needs this: export it again.");
-            break;
-        case XmlFault::entities:
-            journal_.fail("the document type declares entities, which could expand without bound", offset,
-                          "Remove the declarations between [ and ] in the DOCTYPE line.");
-            break;
-        default:
-            journal_.fail("the XML is not well-formed: " + std::string(walk_.faultDescription()), offset,
-                          "Export the score again, or repair that line in a text editor.");
-            break;
-    }
 }
 
 ScoreReading ScoreReader::take() {
@@ -358,15 +318,11 @@ ScoreReading ScoreReader::take() {
 
 }  // namespace
 
-engine::Result<ScoreReading> readScore(const std::string& text, const std::string& file,
+engine::Result<ScoreReading> readScore(const xml::Tree& tree, const std::string& file,
                                        engine::Document& document) {
-    Journal journal(text, file);
-    if (trimmed(text).empty()) {
-        journal.fail("the file is empty", 0, "Give a MusicXML score.");
-        return journal.problem();
-    }
-    ScoreReader reader(text, document, journal);
-    if (!reader.read()) return journal.problem();
+    Journal journal(tree.source(), file);
+    ScoreReader reader(document, journal);
+    if (!reader.read(tree.rootElement())) return journal.problem();
     return reader.take();
 }
 

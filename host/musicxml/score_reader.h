@@ -1,4 +1,4 @@
-// Builds a document from the XML text of a score.
+// Builds a document from the tree of a score.
 #pragma once
 
 #include <string>
@@ -24,9 +24,8 @@ struct ScoreReading {
     std::vector<std::string> notices;  // for the user, each once
 };
 
-// Reads UTF-8 text of less than 4 GiB, partwise or timewise, into an empty
-// document. The file name is for messages.
-engine::Result<ScoreReading> readScore(const std::string& text, const std::string& file,
+// Reads the tree of a score, partwise or timewise, into an empty document. The file name is for messages.
+engine::Result<ScoreReading> readScore(const xml::Tree& tree, const std::string& file,
                                        engine::Document& document);
 
 }  // namespace rovescio::musicxml

@@ -1,4 +1,4 @@
-// Walks the changed frames and collects the edits of their notes.
+// Walks the changed frames and edits their notes.
 #include "musicxml/score_writer.h"
 
 #include <algorithm>
@@ -14,6 +14,7 @@
 #include "musicxml/measure_layout.h"
 #include "musicxml/measure_rewriter.h"
 #include "musicxml/note_edits.h"
+#include "musicxml/note_parts.h"
 #include "musicxml/shape_edits.h"
 #include "musicxml/stem_edits.h"
 
@@ -25,48 +26,38 @@ using engine::FrameAddress;
 
 class ScoreWriter {
   public:
-    ScoreWriter(const std::string& text, const SourceMap& sources, const engine::Document& document,
-                Journal& journal)
+    ScoreWriter(const SourceMap& sources, const engine::Document& document, Journal& journal,
+                xml::Edits& edits)
         : sources_(sources),
           document_(document),
           journal_(journal),
-          walk_(text),
-          edits_(text),
-          stems_(edits_) {}
+          edits_(edits),
+          scan_(edits),
+          stems_(edits) {}
 
     bool write();
-    TextEdits take() {
-        edits_.settleAll();
-        return std::move(edits_);
-    }
 
   private:
     const EntrySource* sourceOf(const engine::StoredEntry& entry) const;
-    std::uint32_t offsetOf(const engine::PackedEntries& entries) const;
     bool hadEntries(const FrameAddress& address);
     bool hasSameEntries(const FrameAddress& address);
-    bool gainsTies(const FrameAddress& address);
     bool hasSameNotes(const engine::StoredEntry& entry, const EntrySource& source) const;
+    bool checkNotes(const FrameAddress& address);
     bool isAlone(const FrameAddress& address) const;
     const Clef& clefAt(const FrameAddress& address, std::int32_t position) const;
     [[nodiscard]] PartMeasure partMeasure(const FrameAddress& address) const;
     bool writeFrame(const FrameAddress& address);
-    bool writeMoved(const FrameAddress& address);
-    bool refuseMoved(const FrameAddress& address);
-    bool refuseOctave(std::uint32_t offset);
     bool writeEntry(const engine::StoredEntry& entry, const FrameAddress& address, bool alone);
     void noteMove(const FrameAddress& address);
 
     const SourceMap& sources_;
     const engine::Document& document_;
     Journal& journal_;
-    TextWalk walk_;
-    TextEdits edits_;
+    xml::Edits& edits_;
+    NoteScan scan_;
     StemEdits stems_;
-    NoteText note_;
     Clef treble_;
-    std::vector<FrameAddress> sourceFrames_;  // that have entries in the text, in order
-    std::vector<bool> written_;  // entries whose pitches are in the edits, where measures are written anew
+    std::vector<FrameAddress> sourceFrames_;  // that have entries in the file, in order
 };
 
 bool comesBefore(const FrameAddress& left, const FrameAddress& right) {
@@ -133,20 +124,19 @@ bool ScoreWriter::hasSameEntries(const FrameAddress& address) {
     return sources_.entries[number - 2].endsFrame;
 }
 
-// Whether a note of a frame has a tie that its text lacks, as when the ties around it have turned round.
-bool ScoreWriter::gainsTies(const FrameAddress& address) {
-    const engine::PackedEntries& entries = document_.entries(address);
-    if (!entries.mayHaveNoteFlags(NOTE_TIES)) return false;
-    for (const engine::StoredEntry& entry : entries) {
-        for (const ENOTE& note : notesOf(entry)) {
-            if ((note.noteFlags & NOTE_TIES) == 0) continue;
-            scanNote(walk_, sources_.notes[sourceOf(entry)->firstNote + note.noteId - 1U], note_);
-            std::uint32_t written = 0;
-            for (const TieElement& tie : note_.ties) written |= tie.flag;
-            if ((note.noteFlags & NOTE_TIES & ~written) != 0) return true;
-        }
+// Whether the notes of a frame's entries are those that the file has, wherever they stand now.
+bool ScoreWriter::checkNotes(const FrameAddress& address) {
+    for (const engine::StoredEntry& entry : document_.entries(address)) {
+        const std::uint32_t origin = document_.originOf(entry.entryNumber);
+        if (origin > sources_.entries.size()) continue;
+        const EntrySource& source = sources_.entries[origin - 1];
+        if (source.isGap || hasSameNotes(entry, source)) continue;
+        journal_.setMeasure(document_.measure(address.measure).label);
+        journal_.fail("notes were added to chords or taken from them, which cannot be written",
+                      edits_.place(sources_.notes[source.firstNote]), "Choose another transformation.");
+        return false;
     }
-    return false;
+    return true;
 }
 
 // Whether the frame's voice has its staff for itself in the measure.
@@ -185,7 +175,7 @@ void ScoreWriter::noteMove(const FrameAddress& address) {
         return;
     }
     journal_.notice("harmony", "chord symbols and figured bass stay as they are where notes changed",
-                    mark->offset);
+                    edits_.place(mark->node));
 }
 
 bool ScoreWriter::writeEntry(const engine::StoredEntry& entry, const FrameAddress& address, bool alone) {
@@ -203,78 +193,25 @@ bool ScoreWriter::writeEntry(const engine::StoredEntry& entry, const FrameAddres
     const bool hasStem = !grace && !state.unpitched;
     if (hasStem) stems_.beginChord(clefAt(address, entry.elapsed), alone && !source.sharesStem);
     for (std::size_t i = 0; i < notes.size(); ++i) {
-        const std::uint32_t offset = sources_.notes[source.firstNote + i];
-        scanNote(walk_, offset, note_);
+        const xml::Node node = sources_.notes[source.firstNote + i];
+        const NoteParts& parts = scan_.of(node);
         const NoteChange change =
-            editNote(note_, *byId[i], key.spell(*byId[i]), state.unpitched != 0, edits_);
-        if (!change.possible) return refuseOctave(offset);
-        if (change.tiesAdded) {
-            journal_.fail("a note has gained a tie that the score lacks", offset,
-                          "Choose another transformation: this one cannot be written yet.");
-            return false;
-        }
+            editPitch(edits_, parts, *byId[i], key.spell(*byId[i]), state.unpitched != 0);
+        editTies(edits_, parts, byId[i]->noteFlags);
+        if (!change.possible) return refuseOctave(journal_, edits_.place(node));
         if (hasStem) {
-            stems_.addNote(note_, change.oldStep, change.newStep, change.moved);
-        } else if (change.moved && note_.stem.exists()) {
-            dropStemEnd(note_.stem, edits_);
+            stems_.addNote(parts, change.oldStep, change.newStep, change.moved);
+        } else if (change.moved && parts.stem != 0) {
+            edits_.removeAttribute(parts.stem, "default-y");
         }
         if (!change.moved) continue;
         noteMove(address);
-        if (note_.tablature) {
+        if (parts.tablature) {
             journal_.notice("tablature", "string and fret numbers stay as they are where notes changed",
-                            offset);
+                            edits_.place(node));
         }
     }
     return true;
-}
-
-// Whether the notes have the pitches and accidentals that the text has.
-bool looksTheSame(const engine::StoredEntry& entry, const EntrySource& source,
-                  const engine::KeySignature& key) {
-    std::uint32_t look = 0;
-    for (const ENOTE& note : notesOf(entry)) look += lookOf(key.spell(note), note);
-    return look == source.look;
-}
-
-// The pitches of entries that stand elsewhere or otherwise than in the text; their measures are written anew.
-bool ScoreWriter::writeMoved(const FrameAddress& address) {
-    journal_.setMeasure(document_.measure(address.measure).label);
-    const engine::KeySignature& key = document_.staffMeasure(address.staff, address.measure).key;
-    for (const engine::StoredEntry& entry : document_.entries(address)) {
-        const std::uint32_t origin = document_.originOf(entry.entryNumber);
-        if (origin > sources_.entries.size() || written_[origin - 1]) continue;
-        written_[origin - 1] = true;
-        const EntrySource& source = sources_.entries[origin - 1];
-        if (source.isGap) continue;
-        if (!hasSameNotes(entry, source)) return refuseMoved(address);
-        if (looksTheSame(entry, source, key)) continue;
-        for (const ENOTE& note : notesOf(entry)) {
-            const std::uint32_t offset = sources_.notes[source.firstNote + note.noteId - 1U];
-            scanNote(walk_, offset, note_);
-            // Ties are written with the measure.
-            ENOTE untied = note;
-            untied.noteFlags |= NOTE_TIES;
-            const NoteChange change =
-                editNote(note_, untied, key.spell(note), engine::entryState(entry).unpitched != 0, edits_);
-            if (!change.possible) return refuseOctave(offset);
-        }
-    }
-    edits_.settleNew();
-    return true;
-}
-
-bool ScoreWriter::refuseMoved(const FrameAddress& address) {
-    journal_.fail("notes were added to chords or taken from them, which cannot be written",
-                  offsetOf(document_.entries(address)), "Choose another transformation.");
-    return false;
-}
-
-bool ScoreWriter::refuseOctave(std::uint32_t offset) {
-    journal_.fail(
-        "a note would leave the octaves 0 to 9, which is all that "
-        "the file format has",
-        offset, "Choose a smaller interval or a nearer axis.");
-    return false;
 }
 
 PartMeasure ScoreWriter::partMeasure(const FrameAddress& address) const {
@@ -286,70 +223,41 @@ PartMeasure ScoreWriter::partMeasure(const FrameAddress& address) const {
 
 bool ScoreWriter::writeFrame(const FrameAddress& address) {
     journal_.setMeasure(document_.measure(address.measure).label);
-    const engine::PackedEntries& entries = document_.entries(address);
     const bool alone = isAlone(address);
     stems_.clear();
-    for (const engine::StoredEntry& entry : entries) {
+    for (const engine::StoredEntry& entry : document_.entries(address)) {
         if (!writeEntry(entry, address, alone)) return false;
     }
     stems_.apply();
-    edits_.settleNew();
     return true;
 }
 
-// Where a frame's first note or rest stands in the text; 0 when it has none there.
-std::uint32_t ScoreWriter::offsetOf(const engine::PackedEntries& entries) const {
-    for (const engine::StoredEntry& entry : entries) {
-        const EntrySource* const source = sourceOf(entry);
-        if (source != nullptr && !source->isGap) return sources_.notes[source->firstNote];
-    }
-    return 0;
-}
-
-// Goes through the frames as they stand in the text.
 bool ScoreWriter::write() {
-    std::vector<std::pair<std::uint32_t, FrameAddress>> frames;
-    for (const FrameAddress& address : document_.changedFrames()) {
-        frames.emplace_back(offsetOf(document_.entries(address)), address);
-    }
-    std::sort(frames.begin(), frames.end(),
-              [](const auto& left, const auto& right) { return left.first < right.first; });
+    const std::vector<FrameAddress> frames = document_.changedFrames();
     std::set<PartMeasure> anew;
-    for (const auto& [offset, address] : frames) {
+    for (const FrameAddress& address : frames) {
         if (!hasSameEntries(address)) anew.insert(partMeasure(address));
     }
-    if (!anew.empty()) {
-        written_.resize(sources_.entries.size());
-        for (const auto& [offset, address] : frames) {
-            const PartMeasure measure = partMeasure(address);
-            if (!anew.contains(measure) && gainsTies(address)) anew.insert(measure);
-        }
+    for (const FrameAddress& address : frames) {
+        const bool isAnew = anew.contains(partMeasure(address));
+        if (!(isAnew ? checkNotes(address) : writeFrame(address))) return false;
     }
-    for (const auto& [offset, address] : frames) {
-        const bool done = anew.contains(partMeasure(address)) ? writeMoved(address) : writeFrame(address);
-        if (!done) return false;
-    }
-    const bool measuresChanged = !document_.changedMeasures().empty();
-    if (anew.empty() && !document_.recordsChanged() && !measuresChanged) return true;
-    edits_.settleAll();
     if (document_.recordsChanged() && !editShapes(sources_, document_, journal_, edits_)) return false;
-    if (measuresChanged) {
+    if (!document_.changedMeasures().empty()) {
         if (!editKeys(sources_, document_, journal_, edits_)) return false;
         editLayouts(sources_, document_, edits_);
     }
-    if (anew.empty()) return true;
-    edits_.settleAll();
     return rewriteMeasures(anew, sources_, document_, journal_, edits_);
 }
 
 }  // namespace
 
-engine::Result<ScoreEdits> editScore(const std::string& text, const SourceMap& sources,
+engine::Result<ScoreEdits> editScore(const xml::Tree& tree, const SourceMap& sources,
                                      const engine::Document& document, const std::string& file) {
-    Journal journal(text, file);
-    ScoreWriter writer(text, sources, document, journal);
-    if (!writer.write()) return journal.problem();
-    return ScoreEdits{writer.take(), std::move(journal.notices())};
+    Journal journal(tree.source(), file);
+    xml::Edits edits(tree);
+    if (!ScoreWriter(sources, document, journal, edits).write()) return journal.problem();
+    return ScoreEdits{std::move(edits), std::move(journal.notices())};
 }
 
 }  // namespace rovescio::musicxml

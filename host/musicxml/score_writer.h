@@ -1,4 +1,4 @@
-// Brings the text of a score in line with its changed document.
+// Brings a score in line with its changed document.
 #pragma once
 
 #include <string>
@@ -7,19 +7,18 @@
 #include "engine/document.h"
 #include "engine/problem.h"
 #include "musicxml/source_map.h"
-#include "musicxml/text_edits.h"
+#include "xml/edits.h"
 
 namespace rovescio::musicxml {
 
 struct ScoreEdits {
-    TextEdits edits;                   // settled; none when nothing changed
+    xml::Edits edits;                  // none when nothing changed
     std::vector<std::string> notices;  // for the user, each once
 };
 
-// Finds the edits that bring the pitches, accidentals and ties of the document's
-// changed frames into the text that it was read from. Fails when entries were
-// added, removed, moved in time or changed in value.
-engine::Result<ScoreEdits> editScore(const std::string& text, const SourceMap& sources,
+// Finds the edits that bring the changes of a document into the tree that it was read from, which must
+// outlive them. Fails when something cannot be written; the file name is for the message.
+engine::Result<ScoreEdits> editScore(const xml::Tree& tree, const SourceMap& sources,
                                      const engine::Document& document, const std::string& file);
 
 }  // namespace rovescio::musicxml

@@ -4,15 +4,15 @@
 #include "engine/document.h"
 #include "musicxml/journal.h"
 #include "musicxml/source_map.h"
-#include "musicxml/text_edits.h"
+#include "xml/edits.h"
 
 namespace rovescio::musicxml {
 
-// Takes the elements of shapes out of the text that the document's records no longer show, with what is left
+// Takes the elements of shapes out of the score that the document's records no longer show, with what is left
 // empty around them, and puts in those of new ones: slurs at the notes of their entries, hairpins as
-// directions before the first note and behind the last. All edits must be settled, and must be again
-// afterwards. False, with the problem in the journal, for a new shape that cannot be written.
+// directions before the first note and behind the last. False, with the problem in the journal, for a new
+// shape that cannot be written.
 bool editShapes(const SourceMap& sources, const engine::Document& document, Journal& journal,
-                TextEdits& edits);
+                xml::Edits& edits);
 
 }  // namespace rovescio::musicxml

@@ -5,13 +5,14 @@
 #include <tuple>
 
 #include "musicxml/numbers.h"
+#include "musicxml/tag_names.h"
 
 namespace rovescio::musicxml {
 
 namespace {
 
-bool isNoteLine(std::string_view name) {
-    return name == "slur" || name == "glissando" || name == "slide";
+bool isNoteLine(xml::Name name) {
+    return name == tag("slur") || name == tag("glissando") || name == tag("slide");
 }
 
 std::uint8_t placementOf(std::string_view placement) {
@@ -25,10 +26,6 @@ std::uint8_t lineTypeOf(std::string_view type) {
     return static_cast<std::uint8_t>(found == std::end(kTypes) ? 0 : found - std::begin(kTypes));
 }
 
-std::uint32_t placeOf(const pugi::xml_node& element) {
-    return static_cast<std::uint32_t>(element.offset_debug() - 1);
-}
-
 }  // namespace
 
 bool ShapeReader::isSameLine(const End& left, const End& right) {
@@ -36,45 +33,48 @@ bool ShapeReader::isSameLine(const End& left, const End& right) {
     return left.name == right.name && numberOf(left) == numberOf(right);
 }
 
-void ShapeReader::addNote(const pugi::xml_node& note, std::size_t entry, std::string_view voice) {
-    for (const pugi::xml_node& notations : note.children("notations")) {
-        for (const pugi::xml_node& line : notations.children()) {
+void ShapeReader::addNote(const xml::Element& note, std::size_t entry, std::string_view voice) {
+    for (const xml::Element notations : note) {
+        if (notations.name() != tag("notations")) continue;
+        for (const xml::Element line : notations) {
             if (!isNoteLine(line.name())) continue;
-            const std::string_view type = line.attribute("type").value();
+            const std::string_view type = line.attribute("type");
             if (type != "start" && type != "stop") continue;
             End& end = ends_.emplace_back();
             end.name = line.name();
-            end.number = line.attribute("number").value();
+            end.number = line.attribute("number");
             end.voice = voice;
             end.starts = type == "start";
             end.entry = entry;
-            end.offset = placeOf(line);
-            if (end.name != "slur") end.shape.kind = SHAPE_LINE;
-            end.shape.placement = placementOf(line.attribute("placement").value());
-            end.shape.lineType = lineTypeOf(line.attribute("line-type").value());
+            end.element = line;
+            if (end.name != tag("slur")) end.shape.kind = SHAPE_LINE;
+            end.shape.placement = placementOf(line.attribute("placement"));
+            end.shape.lineType = lineTypeOf(line.attribute("line-type"));
         }
     }
 }
 
-void ShapeReader::addDirection(const pugi::xml_node& direction, short measure, std::int32_t time) {
-    for (const pugi::xml_node& kind : direction.children("direction-type")) {
-        for (const pugi::xml_node& line : kind.children()) {
-            const std::string_view name = line.name();
-            if (name != "wedge" && name != "bracket" && name != "dashes") continue;
-            const std::string_view type = line.attribute("type").value();
+void ShapeReader::addDirection(const xml::Element& direction, short measure, std::int32_t time) {
+    const xml::Element staff = direction.child(tag("staff"));
+    for (const xml::Element kind : direction) {
+        if (kind.name() != tag("direction-type")) continue;
+        for (const xml::Element line : kind) {
+            const xml::Name name = line.name();
+            if (name != tag("wedge") && name != tag("bracket") && name != tag("dashes")) continue;
+            const std::string_view type = line.attribute("type");
             if (type == "continue") continue;
             End end;
             end.name = name;
-            end.number = line.attribute("number").value();
+            end.number = line.attribute("number");
             end.starts = type != "stop";
-            end.offset = placeOf(line);
+            end.element = line;
             end.shape.kind = type == "crescendo"    ? SHAPE_CRESCENDO
                              : type == "diminuendo" ? SHAPE_DIMINUENDO
                                                     : SHAPE_LINE;
-            end.shape.placement = placementOf(direction.attribute("placement").value());
-            end.shape.lineType = lineTypeOf(line.attribute("line-type").value());
-            const int staff = parseInteger(direction.child_value("staff")).value_or(1);
-            end.shape.firstStaff = static_cast<short>(std::clamp(staff, 1, 0x7FFF) - 1);
+            end.shape.placement = placementOf(direction.attribute("placement"));
+            end.shape.lineType = lineTypeOf(line.attribute("line-type"));
+            const int number = parseInteger(staff.exists() ? staff.text() : "").value_or(1);
+            end.shape.firstStaff = static_cast<short>(std::clamp(number, 1, 0x7FFF) - 1);
             end.shape.firstMeasure = measure;
             end.shape.firstPosition = time;
             if (end.starts) {
@@ -109,7 +109,7 @@ bool ShapeReader::close(const End& end, bool sameVoice) {
 }
 
 void ShapeReader::join(const End& start, const End& end) {
-    Line line{start.shape, {start.offset, end.offset}};
+    Line line{start.shape, {start.element.node(), end.element.node()}, start.element.offset()};
     line.shape.lastStaff = end.shape.firstStaff;
     line.shape.lastMeasure = end.shape.firstMeasure;
     line.shape.lastPosition = end.shape.firstPosition;
@@ -149,8 +149,9 @@ const engine::StoredEntry* ShapeReader::nearest(const std::vector<GatheredFrame>
                                                 short until, bool forward) {
     const auto isBefore = [](const GatheredFrame& frame, short measure) { return frame.measure < measure; };
     const engine::StoredEntry* best = nullptr;
-    for (short measure = place.measure; best == nullptr && (forward ? measure <= until : measure >= until);
-         measure = static_cast<short>(measure + (forward ? 1 : -1))) {
+    for (int number = place.measure; best == nullptr && (forward ? number <= until : number >= until);
+         number += forward ? 1 : -1) {
+        const auto measure = static_cast<short>(number);
         auto frame = std::lower_bound(frames.begin(), frames.end(), measure, isBefore);
         for (; frame != frames.end() && frame->measure == measure; ++frame) {
             if (frame->staff != place.staff) continue;
@@ -202,7 +203,7 @@ void ShapeReader::finish(short firstStaff, const std::vector<GatheredFrame>& fra
         if (!document.addShape(line.shape)) {
             journal.notice("shapes",
                            "the score has too many slurs and other lines to number; these stay as they are",
-                           line.source.first);
+                           line.offset);
             return;
         }
         sources.shapes.push_back(line.source);

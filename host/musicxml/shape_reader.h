@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <pugixml.hpp>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -20,9 +19,9 @@ namespace rovescio::musicxml {
 class ShapeReader {
   public:
     // The lines of a <note>, which became a part of a gathered entry.
-    void addNote(const pugi::xml_node& note, std::size_t entry, std::string_view voice);
+    void addNote(const xml::Element& note, std::size_t entry, std::string_view voice);
     // The lines of a <direction> at a time of the measure, duration units.
-    void addDirection(const pugi::xml_node& direction, short measure, std::int32_t time);
+    void addDirection(const xml::Element& direction, short measure, std::int32_t time);
     // Pairs what the measure has, once its entries have their numbers.
     void endMeasure(const std::vector<GatheredEntry>& entries, short measure);
 
@@ -33,17 +32,18 @@ class ShapeReader {
 
   private:
     struct End {
-        std::string_view name;    // of the element
+        xml::Name name = 0;       // of the element
         std::string_view number;  // empty for 1
         std::string_view voice;   // of a note's
         bool starts = false;
         engine::Shape shape;  // its own end of it, and its look
         std::size_t entry = 0;
-        std::uint32_t offset = 0;
+        xml::Element element;
     };
     struct Line {
         engine::Shape shape;
         ShapeSource source;
+        std::size_t offset = 0;  // of its start, in the text
     };
     static bool isSameLine(const End& left, const End& right);
     void open(const End& end);

@@ -20,11 +20,6 @@ std::string_view usualDirection(int low, int high) {
 
 }  // namespace
 
-void dropStemEnd(const Element& stem, TextEdits& edits) {
-    const Attribute end = findAttribute(edits.text(), stem.begin, "default-y");
-    if (end.exists()) edits.replace(end.begin, end.end, {});
-}
-
 void StemEdits::clear() {
     chords_.clear();
     stems_.clear();
@@ -37,7 +32,7 @@ void StemEdits::beginChord(const Clef& clef, bool movable) {
     chord.firstStem = chord.stemEnd = stems_.size();
 }
 
-void StemEdits::addNote(const NoteText& note, int oldStep, int newStep, bool moved) {
+void StemEdits::addNote(const NoteParts& note, int oldStep, int newStep, bool moved) {
     Chord& chord = chords_.back();
     oldStep -= chord.middle;
     newStep -= chord.middle;
@@ -51,11 +46,11 @@ void StemEdits::addNote(const NoteText& note, int oldStep, int newStep, bool mov
     chord.newHigh = std::max(chord.newHigh, newStep);
     chord.moved |= moved;
     if (note.beam != Beam::none) chord.beam = note.beam;
-    if (note.stem.exists()) stems_.push_back(note.stem);
+    if (note.stem != 0) stems_.push_back(note.stem);
     chord.stemEnd = stems_.size();
     // Where the stem of a note that moved ends is wrong, whichever way the stem
     // goes.
-    if (moved && note.stem.exists()) dropStemEnd(note.stem, edits_);
+    if (moved && note.stem != 0) edits_.removeAttribute(note.stem, "default-y");
 }
 
 // One chord, or the chords under one beam, share a direction.
@@ -81,18 +76,19 @@ void StemEdits::settle(std::size_t first, std::size_t end) {
     const std::string_view now = usualDirection(lowest(&Chord::newLow), highest(&Chord::newHigh));
     const std::size_t firstStem = chords_[first].firstStem;
     const std::size_t stemEnd = chords_[end - 1].stemEnd;
-    const std::string written = valueOf(edits_.text(), stems_[firstStem]);
+    const std::string written = edits_.text(stems_[firstStem]);
     if (written != kUp && written != kDown) return;
     for (std::size_t i = firstStem; i < stemEnd; ++i) {
-        if (valueOf(edits_.text(), stems_[i]) != written) return;
+        if (!edits_.says(stems_[i], written)) return;
     }
     if (now.empty() || now == written || (!before.empty() && before != written)) return;
-    for (std::size_t i = firstStem; i < stemEnd; ++i) edits_.replaceContent(stems_[i], now);
+    for (std::size_t i = firstStem; i < stemEnd; ++i) edits_.setText(stems_[i], now);
     // Where a turned stem ends is wrong too; those of moved notes lost it
     // already.
     for (auto chord = begin; chord != last; ++chord) {
         if (chord->moved) continue;
-        for (std::size_t i = chord->firstStem; i < chord->stemEnd; ++i) dropStemEnd(stems_[i], edits_);
+        for (std::size_t i = chord->firstStem; i < chord->stemEnd; ++i)
+            edits_.removeAttribute(stems_[i], "default-y");
     }
 }
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "musicxml/clef.h"
-#include "musicxml/note_text.h"
-#include "musicxml/text_edits.h"
+#include "musicxml/note_parts.h"
+#include "xml/edits.h"
 
 namespace rovescio::musicxml {
 
@@ -16,13 +16,13 @@ namespace rovescio::musicxml {
 // lies farthest from it stands.
 class StemEdits {
   public:
-    explicit StemEdits(TextEdits& edits) : edits_(edits) {}
+    explicit StemEdits(xml::Edits& edits) : edits_(edits) {}
 
     void clear();
     // Begins the next chord; false for fixed when its stem must stay as it is.
     void beginChord(const Clef& clef, bool movable);
     // Adds a note of the chord, with its steps from middle C before and now.
-    void addNote(const NoteText& note, int oldStep, int newStep, bool moved);
+    void addNote(const NoteParts& note, int oldStep, int newStep, bool moved);
     // Turns the stems of all chords added since clear().
     void apply();
 
@@ -40,12 +40,9 @@ class StemEdits {
     };
     void settle(std::size_t first, std::size_t end);
 
-    TextEdits& edits_;
+    xml::Edits& edits_;
     std::vector<Chord> chords_;
-    std::vector<Element> stems_;
+    std::vector<xml::Node> stems_;
 };
-
-// Removes where the stem of a moved note was told to end.
-void dropStemEnd(const Element& stem, TextEdits& edits);
 
 }  // namespace rovescio::musicxml

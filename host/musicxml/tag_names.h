@@ -1,24 +1,132 @@
-// Element names as numbers, so that a reader can switch on them.
+// The element names that readers and writers of scores speak of, as numbers to switch on.
 #pragma once
 
-#include <cstdint>
+#include <algorithm>
+#include <array>
 #include <string_view>
+
+#include "xml/names.h"
 
 namespace rovescio::musicxml {
 
-// FNV-1a hash of an element name; the cases of one switch are checked for
-// clashes by the compiler.
-constexpr std::uint64_t tag(std::string_view name) {
-    std::uint64_t hash = 0xcbf29ce484222325U;
-    for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3U;
-    return hash;
-}
+inline constexpr auto kVocabulary = std::to_array<std::string_view>({"accidental",
+                                                                     "actual-notes",
+                                                                     "alter",
+                                                                     "attributes",
+                                                                     "backup",
+                                                                     "barline",
+                                                                     "beam",
+                                                                     "beat-type",
+                                                                     "beat-unit",
+                                                                     "beat-unit-dot",
+                                                                     "beats",
+                                                                     "bookmark",
+                                                                     "bracket",
+                                                                     "cancel",
+                                                                     "chord",
+                                                                     "chromatic",
+                                                                     "clef",
+                                                                     "clef-octave-change",
+                                                                     "creator",
+                                                                     "cue",
+                                                                     "dashes",
+                                                                     "direction",
+                                                                     "direction-type",
+                                                                     "display-octave",
+                                                                     "display-step",
+                                                                     "divisions",
+                                                                     "dot",
+                                                                     "duration",
+                                                                     "dynamics",
+                                                                     "elision",
+                                                                     "extend",
+                                                                     "fifths",
+                                                                     "figured-bass",
+                                                                     "footnote",
+                                                                     "forward",
+                                                                     "fret",
+                                                                     "glissando",
+                                                                     "grace",
+                                                                     "grouping",
+                                                                     "harmony",
+                                                                     "identification",
+                                                                     "instrument",
+                                                                     "key",
+                                                                     "key-alter",
+                                                                     "key-step",
+                                                                     "level",
+                                                                     "line",
+                                                                     "link",
+                                                                     "listen",
+                                                                     "listening",
+                                                                     "lyric",
+                                                                     "measure",
+                                                                     "measure-distance",
+                                                                     "measure-layout",
+                                                                     "metronome",
+                                                                     "midi-channel",
+                                                                     "midi-instrument",
+                                                                     "midi-program",
+                                                                     "midi-unpitched",
+                                                                     "mode",
+                                                                     "movement-title",
+                                                                     "normal-notes",
+                                                                     "notations",
+                                                                     "note",
+                                                                     "notehead",
+                                                                     "notehead-text",
+                                                                     "octave",
+                                                                     "octave-change",
+                                                                     "offset",
+                                                                     "ornaments",
+                                                                     "page-layout",
+                                                                     "part",
+                                                                     "part-list",
+                                                                     "part-name",
+                                                                     "per-minute",
+                                                                     "pitch",
+                                                                     "play",
+                                                                     "print",
+                                                                     "rest",
+                                                                     "score-instrument",
+                                                                     "score-part",
+                                                                     "score-partwise",
+                                                                     "score-timewise",
+                                                                     "sign",
+                                                                     "slide",
+                                                                     "slur",
+                                                                     "sound",
+                                                                     "staff",
+                                                                     "staff-layout",
+                                                                     "staves",
+                                                                     "stem",
+                                                                     "step",
+                                                                     "string",
+                                                                     "syllabic",
+                                                                     "system-layout",
+                                                                     "technical",
+                                                                     "text",
+                                                                     "tie",
+                                                                     "tied",
+                                                                     "time",
+                                                                     "time-modification",
+                                                                     "transpose",
+                                                                     "tremolo",
+                                                                     "tuplet",
+                                                                     "type",
+                                                                     "unpitched",
+                                                                     "voice",
+                                                                     "wavy-line",
+                                                                     "wedge",
+                                                                     "work",
+                                                                     "work-title"});
+static_assert(std::ranges::is_sorted(kVocabulary));
 
-// The same of a terminated name, in one pass.
-inline std::uint64_t tagOfTerminated(const char* name) {
-    std::uint64_t hash = tag({});
-    for (; *name != '\0'; ++name) hash = (hash ^ static_cast<unsigned char>(*name)) * 0x100000001b3U;
-    return hash;
+// The number of a name of the vocabulary; any other one does not compile.
+consteval xml::Name tag(std::string_view name) {
+    const auto* const found = std::ranges::lower_bound(kVocabulary, name);
+    if (found == kVocabulary.end() || *found != name) throw "not in the vocabulary";
+    return static_cast<xml::Name>(found - kVocabulary.begin());
 }
 
 }  // namespace rovescio::musicxml

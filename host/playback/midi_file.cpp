@@ -6,13 +6,13 @@
 #include <cmath>
 #include <cstdlib>
 #include <map>
-#include <set>
 #include <tuple>
 #include <utility>
 
 #include "playback/smf_writer.h"
 #include "playback/sounding_notes.h"
 #include "playback/time_line.h"
+#include "playback/transpositions.h"
 
 namespace rovescio::playback {
 
@@ -76,7 +76,7 @@ class MidiFileMaker {
           request_(request),
           timeLine_(document),
           begin_(timeLine_.startOf(request.startMeasure)),
-          end_(timeLine_.startOf(static_cast<short>(request.endMeasure + 1))) {}
+          end_(timeLine_.endOf(request.endMeasure)) {}
 
     engine::Result<MidiFile> make(const std::array<bool, engine::kMaxLayers>& layerShown);
 
@@ -132,8 +132,7 @@ int MidiFileMaker::tickOf(const Fraction& time) const {
 }
 
 std::size_t MidiFileMaker::partOf(short staff) const {
-    const auto after = std::find_if(performance_.parts.begin(), performance_.parts.end(),
-                                    [&](const PartPerformance& part) { return part.firstStaff > staff; });
+    const auto after = std::ranges::upper_bound(performance_.parts, staff, {}, &PartPerformance::firstStaff);
     return static_cast<std::size_t>(after - performance_.parts.begin()) - 1;
 }
 
@@ -185,11 +184,12 @@ void MidiFileMaker::addKeys(std::multimap<int, std::pair<Meta, std::string>>& ev
                                       [&](short staff) { return !document_.staff(staff).unpitched; });
     if (pitched == request_.staves.end()) return;
     const PartPerformance& part = performance_.parts[partOf(*pitched)];
+    const Transpositions transpositions(part);
     std::string before;
-    for (short measure = request_.startMeasure; measure <= request_.endMeasure; ++measure) {
+    for (const short measure : engine::numbers(request_.startMeasure, request_.endMeasure)) {
         const engine::KeySignature& key = document_.staffMeasure(*pitched, measure).key;
         if (!key.isStandard()) continue;
-        const int semitones = transpositionAt(part, *pitched, {measure, Fraction(0)});
+        const int semitones = transpositions.at(*pitched, {measure, Fraction(0)});
         const int written = engine::floorMod((key.word() & 0xFF) + 128, 256) - 128;
         // A semitone is seven fifths. Keys beyond seven signs have a name with fewer, twelve fifths away.
         constexpr int kMostSigns = 7;
@@ -219,8 +219,9 @@ void MidiFileMaker::writeStaff(SmfWriter& writer, short staff, const PartNotes& 
     std::vector<Event> events;
     writer.beginTrack();
     writer.meta(0, Meta::trackName, document_.staff(staff).name);
-    for (const SoundingNote& note : part.notes) {
-        if (note.staff != staff) continue;
+    auto next = std::ranges::lower_bound(part.notes, staff, {}, &SoundingNote::staff);
+    for (; next != part.notes.end() && next->staff == staff; ++next) {
+        const SoundingNote& note = *next;
         const auto [channel, isNew] = channels_.of(part.part, note, performance);
         if (isNew) writer.program(0, channel, performance.instruments[note.instrument].program);
         const int start = tickOf(note.start);
@@ -238,18 +239,16 @@ void MidiFileMaker::writeStaff(SmfWriter& writer, short staff, const PartNotes& 
 }
 
 engine::Result<MidiFile> MidiFileMaker::make(const std::array<bool, engine::kMaxLayers>& layerShown) {
-    std::set<std::size_t> partNumbers;
-    for (const short staff : request_.staves) partNumbers.insert(partOf(staff));
+    std::map<std::size_t, std::vector<short>> stavesOf;  // by part
+    for (const short staff : request_.staves) stavesOf[partOf(staff)].push_back(staff);
     TimeGrid grid;
-    std::vector<PartNotes> parts;
+    std::map<std::size_t, PartNotes> parts;
     MidiFile file;
-    for (const std::size_t number : partNumbers) {
-        std::vector<short> staves;
-        std::copy_if(request_.staves.begin(), request_.staves.end(), std::back_inserter(staves),
-                     [&](short staff) { return partOf(staff) == number; });
-        parts.push_back({number, soundingNotes(document_, performance_, performance_.parts[number], staves,
-                                               request_, layerShown, timeLine_, grid)});
-        file.notes += parts.back().notes.size();
+    for (const auto& [number, staves] : stavesOf) {
+        const PartNotes& part =
+            parts[number] = {number, soundingNotes(document_, performance_, performance_.parts[number],
+                                                   staves, request_, layerShown, timeLine_, grid)};
+        file.notes += part.notes.size();
     }
     // All starts are counted from the selection's.
     grid.add(begin_);
@@ -262,17 +261,12 @@ engine::Result<MidiFile> MidiFileMaker::make(const std::array<bool, engine::kMax
     SmfWriter writer(ticksPerQuarter_);
     writeSignatures(writer);
     for (const short staff : request_.staves) {
-        const std::size_t number = partOf(staff);
-        const auto part = std::find_if(parts.begin(), parts.end(),
-                                       [&](const PartNotes& candidate) { return candidate.part == number; });
-        writeStaff(writer, staff, *part);
+        writeStaff(writer, staff, parts.at(partOf(staff)));
     }
     if (channels_.crowded()) {
         file.notices.emplace_back("more than 15 different instruments: the last ones sound alike in MIDI");
     }
-    engine::Result<std::string> bytes = writer.bytes();
-    if (!bytes) return bytes.problem();
-    file.bytes = std::move(*bytes);
+    file.bytes = writer.take();
     return file;
 }
 

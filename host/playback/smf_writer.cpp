@@ -1,90 +1,85 @@
-// The library that writes MIDI files, behind a small interface.
+// The bytes of MIDI files: chunks with their sizes, and events with the time since the one before.
 #include "playback/smf_writer.h"
-
-#include <smf.h>
-
-#include <array>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 
 namespace rovescio::playback {
 
 namespace {
 
-// A file without a name that goes away by itself.
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-engine::Problem noRoom(int error) {
-    return {.message = std::string("there is no room for a temporary MIDI file: ") + std::strerror(error),
-            .file = {},
-            .measure = {},
-            .remedy = "Make room in the folder for temporary files, or set TMPDIR"};
-}
+constexpr std::size_t kTrackCountPlace = 10;
+constexpr int kSizeOfSize = 4;
 
 }  // namespace
 
-void SmfWriter::Deleter::operator()(smf_struct* smf) const {
-    smf_delete(smf);
+SmfWriter::SmfWriter(int ticksPerQuarter) {
+    constexpr std::uint32_t kHeadSize = 6;
+    constexpr std::uint32_t kFormat = 1;
+    bytes_ = "MThd";
+    number(kHeadSize, kSizeOfSize);
+    number(kFormat, 2);
+    number(0, 2);
+    number(static_cast<std::uint32_t>(ticksPerQuarter), 2);
 }
 
-SmfWriter::SmfWriter(int ticksPerQuarter) : smf_(smf_new()) {
-    // Both fail for numbers that cannot be in a file alone.
-    [[maybe_unused]] const int failed =
-        smf_set_format(smf_.get(), 1) + smf_set_ppqn(smf_.get(), ticksPerQuarter);
+// Big-endian, as all numbers of the format.
+void SmfWriter::number(std::uint32_t value, int size) {
+    for (int shift = 8 * (size - 1); shift >= 0; shift -= 8) byte(static_cast<int>(value >> shift & 0xFF));
 }
 
-SmfWriter::~SmfWriter() = default;
+void SmfWriter::replace(std::size_t place, std::uint32_t value, int size) {
+    for (int i = 0; i < size; ++i) {
+        bytes_[place + static_cast<std::size_t>(i)] = static_cast<char>(value >> 8 * (size - 1 - i) & 0xFF);
+    }
+}
+
+// Seven bits a byte; all but the last have the eighth set.
+void SmfWriter::variable(std::uint32_t value) {
+    for (int shift = 21; shift > 0; shift -= 7) {
+        if (value >> shift != 0) byte(static_cast<int>((value >> shift & 0x7F) | 0x80));
+    }
+    byte(static_cast<int>(value & 0x7F));
+}
+
+void SmfWriter::advance(int tick) {
+    variable(static_cast<std::uint32_t>(tick - tick_));
+    tick_ = tick;
+}
 
 void SmfWriter::beginTrack() {
-    smf_add_track(smf_.get(), smf_track_new());
-    ++track_;
-}
-
-void SmfWriter::add(int tick, const std::string& message) {
-    smf_event_t* event =
-        smf_event_new_from_pointer(const_cast<char*>(message.data()), static_cast<int>(message.size()));
-    if (event) smf_track_add_event_pulses(smf_get_track_by_number(smf_.get(), track_), event, tick);
+    bytes_ += "MTrk";
+    number(0, kSizeOfSize);
+    trackBegin_ = bytes_.size();
+    tick_ = 0;
+    replace(kTrackCountPlace, ++tracks_, 2);
 }
 
 void SmfWriter::meta(int tick, Meta kind, std::string_view data) {
-    // Texts come from scores; what is longer than the length's one byte tells is cut at a whole character.
-    constexpr std::size_t kMost = 127;
-    std::size_t size = std::min(data.size(), kMost);
-    while (size < data.size() && size > 0 && (static_cast<unsigned char>(data[size]) & 0xC0) == 0x80) --size;
-    std::string message{static_cast<char>(0xFF), static_cast<char>(kind), static_cast<char>(size)};
-    add(tick, message.append(data.substr(0, size)));
+    advance(tick);
+    byte(0xFF);
+    byte(static_cast<int>(kind));
+    // Texts come from scores; what is longer than any name is cut.
+    constexpr std::size_t kMost = 0xFFFF;
+    data = data.substr(0, kMost);
+    variable(static_cast<std::uint32_t>(data.size()));
+    bytes_ += data;
 }
 
 void SmfWriter::channel(int tick, int status, int channel, int first, int second) {
-    add(tick, {static_cast<char>(status | channel), static_cast<char>(first), static_cast<char>(second)});
+    advance(tick);
+    byte(status | channel);
+    byte(first);
+    byte(second);
 }
 
 void SmfWriter::program(int tick, int channel, int program) {
     constexpr int kProgramChange = 0xC0;
-    add(tick, {static_cast<char>(kProgramChange | channel), static_cast<char>(program)});
+    advance(tick);
+    byte(kProgramChange | channel);
+    byte(program);
 }
 
 void SmfWriter::endTrack(int tick) {
-    [[maybe_unused]] const int failed =
-        smf_track_add_eot_pulses(smf_get_track_by_number(smf_.get(), track_), tick);
-}
-
-engine::Result<std::string> SmfWriter::bytes() {
-    // The library writes to names alone.
-    const std::unique_ptr<std::FILE, FileCloser> file(std::tmpfile());
-    if (!file) return noRoom(errno);
-    const std::string name = "/dev/fd/" + std::to_string(fileno(file.get()));
-    if (smf_save(smf_.get(), name.c_str()) != 0) return noRoom(errno);
-    std::string bytes;
-    std::array<char, 1 << 16> piece{};
-    std::rewind(file.get());
-    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), file.get())) {
-        bytes.append(piece.data(), count);
-    }
-    return bytes;
+    meta(tick, Meta::endOfTrack, {});
+    replace(trackBegin_ - kSizeOfSize, static_cast<std::uint32_t>(bytes_.size() - trackBegin_), kSizeOfSize);
 }
 
 }  // namespace rovescio::playback

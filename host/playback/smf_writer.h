@@ -2,19 +2,22 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
-
-#include "engine/problem.h"
-
-struct smf_struct;
+#include <utility>
 
 namespace rovescio::playback {
 
 // Meta events, by their numbers in the file.
-enum class Meta : std::uint8_t { trackName = 0x03, tempo = 0x51, timeSignature = 0x58, keySignature = 0x59 };
+enum class Meta : std::uint8_t {
+    trackName = 0x03,
+    endOfTrack = 0x2F,
+    tempo = 0x51,
+    timeSignature = 0x58,
+    keySignature = 0x59
+};
 
+// Writes straight into the bytes of the file, so that its cost is that of the events.
 class SmfWriter {
   public:
     // Ticks from one event to the next, which have 28 bits.
@@ -22,9 +25,6 @@ class SmfWriter {
     static constexpr int kMaxTicksPerQuarter = 0x7FFF;
 
     explicit SmfWriter(int ticksPerQuarter);
-    ~SmfWriter();
-    SmfWriter(const SmfWriter&) = delete;
-    SmfWriter& operator=(const SmfWriter&) = delete;
 
     // The events that follow go into a new track; each at or after the one before it.
     void beginTrack();
@@ -34,17 +34,20 @@ class SmfWriter {
     void program(int tick, int channel, int program);
     void endTrack(int tick);
 
-    // The file so far.
-    [[nodiscard]] engine::Result<std::string> bytes();
+    // The file of the tracks that have ended.
+    [[nodiscard]] std::string take() { return std::move(bytes_); }
 
   private:
-    void add(int tick, const std::string& message);
+    void advance(int tick);
+    void byte(int value) { bytes_ += static_cast<char>(value); }
+    void number(std::uint32_t value, int size);
+    void variable(std::uint32_t value);
+    void replace(std::size_t place, std::uint32_t value, int size);
 
-    struct Deleter {
-        void operator()(smf_struct* smf) const;
-    };
-    std::unique_ptr<smf_struct, Deleter> smf_;
-    int track_ = 0;  // number of the one being written, from 1
+    std::string bytes_;
+    std::size_t trackBegin_ = 0;  // behind the head of the track
+    int tick_ = 0;                // of the last event in the track
+    std::uint32_t tracks_ = 0;
 };
 
 }  // namespace rovescio::playback

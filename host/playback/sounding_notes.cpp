@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "playback/loudness.h"
+#include "playback/transpositions.h"
 
 namespace rovescio::playback {
 
@@ -48,11 +49,12 @@ class Gathering {
           part_(part),
           timeLine_(timeLine),
           grid_(grid),
-          loudness_(part, timeLine) {}
+          loudness_(part, timeLine),
+          transpositions_(part) {}
 
     void addLayer(short staff, short layer, const engine::PlaybackRequest& request) {
         std::array<std::vector<Placed>, 2> voices;
-        for (short measure = request.startMeasure; measure <= request.endMeasure; ++measure) {
+        for (const short measure : engine::numbers(request.startMeasure, request.endMeasure)) {
             const FrameAddress address{staff, measure, layer};
             forEachPlaced(document_.entries(address), [&](const StoredEntry& entry,
                                                           const Fraction& position) {
@@ -78,6 +80,7 @@ class Gathering {
     const TimeLine& timeLine_;
     TimeGrid& grid_;
     Loudness loudness_;
+    Transpositions transpositions_;
     std::vector<TiedNote> notes_;
 };
 
@@ -96,7 +99,7 @@ SoundingNote Gathering::sounding(const Placed& placed, const ENOTE& note) const 
         const auto& measure = document_.staffMeasure(placed.address.staff, placed.address.measure);
         const int written = kMiddleC + engine::semitones(measure.key.spell(note));
         const int key =
-            written + transpositionAt(part_, placed.address.staff, {placed.address.measure, placed.position});
+            written + transpositions_.at(placed.address.staff, {placed.address.measure, placed.position});
         // What lies beyond the numbers of MIDI sounds in the nearest octave that has one.
         constexpr int kOctave = 12;
         constexpr int kTopOctave = kKeys - kOctave;
@@ -181,15 +184,13 @@ std::vector<SoundingNote> Gathering::joined() {
         return left.note.start < right.note.start;
     });
     std::vector<SoundingNote> result;
-    std::multimap<int, std::size_t> open;  // places in the result of notes that a tie leaves, by key
+    // Places in the result of notes that a tie leaves, by key and end.
+    std::multimap<std::pair<int, Fraction>, std::size_t> open;
     for (const TiedNote& tied : notes_) {
         std::size_t place = result.size();
         if ((tied.ties & NOTE_TIE_END) != 0) {
-            const auto [first, last] = open.equal_range(tied.note.key);
-            const auto partner = std::find_if(first, last, [&](const auto& candidate) {
-                return result[candidate.second].end == tied.note.start;
-            });
-            if (partner != last) {
+            const auto partner = open.lower_bound({tied.note.key, tied.note.start});
+            if (partner != open.end() && partner->first == std::pair(tied.note.key, tied.note.start)) {
                 place = partner->second;
                 open.erase(partner);
             }
@@ -199,8 +200,11 @@ std::vector<SoundingNote> Gathering::joined() {
         } else {
             result[place].end = tied.note.end;
         }
-        if ((tied.ties & NOTE_TIE_START) != 0) open.emplace(tied.note.key, place);
+        if ((tied.ties & NOTE_TIE_START) != 0) {
+            open.emplace(std::pair(tied.note.key, tied.note.end), place);
+        }
     }
+    std::ranges::stable_sort(result, {}, &SoundingNote::staff);
     return result;
 }
 
@@ -223,16 +227,6 @@ int TimeGrid::ticksPerQuarter(int most) const {
     const auto exact = static_cast<int>(denominator_);
     const int times = std::max(1, std::min(kUsual, most) / exact);
     return exact * times;
-}
-
-int transpositionAt(const engine::PartPerformance& part, short staff, const engine::ScorePlace& place) {
-    int semitones = 0;
-    for (const engine::TranspositionMark& mark : part.transpositions) {
-        const bool later = mark.place.measure > place.measure ||
-                           (mark.place.measure == place.measure && mark.place.position > place.position);
-        if (mark.staff == staff && !later) semitones = mark.semitones;
-    }
-    return semitones;
 }
 
 std::vector<SoundingNote> soundingNotes(const engine::Document& document,

@@ -34,16 +34,13 @@ class TimeGrid {
     std::int64_t denominator_ = 1;  // of a quarter
 };
 
-// The notes of some staves of a part, by their start. Layers that are not shown are silent. The grid is told
-// all times but those of grace notes, which are no exact part of anything.
+// The notes of some staves of a part, by staff and start. Layers that are not shown are silent. The grid is
+// told all times but those of grace notes, which are no exact part of anything.
 std::vector<SoundingNote> soundingNotes(const engine::Document& document,
                                         const engine::Performance& performance,
                                         const engine::PartPerformance& part, std::span<const short> staves,
                                         const engine::PlaybackRequest& request,
                                         const std::array<bool, engine::kMaxLayers>& layerShown,
                                         const TimeLine& timeLine, TimeGrid& grid);
-
-// By how much a staff sounds above what is written there.
-int transpositionAt(const engine::PartPerformance& part, short staff, const engine::ScorePlace& place);
 
 }  // namespace rovescio::playback

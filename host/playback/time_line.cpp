@@ -13,7 +13,7 @@ using engine::Fraction;
 Fraction lengthOfMeasure(const Document& document, short measure) {
     Fraction end;
     std::int32_t nominal = 0;
-    for (short staff = 1; staff <= document.staffCount(); ++staff) {
+    for (const short staff : document.staffNumbers()) {
         nominal = std::max(nominal, document.staffMeasure(staff, measure).duration);
         for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
             forEachPlaced(document.entries({staff, measure, layer}),
@@ -38,7 +38,7 @@ double quarters(const Fraction& time) {
 }
 
 TimeLine::TimeLine(const Document& document) : starts_(1) {
-    for (short measure = 1; measure <= document.measureCount(); ++measure) {
+    for (const short measure : document.measureNumbers()) {
         starts_.push_back(sum(starts_.back(), lengthOfMeasure(document, measure)));
     }
 }

@@ -30,14 +30,17 @@ class TimeLine {
   public:
     explicit TimeLine(const engine::Document& document);
 
-    // Duration units from the start of the score; of the measure after the last, the score's end.
+    // Duration units from the start of the score.
     [[nodiscard]] const engine::Fraction& startOf(short measure) const {
         return starts_[static_cast<std::size_t>(measure - 1)];
+    }
+    [[nodiscard]] const engine::Fraction& endOf(short measure) const {
+        return starts_[static_cast<std::size_t>(measure)];
     }
     [[nodiscard]] engine::Fraction at(const engine::ScorePlace& place) const;
 
   private:
-    std::vector<engine::Fraction> starts_;
+    std::vector<engine::Fraction> starts_;  // and where the last measure ends
 };
 
 // A sum that stays sound: where it would have too large a denominator, it is rounded down.

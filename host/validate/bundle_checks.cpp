@@ -3,6 +3,7 @@
 
 #include "validate/checks.h"
 #include "validate/plugin_image.h"
+#include "validate/separate_load.h"
 
 namespace rovescio::validate {
 
@@ -80,6 +81,7 @@ std::vector<Check> bundleChecks() {
     return {
         checkApart("information dictionary", hasInformation),
         checkApart("code loads", loads),
+        {"code of a copy loads alone", loadsInAnotherFolder},
         checkApart("entry points under both names", hasEntryPoints),
         checkApart("exported globals", hasGlobals),
         checkApart("no host function exported", exportsNoHostFunction),

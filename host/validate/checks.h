@@ -10,9 +10,10 @@
 
 namespace rovescio::validate {
 
-// What is checked, and how long one run of the plug-in may take.
+// What is checked, with what, and how long one run of the plug-in may take.
 struct Subject {
     std::string bundle;
+    std::string loader;  // the helper that loads code apart from the host
     std::chrono::milliseconds timeLimit{};
 };
 

@@ -59,8 +59,8 @@ bool isSelected(short measure, std::int32_t elapsed) {
 
 std::vector<FrameAddress> allFrames(const Document& document) {
     std::vector<FrameAddress> frames;
-    for (short staff = 1; staff <= document.staffCount(); ++staff) {
-        for (short measure = 1; measure <= document.measureCount(); ++measure) {
+    for (const short staff : document.staffNumbers()) {
+        for (const short measure : document.measureNumbers()) {
             for (short layer = 0; layer < engine::kMaxLayers; ++layer)
                 frames.push_back({staff, measure, layer});
         }

@@ -31,9 +31,7 @@ void Stage::runCommand() {
 engine::Result<dialogs::DialogResources> dialogsOf(const std::string& bundle) {
     const auto plugin = engine::PluginBundle::load(bundle);
     if (!plugin) return plugin.problem();
-    const auto descriptions = plugin.value().dialogDescriptions();
-    if (!descriptions) return descriptions.problem();
-    return dialogs::DialogResources::parse(descriptions.value(), bundle);
+    return dialogs::DialogResources::load(bundle);
 }
 
 Verdict onStage(const std::string& bundle, dialogs::Scripts scripts,

@@ -1,6 +1,8 @@
 // Running the levels in turn, and printing of the report.
 #include "validate/validate.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <iomanip>
@@ -70,7 +72,13 @@ engine::Result<Report> validateBundle(const std::string& bundle, const std::stri
     }
     const auto engineReady = engine::registerEngineBundle(engineBundle);
     if (!engineReady) return engineReady.problem();
-    const Subject subject{bundle, timeLimit};
+    const Subject subject{bundle, engineBundle + "/Contents/Helpers/load-code", timeLimit};
+    if (access(subject.loader.c_str(), X_OK) != 0) {
+        return engine::Problem{.message = "the helper program is missing",
+                               .file = subject.loader,
+                               .measure = {},
+                               .remedy = "Install Rovescio again"};
+    }
     const std::pair<const char*, std::vector<Check>> levels[] = {{"bundle", bundleChecks()},
                                                                  {"resources", resourceChecks()},
                                                                  {"start", startChecks()},

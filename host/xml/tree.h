@@ -1,8 +1,8 @@
 // A lossless tree of an XML text: its elements with their places. It knows nothing of what the text says.
 //
-// The text itself is the tree's storage. A node is six places in it and a name; character data and attributes are
-// looked up and decoded when someone asks. Nothing of the tree changes after parsing: edits are a layer of their own
-// (edits.h), so that one tree can be written in many ways.
+// The text itself is the tree's storage. A node is six places in it and a name; character data and attributes
+// are looked up and decoded when someone asks. Nothing of the tree changes after parsing: edits are a layer
+// of their own (edits.h), so that one tree can be written in many ways.
 #pragma once
 
 #include <cstdint>
@@ -39,7 +39,7 @@ struct NodeData {
     Node parent = 0;                 // 0 for the root
     Name name = 0;
     bool hasChildren = false;  // the first child is then the node with the next number
-    bool isPlain = true;       // its own character data holds neither reference nor section, comment or instruction
+    bool isPlain = true;       // its own character data has no reference, section, comment or instruction
 };
 
 // What keeps a text from being parsed.
@@ -68,9 +68,10 @@ class Element;
 
 class Tree {
   public:
-    // Parses UTF-8 text, which must outlive the tree and be shorter than 2 GiB; a byte order mark at its start is
-    // passed over. Well-formed is what the XML recommendation (1.0, fifth edition) calls so, but for documents that
-    // declare entities, which are refused. The names of the vocabulary have the numbers of their order.
+    // Parses UTF-8 text, which must outlive the tree and be shorter than 2 GiB; a byte order mark at its
+    // start is passed over. Well-formed is what the XML recommendation (1.0, fifth edition) calls so, but for
+    // documents that declare entities, which are refused. The names of the vocabulary have the numbers of
+    // their order.
     Tree(std::string_view text, std::span<const std::string_view> vocabulary, const Limits& limits = {});
     Tree(const Tree&) = delete;
     Tree& operator=(const Tree&) = delete;
@@ -87,20 +88,20 @@ class Tree {
     [[nodiscard]] const NodeData& data(Node node) const { return nodes_[node]; }
     [[nodiscard]] const Names& names() const { return names_; }
 
-    // Character data of an element without that of its children and without surrounding white space, references
-    // and sections resolved, line ends as they stand. The view lasts as long as the tree.
+    // Character data of an element without that of its children and without surrounding white space,
+    // references and sections resolved, line ends as they stand. The view lasts as long as the tree.
     [[nodiscard]] std::string_view text(Node node) const;
-    // The value of an attribute with references resolved; empty when there is none of that name. The view lasts as
-    // long as the tree.
+    // The value of an attribute with references resolved; empty when there is none of that name. The view
+    // lasts as long as the tree.
     [[nodiscard]] std::string_view attribute(Node node, std::string_view name) const;
 
-    // Parses one element that the program itself has made, such as "<step>C</step>", and appends its nodes; the
-    // numbers of these count from `first`, places from `base`. Names must be known to the tree or its vocabulary.
-    // False when it is not well-formed.
-    bool parseFragment(std::string_view text, std::uint32_t base, Node first, std::vector<NodeData>& nodes) const;
+    // Parses one element that the program itself has made, such as "<step>C</step>", and appends its nodes;
+    // the numbers of these count from `first`, places from `base`. Names must be known to the tree or its
+    // vocabulary. False when it is not well-formed.
+    bool parseFragment(std::string_view text, std::uint32_t base, Node first,
+                       std::vector<NodeData>& nodes) const;
 
   private:
-    friend class Parser;
     std::string_view keep(std::string decoded) const;
 
     std::string_view text_;

@@ -3,6 +3,7 @@
 #include <link.h>
 
 #include "bundle.h"
+#include "code_file.h"
 #include "encodings.h"
 
 using namespace rovescio::platform;
@@ -18,7 +19,7 @@ void* ensureLoaded(__CFBundle& bundle) {
     void* handle = nullptr;
     if (bundle.role == Role::kMain) {
         handle = dlopen(nullptr, RTLD_LAZY);
-    } else if (const auto path = bundle.executable()) {
+    } else if (const auto path = bundle.executable(); path && isWholeLibrary(*path)) {
         handle = dlopen(path->c_str(), RTLD_LAZY | RTLD_LOCAL);
     }
     if (handle == nullptr) {

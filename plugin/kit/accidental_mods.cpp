@@ -6,6 +6,12 @@ namespace {
 // A search ends here, so that a host which answers every load does not hold it forever.
 constexpr std::uint16_t kSearchLimit = 1000;
 
+// The record as it goes to the host: made out to the note, where there is one in particular.
+EDTAccidentalMods2012 madeOutTo(std::uint16_t noteId, EDTAccidentalMods2012 record) {
+    if (noteId != kAnyNote) record.noteId = noteId;
+    return record;
+}
+
 }  // namespace
 
 bool sx_loadaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId, EDTAccidentalMods2012* record,
@@ -19,11 +25,12 @@ bool sx_loadaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId, EDTAc
     return false;
 }
 
-bool sx_saveaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId, EDTAccidentalMods2012* record,
-                          std::uint16_t& incident) {
+bool sx_saveaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId,
+                          const EDTAccidentalMods2012* record, std::uint16_t& incident) {
     EDTAccidentalMods2012 old{};
+    EDTAccidentalMods2012 sent = madeOutTo(noteId, *record);
     return sx_loadaccidentalmod(entryNumber, noteId, &old, incident) &&
-           sx_saveentrydetail(kAccidentalModTag, entryNumber, incident, record, sizeof *record);
+           sx_saveentrydetail(kAccidentalModTag, entryNumber, incident, &sent, sizeof sent);
 }
 
 bool sx_deleteaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId) {
@@ -33,8 +40,8 @@ bool sx_deleteaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId) {
            sx_deleteentrydetail(kAccidentalModTag, entryNumber, incident);
 }
 
-bool sx_addaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId, EDTAccidentalMods2012* record,
+bool sx_addaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId, const EDTAccidentalMods2012* record,
                          std::uint16_t& incident) {
-    if (noteId != kAnyNote) record->noteId = noteId;
-    return sx_addentrydetail(kAccidentalModTag, entryNumber, incident, record, sizeof *record);
+    EDTAccidentalMods2012 sent = madeOutTo(noteId, *record);
+    return sx_addentrydetail(kAccidentalModTag, entryNumber, incident, &sent, sizeof sent);
 }

@@ -181,6 +181,25 @@ bool sx_nextentrydetail(std::uint32_t tag, std::uint32_t& entryNumber, std::uint
     bool sx_next##name(Number& number, std::uint16_t& inci, Record* record) {                         \
         return next(tag, EDATAKEY{word(number), inci}, record, sizeof *record, number, inci);         \
     }
+#define PAIR_FAMILY(name, Record, tag, First, Second)                                                     \
+    bool sx_load##name(First first, Second second, Record* record) {                                      \
+        return load(tag, EDETAILKEY{word(first), word(second), 0}, record, sizeof *record);               \
+    }                                                                                                     \
+    bool sx_save##name(First first, Second second, Record* record) {                                      \
+        return save(tag, EDETAILKEY{word(first), word(second), 0}, record, sizeof *record);               \
+    }                                                                                                     \
+    bool sx_add##name(First first, Second& second, Record* record) {                                      \
+        return create(tag, EDETAILKEY{word(first), 0, 0}, &EDETAILKEY::cmper2, second, record,            \
+                      sizeof *record);                                                                    \
+    }                                                                                                     \
+    bool sx_delete##name(First first, Second second) {                                                    \
+        return remove(tag, EDETAILKEY{word(first), word(second), 0});                                     \
+    }                                                                                                     \
+    bool sx_next##name(First& first, Second& second, Record* record) {                                    \
+        std::uint16_t inci = 0;                                                                           \
+        return next(tag, EDETAILKEY{word(first), word(second), 0}, record, sizeof *record, first, second, \
+                    inci);                                                                                \
+    }
 #define DETAIL_FAMILY(name, Record, tag, First, Second)                                                      \
     bool sx_load##name(First first, Second second, std::uint16_t inci, Record* record) {                     \
         return load(tag, EDETAILKEY{word(first), word(second), inci}, record, sizeof *record);               \

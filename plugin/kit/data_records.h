@@ -63,6 +63,12 @@ bool sx_nextentrydetail(std::uint32_t tag, std::uint32_t& entryNumber, std::uint
     bool sx_add##name(Number number, std::uint16_t& inci, Record* record); \
     bool sx_delete##name(Number number, std::uint16_t inci);               \
     bool sx_next##name(Number& number, std::uint16_t& inci, Record* record);
+#define PAIR_FAMILY(name, Record, tag, First, Second)               \
+    bool sx_load##name(First first, Second second, Record* record); \
+    bool sx_save##name(First first, Second second, Record* record); \
+    bool sx_add##name(First first, Second& second, Record* record); \
+    bool sx_delete##name(First first, Second second);               \
+    bool sx_next##name(First& first, Second& second, Record* record);
 #define DETAIL_FAMILY(name, Record, tag, First, Second)                                 \
     bool sx_load##name(First first, Second second, std::uint16_t inci, Record* record); \
     bool sx_save##name(First first, Second second, std::uint16_t inci, Record* record); \

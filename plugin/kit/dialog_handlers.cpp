@@ -21,3 +21,14 @@ SXDialogProc NewFF_DialogHandlerProc(SXDialogProc proc) {
 void DisposeFF_DialogHandlerProc(SXDialogProc /*proc*/) {
     checkExecutableFormat();
 }
+
+namespace kit {
+
+void runSubDialog(short resourceId, SXDialogProc proc, SXWindow parent, void* userData) {
+    constexpr short kSubDialogFlags = 0x3001;
+    const SXDialogProc handler = NewFF_DialogHandlerProc(proc);
+    SX_Dialog(resourceId, handler, parent, kSubDialogFlags, userData);
+    DisposeFF_DialogHandlerProc(handler);
+}
+
+}  // namespace kit

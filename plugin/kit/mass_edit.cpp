@@ -44,11 +44,14 @@ void SX_EndAllScorixEdit() {
 
 namespace kit {
 
-CProgress startMassEdit() {
-    return {0, SX_StartMassEdit(nullptr, 100)};
+MassEdit::MassEdit() : progress{0, SX_StartMassEdit(nullptr, 100)} {}
+
+MassEdit::~MassEdit() {
+    if (open_) SX_EndMassEdit(progress.massEdit, 1);
 }
 
-void endMassEdit(const CProgress& progress) {
+void MassEdit::end() {
+    open_ = false;
     SX_EndMassEdit(progress.massEdit, progress.cancelled);
 }
 

@@ -11,11 +11,23 @@ struct CProgress {
 
 namespace kit {
 
-// Opens a mass edit with a fresh progress record.
-CProgress startMassEdit();
+// A mass edit from its start to its end, with a progress record of its own. One that an exception leaves is
+// ended as cancelled.
+class MassEdit {
+  public:
+    MassEdit();
+    ~MassEdit();
+    MassEdit(const MassEdit&) = delete;
+    MassEdit& operator=(const MassEdit&) = delete;
 
-// Ends it, as cancelled when the user cancelled.
-void endMassEdit(const CProgress& progress);
+    // Ends it, as cancelled when the user cancelled.
+    void end();
+
+    CProgress progress;
+
+  private:
+    bool open_ = true;
+};
 
 // True when the user has cancelled, now or before. A record that is already cancelled is not polled again.
 bool isCancelled(CProgress& progress);

@@ -35,6 +35,14 @@ std::size_t textLength(std::uint32_t tag, EDATAKEY first) {
     return length;
 }
 
+// Gives a text with its terminator to a call of the host, which takes a buffer that it may change.
+template <class Call>
+short handText(Call call, std::uint32_t tag, EDATAKEY& key, const char16_t* text) {
+    std::u16string copy(text);
+    auto size = static_cast<std::uint32_t>(copy.size() * 2 + 2);
+    return call(tag, &key, copy.data(), &size);
+}
+
 }  // namespace
 
 short VeltraOtArray_Save(std::uint32_t tag, const EDATAKEY* key, std::uint32_t count,
@@ -97,8 +105,33 @@ bool sx_loadotherstring_UTF16(std::uint32_t tag, std::uint16_t number, std::uint
 bool sx_saveotherstring_UTF16(std::uint32_t tag, std::uint16_t number, std::uint16_t incident,
                               const char16_t* text) {
     EDATAKEY key{number, incident};
-    // The host takes a buffer that it may change.
-    std::u16string copy(text);
-    auto size = static_cast<std::uint32_t>(copy.size() * 2 + 2);
-    return SX_SaveEData(tag, &key, copy.data(), &size) == 1;
+    return handText(SX_SaveEData, tag, key, text) == 1;
+}
+
+bool sx_loadrawtext(std::uint16_t number, std::unique_ptr<char16_t[]>& text) {
+    return sx_loadotherstring_UTF16(kRawTextTag, number, 0, text);
+}
+
+bool sx_saverawtext(std::uint16_t number, const char16_t* text) {
+    return sx_saveotherstring_UTF16(kRawTextTag, number, 0, text);
+}
+
+bool sx_addrawtext(std::uint16_t& number, const char16_t* text) {
+    EDATAKEY key{kAppendNumber, 0};
+    const bool created = handText(SX_CreateEData, kRawTextTag, key, text) != 0;
+    number = key.cmper;
+    return created;
+}
+
+bool sx_deleterawtext(std::uint16_t number) {
+    return sx_deleteother(kRawTextTag, number, 0);
+}
+
+bool sx_nextrawtext(std::uint16_t& number, std::unique_ptr<char16_t[]>& text) {
+    text.reset();
+    EDATAKEY key{number, 0};
+    std::uint32_t size = 0;
+    if (!SX_NextEData(kRawTextTag, &key, nullptr, &size)) return false;
+    number = key.cmper;
+    return sx_loadrawtext(number, text);
 }

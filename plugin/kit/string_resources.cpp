@@ -4,12 +4,11 @@
 
 #include <Carbon/Carbon.h>
 #include <dlfcn.h>
-#include <libgen.h>
 
 #include <algorithm>
 #include <cassert>
 #include <cstring>
-#include <string>
+#include <filesystem>
 
 #include "kit/host_api.h"
 #include "util/platform_string.h"
@@ -33,20 +32,10 @@ const char kAnchor[] = "dlbundle";
 #endif
 }
 
-std::string parentDirectory(std::string path) {
-    return dirname(path.data());
-}
-
-// A bundle keeps its information dictionary in the folder Contents; read on its own, that folder would look
-// like an old flat bundle, with neither the resources nor the code where that has them.
-bool isInnerFolder(std::string directory) {
-    return std::strcmp(basename(directory.data()), "Contents") == 0;
-}
-
-PlatformOwned<CFBundleRef> openBundle(const std::string& directory) {
+PlatformOwned<CFBundleRef> openBundle(const std::filesystem::path& directory) {
     const PlatformOwned<CFURLRef> url(CFURLCreateFromFileSystemRepresentation(
-        kCFAllocatorDefault, reinterpret_cast<const UInt8*>(directory.data()),
-        static_cast<CFIndex>(directory.size()), true));
+        kCFAllocatorDefault, reinterpret_cast<const UInt8*>(directory.c_str()),
+        static_cast<CFIndex>(directory.native().size()), true));
     if (!url) return nullptr;
     PlatformOwned<CFBundleRef> bundle(CFBundleCreate(kCFAllocatorDefault, url.get()));
     const bool hasExecutable =
@@ -54,19 +43,28 @@ PlatformOwned<CFBundleRef> openBundle(const std::string& directory) {
     return hasExecutable ? std::move(bundle) : nullptr;
 }
 
-// The nearest bundle around the plug-in's image; null when there is none up to the root.
+// The nearest bundle around a file; null when there is none up to the root.
+//
+// A bundle keeps its information dictionary in the folder Contents; read on its own, that folder would look
+// like an old flat bundle, with neither the resources nor the code where that has them.
+CFBundleRef bundleAround(const std::filesystem::path& file) {
+    std::filesystem::path directory = file;
+    while (directory.has_relative_path()) {
+        directory = directory.parent_path();
+        if (directory.filename() == "Contents") continue;
+        if (auto bundle = openBundle(directory)) return bundle.release();
+    }
+    return nullptr;
+}
+
+// The loader knows the image by the path that it was loaded with, however that was spelled. Where the code
+// lies tells the bundle; code that is a link out of its bundle leaves the spelled path to tell it.
 CFBundleRef findPluginBundle() {
     Dl_info image;
     if (dladdr(kAnchor, &image) == 0) return nullptr;
-    std::string directory = parentDirectory(image.dli_fname);
-    for (;;) {
-        if (!isInnerFolder(directory)) {
-            if (auto bundle = openBundle(directory)) return bundle.release();
-        }
-        std::string parent = parentDirectory(directory);
-        if (parent == "." || parent == directory) return nullptr;
-        directory = std::move(parent);
-    }
+    std::error_code error;
+    if (CFBundleRef bundle = bundleAround(std::filesystem::canonical(image.dli_fname, error))) return bundle;
+    return bundleAround(std::filesystem::absolute(image.dli_fname, error).lexically_normal());
 }
 
 // Found once and kept, never released.

@@ -15,7 +15,6 @@ namespace {
 
 constexpr short kOptionsDialog = 20190;
 constexpr short kReportDialog = 20230;
-constexpr short kSubDialogFlags = 0x3001;
 
 // Items of both dialogs; both buttons of the report only close it.
 constexpr short kOk = 1;
@@ -37,7 +36,8 @@ struct OptionChecks {
     std::int16_t measureSpacing;
 };
 
-int optionsProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t /*parameter*/, void* data) {
+int optionsProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t /*parameter*/,
+                void* data) noexcept try {
     auto& checks = *static_cast<OptionChecks*>(data);
     if (message == kDialogInit) {
         SX_SetDlgItemVal(dialog, kKeySignaturesCheck, kCheckValue, checks.keySignatures);
@@ -54,6 +54,8 @@ int optionsProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_
     }
     SX_EndDialog(dialog);
     return 1;
+} catch (...) {
+    return 0;
 }
 
 void showMeasures(SXWindow dialog) {
@@ -90,15 +92,16 @@ void showReport(SXWindow dialog, unsigned int problems) {
 
 void repair(SXWindow dialog) {
     if (SX_AlertMessage_UTF16(dialog, kAlertYesNo, kRepairQuestionText, nullptr) != kAnswerYes) return;
-    CProgress progress = kit::startMassEdit();
-    VerifyRetrogradeSelection(&progress, 1);
+    kit::MassEdit massEdit;
+    VerifyRetrogradeSelection(&massEdit.progress, 1);
     SX_RedrawMusic(nullptr);
     SX_EndDialog(dialog);
-    kit::endMassEdit(progress);
+    massEdit.end();
 }
 
 // The user data is the problem code itself.
-int reportProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t /*parameter*/, void* data) {
+int reportProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t /*parameter*/,
+               void* data) noexcept try {
     if (message == kDialogInit) {
         showReport(dialog, static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(data)));
         return 1;
@@ -115,12 +118,8 @@ int reportProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t
         default:
             return 0;
     }
-}
-
-void runDialog(short number, SXDialogProc procedure, SXWindow parent, void* data) {
-    const SXDialogProc handler = NewFF_DialogHandlerProc(procedure);
-    SX_Dialog(number, handler, parent, kSubDialogFlags, data);
-    DisposeFF_DialogHandlerProc(handler);
+} catch (...) {
+    return 0;
 }
 
 // Appends what fits into the report.
@@ -134,13 +133,13 @@ void append(char16_t* buffer, const char16_t* text) {
 
 unsigned int RetrogradeOptionsDialog(SXWindow window, unsigned int options) {
     OptionChecks checks{(options & kMirrorKeySignatures) != 0, (options & kMirrorMeasureSpacing) != 0};
-    runDialog(kOptionsDialog, optionsProc, window, &checks);
+    kit::runSubDialog(kOptionsDialog, optionsProc, window, &checks);
     return (checks.keySignatures ? kMirrorKeySignatures : 0) |
            (checks.measureSpacing ? kMirrorMeasureSpacing : 0);
 }
 
 short RetrogradePreScanDialog(SXWindow window, unsigned int problems) {
-    runDialog(kReportDialog, reportProc, window, reinterpret_cast<void*>(std::uintptr_t{problems}));
+    kit::runSubDialog(kReportDialog, reportProc, window, reinterpret_cast<void*>(std::uintptr_t{problems}));
     return 0;
 }
 

@@ -120,23 +120,19 @@ void EDTSmartShape::EraseCenterShapesAndMarkers(std::uint16_t shapeNumber) const
 }
 
 bool EDTCenterShape::Load(std::uint16_t shapeNumber, std::uint16_t centerNumber) {
-    return sx_loadcentershape(shapeNumber, centerNumber, 0, this);
+    return sx_loadcentershape(shapeNumber, centerNumber, this);
 }
 
 bool EDTCenterShape::Save(std::uint16_t shapeNumber, std::uint16_t centerNumber) {
-    return sx_savecentershape(shapeNumber, centerNumber, 0, this);
+    return sx_savecentershape(shapeNumber, centerNumber, this);
 }
 
 bool EDTCenterShape::CreateShapeOnly(std::uint16_t shapeNumber, std::uint16_t& centerNumber) {
-    EDETAILKEY key{shapeNumber, kAppendNumber, 0};
-    std::uint32_t size = sizeof(CenterShapeRecord);
-    const bool created = SX_CreateEData(kCenterShapeTag, &key, this, &size) != 0;
-    centerNumber = key.cmper2;
-    return created;
+    return sx_addcentershape(shapeNumber, centerNumber, this);
 }
 
 bool EDTCenterShape::EraseShapeOnly(std::uint16_t shapeNumber, std::uint16_t centerNumber) {
-    return sx_deletecentershape(shapeNumber, centerNumber, 0);
+    return sx_deletecentershape(shapeNumber, centerNumber);
 }
 
 bool EDTCenterShape::FullCreate(short measure, std::uint16_t shapeNumber, std::uint16_t& centerNumber) {
@@ -170,7 +166,7 @@ bool EDTSmartShapeMeasMark::FindAndEraseWithCenterShapes(short measure, std::uin
     findAndErase<EDTSmartShapeMeasMark>(measure, shapeNumber,
                                         [&](EDTSmartShapeMeasMark& mark, std::uint16_t inci) {
                                             if (mark.centerNumber != 0) {
-                                                sx_deletecentershape(shapeNumber, mark.centerNumber, 0);
+                                                sx_deletecentershape(shapeNumber, mark.centerNumber);
                                             }
                                             return mark.EraseMarkOnly(measure, inci);
                                         });

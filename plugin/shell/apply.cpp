@@ -29,8 +29,7 @@ bool isNothingChosen() {
 // One apply run: the transformations done so far and whether it goes on.
 class ApplyRun {
   public:
-    ApplyRun(SXWindow dialog, const EREGION& selection)
-        : dialog_(dialog), selection_(selection), progress_(kit::startMassEdit()) {}
+    ApplyRun(SXWindow dialog, const EREGION& selection) : dialog_(dialog), selection_(selection) {}
 
     // The order is the user's contract: later steps work on what the earlier ones made.
     void run() {
@@ -39,7 +38,7 @@ class ApplyRun {
 
     // Closes the mass edit; true when the music is to be redrawn.
     bool finish() {
-        kit::endMassEdit(progress_);
+        massEdit_.end();
         return done_ != 0;
     }
 
@@ -110,7 +109,8 @@ class ApplyRun {
 
     SXWindow dialog_;
     EREGION selection_;
-    CProgress progress_;
+    kit::MassEdit massEdit_;
+    CProgress& progress_ = massEdit_.progress;
     int done_ = 0;
 };
 
@@ -142,9 +142,9 @@ void applyTransformations(SXWindow dialog) {
 }
 
 void checkSelection(SXWindow dialog) {
-    CProgress progress = kit::startMassEdit();
-    const std::uint16_t problems = VerifyRetrogradeSelection(&progress, 0);
-    kit::endMassEdit(progress);
+    kit::MassEdit massEdit;
+    const std::uint16_t problems = VerifyRetrogradeSelection(&massEdit.progress, 0);
+    massEdit.end();
     RetrogradePreScanDialog(dialog, problems);
 }
 

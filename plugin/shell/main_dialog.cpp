@@ -95,12 +95,14 @@ void SUSetRecordValues(SXWindow dialog) {
 }
 
 int SUDialogProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t /*parameter*/,
-                 void* /*userData*/) {
+                 void* /*userData*/) noexcept try {
     if (message == kDialogInit) {
         showSettings(dialog);
         return 1;
     }
     return message == kDialogCommand ? useControl(dialog, item) : 0;
+} catch (...) {
+    return 0;
 }
 
 short SUDialog(SXWindow parent, EREGION* /*first*/, EREGION* /*second*/) {

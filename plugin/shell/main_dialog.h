@@ -7,7 +7,8 @@
 // host whenever it is needed.
 short SUDialog(SXWindow parent, EREGION* first, EREGION* second);
 
-int SUDialogProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t parameter, void* userData);
+int SUDialogProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t parameter,
+                 void* userData) noexcept;
 
 // Takes the controls into the settings.
 void SUSetRecordValues(SXWindow dialog);

@@ -10,7 +10,6 @@
 namespace {
 
 constexpr short kMirrorDialog = 20140;
-constexpr short kSubDialogFlags = 0x3001;
 
 constexpr short kOk = 1;
 constexpr short kCancel = 2;
@@ -55,7 +54,7 @@ void listen(SXWindow dialog, const MirrorAxis& axis) {
 }  // namespace
 
 int MirrorInversionDialogProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t /*parameter*/,
-                              void* data) {
+                              void* data) noexcept try {
     auto& axis = *static_cast<MirrorAxis*>(data);
     if (message == kDialogInit) {
         initialise(dialog, axis);
@@ -76,6 +75,8 @@ int MirrorInversionDialogProc(SXWindow dialog, std::uint16_t message, short item
         default:
             return 0;
     }
+} catch (...) {
+    return 0;
 }
 
 void editMirrorAxis(SXWindow parent, MirrorAxis& axis) {
@@ -83,7 +84,5 @@ void editMirrorAxis(SXWindow parent, MirrorAxis& axis) {
     axis.middleCOctave = 4;
     if (fourthC == 72) axis.middleCOctave = 3;
     if (fourthC == 48) axis.middleCOctave = 5;
-    const SXDialogProc handler = NewFF_DialogHandlerProc(MirrorInversionDialogProc);
-    SX_Dialog(kMirrorDialog, handler, parent, kSubDialogFlags, &axis);
-    DisposeFF_DialogHandlerProc(handler);
+    kit::runSubDialog(kMirrorDialog, MirrorInversionDialogProc, parent, &axis);
 }

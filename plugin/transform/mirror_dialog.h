@@ -19,4 +19,4 @@ static_assert(sizeof(MirrorAxis) == 8);
 void editMirrorAxis(SXWindow parent, MirrorAxis& axis);
 
 int MirrorInversionDialogProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t parameter,
-                              void* data);
+                              void* data) noexcept;

@@ -12,7 +12,6 @@ namespace {
 
 constexpr short kTransposeDialog = 20150;
 constexpr short kOtherDialog = 20180;
-constexpr short kSubDialogFlags = 0x3001;
 
 // Items of the transposition dialog.
 constexpr short kOk = 1;
@@ -78,11 +77,10 @@ std::int16_t negated(std::int16_t value) {
     return static_cast<std::int16_t>(-value);
 }
 
-// The octave count that the open dialog found; Cancel puts it back. The dialog is modal, so there is one.
-std::int16_t octavesOnOpening = 0;
+// The octave count with which the open dialog is to leave the settings. The dialog is modal, so there is one.
+std::int16_t octavesToKeep = 0;
 
 void initialise(SXWindow dialog, STStruct& settings) {
-    octavesOnOpening = settings.octaves;
     SX_SetDlgItemVal(dialog, kKindPopup, kPopupValue, settings.kind);
     SX_SetDlgItemVal(dialog, kDiatonicPopup, kPopupValue, settings.diatonicItem);
     SX_SetDlgItemVal(dialog, kChromaticPopup, kPopupValue, settings.chromaticItem);
@@ -124,6 +122,7 @@ void accept(SXWindow dialog, STStruct& settings) {
         takeResult(settings, {negated(settings.steps), negated(settings.alteration)},
                    negated(settings.octaves));
     }
+    octavesToKeep = settings.octaves;
     SX_EndDialog(dialog);
 }
 
@@ -187,7 +186,7 @@ struct OtherInterval {
 };
 
 int OtherTransposeDialogProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t /*parameter*/,
-                             void* data) {
+                             void* data) noexcept try {
     auto& interval = *static_cast<OtherInterval*>(data);
     if (message == kDialogInit) {
         SX_SetDlgItemVal(dialog, kStepsField, kNumberValue, interval.otherSteps);
@@ -207,6 +206,8 @@ int OtherTransposeDialogProc(SXWindow dialog, std::uint16_t message, short item,
     }
     SX_EndDialog(dialog);
     return 1;
+} catch (...) {
+    return 0;
 }
 
 }  // namespace
@@ -248,7 +249,7 @@ void STAdjustTransposePopups(SXWindow dialog, const STStruct* settings) {
 }
 
 int TransposeDialogProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t parameter,
-                        void* data) {
+                        void* data) noexcept try {
     auto& settings = *static_cast<STStruct*>(data);
     if (message == kDialogInit) {
         initialise(dialog, settings);
@@ -260,7 +261,6 @@ int TransposeDialogProc(SXWindow dialog, std::uint16_t message, short item, std:
             accept(dialog, settings);
             return 1;
         case kCancel:
-            settings.octaves = octavesOnOpening;
             SX_EndDialog(dialog);
             return 1;
         case kKindPopup:
@@ -274,21 +274,22 @@ int TransposeDialogProc(SXWindow dialog, std::uint16_t message, short item, std:
         default:
             return 0;
     }
+} catch (...) {
+    return 0;
 }
 
 short TransposeDialog(SXWindow parent, STStruct* settings) {
-    const SXDialogProc handler = NewFF_DialogHandlerProc(TransposeDialogProc);
-    SX_Dialog(kTransposeDialog, handler, parent, kSubDialogFlags, settings);
-    DisposeFF_DialogHandlerProc(handler);
+    octavesToKeep = settings->octaves;
+    kit::runSubDialog(kTransposeDialog, TransposeDialogProc, parent, settings);
+    // The open dialog has them without sign, and need not be closed by one of its buttons.
+    settings->octaves = octavesToKeep;
     return 0;
 }
 
 void OtherTransposeDialog(SXWindow parent, std::int16_t* steps, std::int16_t* alteration) {
     OtherInterval interval{*steps, static_cast<std::int16_t>(alteration ? 1 : 0),
                            static_cast<std::int16_t>(alteration ? *alteration : 0)};
-    const SXDialogProc handler = NewFF_DialogHandlerProc(OtherTransposeDialogProc);
-    SX_Dialog(kOtherDialog, handler, parent, kSubDialogFlags, &interval);
-    DisposeFF_DialogHandlerProc(handler);
+    kit::runSubDialog(kOtherDialog, OtherTransposeDialogProc, parent, &interval);
     *steps = interval.otherSteps;
     if (alteration) *alteration = interval.otherAlteration;
 }

@@ -35,7 +35,7 @@ static_assert(sizeof(STStruct) == 28);
 short TransposeDialog(SXWindow parent, STStruct* settings);
 
 int TransposeDialogProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t parameter,
-                        void* data);
+                        void* data) noexcept;
 
 // Takes the semitone and spelling pop-ups into the settings.
 void DoSTSemitonesPopup(SXWindow dialog, STStruct* settings);

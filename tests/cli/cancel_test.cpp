@@ -36,5 +36,15 @@ TEST_F(Cancelling, WhileThePlugInWorksRollsBack) {
     EXPECT_NE(said.find("SX_EndMassEdit"), std::string::npos) << "the edit must be ended in order";
 }
 
+TEST_F(Cancelling, WhileNobodyReadsWhatItSaysEndsAllTheSame) {
+    // The pipe is full, so that the first line of the trace holds the program up.
+    const ProgramRun stuck =
+        run("set -m; mkfifo trace; exec 3<> trace; head -c 65536 /dev/zero >&3\n"
+            "rovescio greensleeves.musicxml -t M2 -o new.xml --trace 2>&3 & program=$!\n"
+            "until [[ $(ps -o comm=,stat= $program) == rovescio*S* ]]; do sleep 0.01; done\n"
+            "kill -INT $program; wait $program");
+    EXPECT_EQ(stuck.code, 130);
+}
+
 }  // namespace
 }  // namespace rovescio::test

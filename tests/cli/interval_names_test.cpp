@@ -22,14 +22,18 @@ std::string shown(const Transposition& interval) {
 
 TEST(IntervalNames, AreUnderstoodInWordsAndLetters) {
     const std::pair<const char*, std::vector<const char*>> cases[] = {
-        {"up 2-1", {"up minor third", "min 3rd"}},
+        {"up 2-1", {"up minor third", "min 3rd", "min3", "Min. 3", "min.3"}},
         {"down 2-1", {"minor third down", "m-3", "-m3", "down m-3"}},
         {"down 4+0", {"Down a Perfect Fifth", "down P5"}},
-        {"up 1+0", {"+M2"}},
-        {"up 4+0", {"P5"}},
+        {"up 1+0", {"+M2", "whole tone", "a tone", "whole step", "whole-step", "maj2"}},
+        {"down 1-1", {"down a semitone", "half step down", "down half tone", "down min2"}},
+        {"up 1-1 8va1", {"octave and a semitone"}},
+        {"up 2+0", {"maj3", "major3"}},
+        {"up 4-1", {"dim5", "dim 5th"}},
+        {"up 4+0", {"P5", "per5", "perf5", "perfect5"}},
         {"up 3+2", {"AA4"}},
         {"up 2-3", {"dd3"}},
-        {"up 3+1", {"up augmented fourth", "tritone"}},
+        {"up 3+1", {"up augmented fourth", "tritone", "aug4", "a tritone"}},
         {"up 4-2", {"doubly diminished fifth"}},
         {"up 5+1", {"aug 6"}},
         {"up 6-2", {"diminished-seventh"}},
@@ -58,9 +62,10 @@ TEST(IntervalNames, AreUnderstoodInWordsAndLetters) {
 
 TEST(IntervalNames, UnknownOnesNameTheNearestAndWhatIsUnderstood) {
     const std::pair<const char*, std::vector<const char*>> cases[] = {
-        {"the nearest is \"up minor third\"", {"up minr third"}},
-        {"the nearest is \"perfect fifth\"", {"prefect fifth"}},
-        {"the nearest is \"minor s", {"minor fifth"}},
+        {"perhaps you mean \"up minor third\"", {"up minr third"}},
+        {"perhaps you mean \"perfect fifth\"", {"prefect fifth"}},
+        // More than one interval, or none, is near.
+        {"is no interval known here", {"minor fifth", "whole note", "majr", "quarter tone", "big third"}},
         {"is no interval", {"third", "up m-3", "M4", "p5", "P0", "P5x", "m99999999999", "up", ""}},
         {"cannot be diminished", {"diminished unison"}},
     };
@@ -70,6 +75,8 @@ TEST(IntervalNames, UnknownOnesNameTheNearestAndWhatIsUnderstood) {
             ASSERT_FALSE(interval) << name << " became " << shown(interval.value());
             EXPECT_NE(interval.problem().message.find(message), std::string::npos) << name;
             EXPECT_FALSE(interval.problem().remedy.empty());
+            const bool suggests = interval.problem().message.find("perhaps") != std::string::npos;
+            EXPECT_EQ(suggests, std::string(message).find("perhaps") == 0) << interval.problem().message;
         }
     }
 }

@@ -18,7 +18,7 @@ TEST_F(Refusals, OfCommandLinesThatAreWrong) {
         {"rovescio greensleeves.musicxml", 2, "nothing to do"},
         {"rovescio greensleeves.musicxml -t M2", 2, "Give it with -o"},
         {"rovescio greensleeves.musicxml -t 'up minr third' -o new.xml", 2,
-         "the nearest is \"up minor third\""},
+         "perhaps you mean \"up minor third\""},
         {"rovescio greensleeves.musicxml -t M2 --steps 1 -o new.xml", 2, "excludes"},
         {"rovescio greensleeves.musicxml --semitones 3000 -o new.xml", 2, "--semitones"},
         {"rovescio greensleeves.musicxml --invert sideways --axis E4 -o new.xml", 2, "sideways"},
@@ -43,6 +43,9 @@ TEST_F(Refusals, OfCommandLinesThatAreWrong) {
         {"rovescio greensleeves.musicxml --info -o new.xml", 2, "--info"},
         {"rovescio greensleeves.musicxml --unknown", 2, "--unknown"},
         {"rovescio - -t M2 --out-dir .", 2, "standard input"},
+        {"rovescio greensleeves.musicxml -t M2 -o new.MID", 2, "Use --midi new.MID"},
+        {"rovescio greensleeves.musicxml -t M2 -o new.pdf", 2, "open it in a notation program"},
+        {"rovescio greensleeves.musicxml -t M2 -o new.mscz", 2, "ends in .musicxml, .xml or .mxl"},
     };
     for (const auto& [line, code, message] : cases) expectRefused(line, code, message);
 }
@@ -76,6 +79,25 @@ TEST_F(Refusals, OfFilesThatAreNoScores) {
     for (const auto& [line, code, message] : cases) expectRefused(line, code, message);
 }
 
+TEST_F(Refusals, OfFilesOfOtherKindsNamesTheKindAndTheWay) {
+    const std::tuple<const char*, std::string, const char*> cases[] = {
+        {"a.pdf", "%PDF-1.4\n", "this is a PDF file, not MusicXML"},
+        {"mis.musicxml", std::string("MThd\0\0\0\6", 8), "this is a MIDI file, not MusicXML"},
+        {"a.txt", "\nX: 1\nT: Tune\nK: C\nCDEF|\n", "this is an ABC tune"},
+        {"a.abc", "% comes first\nX:1\n", "this is an ABC tune, not MusicXML. Convert it with abc2xml"},
+        {"a.LY", "% Bach\n\\version \"2.24\"\n{ c }\n", "this is a LilyPond source"},
+        {"a.mscx", "<?xml version=\"1.0\"?><museScore/>", "Open it in MuseScore and choose File > Export"},
+        {"b.mxl", "PK\x03\x04..........................score.mscx", "this is a MuseScore file"},
+        {"a.sib", "junk", "Open it in the program that wrote it"},
+        {"a.musx", "PK\x03\x04", "Open it in the program that wrote it"},
+        {"a.musicxml", "junk", "this is not an XML file"},
+    };
+    for (const auto& [name, content, message] : cases) {
+        write(name, content);
+        expectRefused("rovescio " + std::string(name) + " -t M2 -o new.musicxml", 3, message);
+    }
+}
+
 TEST_F(Refusals, OfPlacesThatCannotBeWritten) {
     fs::create_directory(path("folder"));
     write("long.musicxml", longScore(500));
@@ -100,8 +122,7 @@ TEST_F(Refusals, OfPlacesThatCannotBeWritten) {
 
 TEST_F(Refusals, OfDamagedInstallations) {
     fs::create_directory(path("home"));
-    for (const char* part :
-         {"rovescio", "libRovescioPlatform.so", "NotationEngine.bundle", "Rovescio.bundle"}) {
+    for (const char* part : {"rovescio", "NotationEngine.bundle", "Rovescio.bundle"}) {
         fs::copy(fs::path(PROGRAM_FOLDER) / part, path("home") / part, fs::copy_options::recursive);
     }
     const std::string plugin = "home/Rovescio.bundle/Contents/MacOS/Rovescio";
@@ -121,14 +142,28 @@ TEST_F(Refusals, OfDamagedInstallations) {
     expectRefused(line, 5, "lacks the entry point ScorixExtensionInvoke");
     write(plugin, "no program");
     expectRefused(line, 5, "Rovescio.bundle");
+    // However little of it is there, a cut file is refused and does not end the program.
+    for (const std::size_t part : {8, 4, 2}) {
+        write(plugin, pluginBytes.substr(0, pluginBytes.size() / part));
+        expectRefused(line, 5, "the plug-in's executable is missing, incomplete");
+        EXPECT_NE(run("home/rovescio validate home/Rovescio.bundle").out.find("failed  code loads"),
+                  std::string::npos);
+    }
     write(plugin, pluginBytes);
     write(engine, without(engineBytes, "SX_LoadTGF"));
     expectRefused(line, 5, "lacks the host function SX_LoadTGF");
     write(engine, engineBytes);
-    write("home/Rovescio.bundle/Contents/Resources/Dialogs.json", "{}");
+    const std::string descriptions = "home/Rovescio.bundle/Contents/Resources/Dialogs.json";
+    write(descriptions, "{}");
     expectRefused(line, 5, "dialog descriptions");
-    fs::remove_all(path("home/Rovescio.bundle"));
-    expectRefused(line, 5, "there is no plug-in bundle here");
+    for (const char* make : {"mkfifo", "ln -s /dev/zero", "mkdir"}) {
+        ASSERT_EQ(run(std::string("d=") + descriptions + "; rm $d; " + make + " $d").code, 0);
+        expectRefused(line, 5, descriptions + ": dialog descriptions: not an ordinary file");
+    }
+    fs::remove_all(path("home/Rovescio.bundle/Contents/MacOS"));
+    expectRefused(line, 5, "the plug-in's executable is missing");
+    expectRefused("rovescio greensleeves.musicxml -t M2 -o new.xml --plugin none", 5,
+                  "none: there is no plug-in bundle here");
     expectRefused("rovescio greensleeves.musicxml -t M2 -o new.xml --plugin home", 5, "home");
 }
 
@@ -143,6 +178,30 @@ TEST_F(Refusals, OfRunsInWhichHostFunctionsFail) {
     };
     for (const auto& [line, code, message] : cases) expectRefused(line, code, message);
 }
+
+#ifndef __SANITIZE_ADDRESS__  // which takes more address space than any limit leaves
+TEST_F(Refusals, OfScoresForWhichMemoryLacks) {
+    write("long.musicxml", longScore(8000));
+    ASSERT_EQ(run("rovescio long.musicxml -t M2 -q -o long.mxl").code, 0);
+    write("old.musicxml", "old");
+    int refused = 0;
+    for (const char* score : {"long.musicxml", "long.mxl"}) {
+        write("old.musicxml", "old");
+        // From where the program itself can be loaded to where the score fits.
+        for (int kibibytes = 70000; kibibytes < 140000; kibibytes += 7000) {
+            const ProgramRun run = this->run("ulimit -v " + std::to_string(kibibytes) + "; rovescio " +
+                                             score + " -t M2 -q -o old.musicxml");
+            if (run.code == 0) break;
+            ++refused;
+            EXPECT_EQ(run.code, 1) << kibibytes << run.err;
+            EXPECT_EQ(run.err.find("rovescio: not enough memory for this score."), 0U) << run.err;
+            EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+            EXPECT_EQ(read("old.musicxml"), "old");
+        }
+    }
+    EXPECT_GT(refused, 2);
+}
+#endif
 
 }  // namespace
 }  // namespace rovescio::test

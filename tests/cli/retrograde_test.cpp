@@ -28,6 +28,15 @@ TEST_F(RetrogradeRun, OneVoiceOfTheCrabCanonIsTheOtherBackwards) {
     EXPECT_EQ(part(read("out.musicxml"), "P1"), part(read("crab-canon.musicxml"), "P2"));
 }
 
+TEST_F(RetrogradeRun, ReversesEachOfSeveralRangesByItself) {
+    write("score.musicxml", scoreOf({note("c4:w"), note("d4:w"), note("e4:w"), note("f4:w"), note("g4:w")}));
+    const ProgramRun run_ = run("rovescio score.musicxml -r -m 4-5,1-2 -o out.musicxml");
+    EXPECT_EQ(run_.code, 0);
+    EXPECT_EQ(run_.err, "rovescio: changed 4 notes in measures 1-2,4-5 -> out.musicxml\n");
+    EXPECT_EQ(pitches(read("out.musicxml")), "| D4 | C4 | E4 | G4 | F4");
+    expectRefused("rovescio score.musicxml -r -m 1-2,4-5 --midi out.mid", 2, "one range of measures");
+}
+
 TEST_F(RetrogradeRun, TwiceGivesTheFileBack) {
     for (const char* score : {"crab-canon", "frere-jacques"}) {
         const std::string name(score);

@@ -28,10 +28,9 @@ TEST(ScoreInfo, TellsNumbersNamesLayersAndKeyChanges) {
     document.staffMeasure(1, 3).key = KeySignature::standard(2, false);
     test::addLayer(document, 1, 2, "| c4:w |");
     EXPECT_EQ(scoreInfo("a.mxl", document),
-              "a.mxl\n"
-              "  3 measures, numbered 0 to 2\n"
-              "  staff 1  staff 1  layers 1,3  C major, D major from measure 2\n"
-              "  staff 2  staff 2  layers 1  C major\n");
+              (std::vector<std::string>{"a.mxl", "  3 measures, numbered 0 to 2",
+                                        "  staff 1  staff 1  layers 1,3  C major, D major from measure 2",
+                                        "  staff 2  staff 2  layers 1  C major"}));
 }
 
 }  // namespace

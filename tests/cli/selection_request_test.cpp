@@ -9,8 +9,8 @@ namespace rovescio::cli {
 namespace {
 
 TEST(MeasureRanges, ThatMakeNoSenseAreRefused) {
-    for (const char* text :
-         {"", "-", "3:", "3:2", "3:0-4", "3:x-4", "3:nan-4", "#-4", "#x", "3-4-5:y", ":2-3"}) {
+    for (const char* text : {"", "-", "3:", "3:2", "3:0-4", "3:x-4", "3:nan-4", "#-4", "#x", "3-4-5:y",
+                             ":2-3", "1-2,", ",", "1-2,x:"}) {
         EXPECT_FALSE(parseMeasures(text)) << text;
     }
 }
@@ -22,6 +22,7 @@ TEST(NumberLists, BecomeAscendingRuns) {
         {"1,3-4", {{1, 1}, {3, 4}}},
         {"4,1-2,3", {{1, 4}}},
         {"5,1-3,2", {{1, 3}, {5, 5}}},
+        {"1..2, 4\u20135", {{1, 2}, {4, 5}}},
     };
     for (const auto& [text, runs] : cases) {
         const auto parsed = parseNumberRuns(text, "staves");

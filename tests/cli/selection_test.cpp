@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "support/score_text.h"
@@ -26,7 +27,11 @@ std::string beatsIn(const Document& document, const Selection& selection) {
     const short staff = selection.regions.front().start.slot;
     for (short measure = 1; measure <= document.measureCount(); ++measure) {
         for (const engine::StoredEntry& entry : document.entries({staff, measure, 0})) {
-            if (!contains(selection.regions.front(), {staff, measure, 0}, entry.elapsed)) continue;
+            if (std::ranges::none_of(selection.regions, [&](const EREGION& region) {
+                    return contains(region, {staff, measure, 0}, entry.elapsed);
+                })) {
+                continue;
+            }
             text += (text.empty() ? "" : " ") + document.measure(measure).label + ":" +
                     std::to_string(entry.elapsed / engine::kQuarter + 1);
         }
@@ -47,6 +52,8 @@ TEST(Selections, TakeInTheBeatsMeant) {
         {"0:3-0:3", "0:3"},
         {"1:3-", "1:3 X2:1 X2:2 X2:3"},
         {"#1:3-#2:1.5", "0:3 1:1"},
+        {"X2:3-, 0..0:1", "0:1 X2:3"},
+        {"0:1\u20130:1,0:2-1:1", "0:1 0:2 0:3 1:1"},
     };
     for (const auto& [measures, beats] : cases) {
         const auto selection = selectIn(document, measures);
@@ -74,6 +81,7 @@ TEST(Selections, AreRefusedWithWhatExists) {
         {"#5", {}, {}, "there is no measure #5"},
         {"1-2", {}, {}, "several measures have the number 2, among them #2 and #3"},
         {"3-1", {}, {}, "runs backwards"},
+        {"3,1-#2,#2:3-#3", {}, {}, "two of the ranges of measures overlap"},
         {"3:3-3:1", {}, {}, "runs backwards"},
         {"3:4-", {}, {}, "measure 3 has only 3 beats"},
         {"", {{2, 3}}, {}, "there is no staff 3. The score has staves 1 to 2"},

@@ -47,10 +47,10 @@ class EngineFixture {
     // Runs one transformation inside a mass edit; the edit is ended as the transformation left it.
     template <class Transformation>
     short run(Transformation&& transformation) {
-        CProgress progress = kit::startMassEdit();
-        const short result = transformation(&progress);
-        cancelled = progress.cancelled != 0;
-        kit::endMassEdit(progress);
+        kit::MassEdit massEdit;
+        const short result = transformation(&massEdit.progress);
+        cancelled = massEdit.progress.cancelled != 0;
+        massEdit.end();
         return result;
     }
 

@@ -42,25 +42,51 @@ TEST(CleanTGF, MakesNoteIdsUnique) {
     }
 }
 
+TEST(CleanTGF, GivesARestANoteAndLeavesNothingBehindTheNotes) {
+    for (const bool allowed : {true, false}) {
+        for (const short count : {short{0}, short{1}, short{12}, short{-1}}) {
+            EXENTRY entry = entryWithIds(std::vector<int>(12, 0));
+            entry.entryFlags = ENTRY_VALID;
+            entry.noteCount = count;
+            CanAddNoteRecordToRests = allowed;
+            clean(entry);
+            CanAddNoteRecordToRests = true;
+            const bool added = allowed && count == 0;
+            EXPECT_EQ(+entry.noteCount, added ? 1 : count);
+            EXPECT_EQ(+entry.entryFlags, added ? ENTRY_VALID | ENTRY_RESTFLAG : ENTRY_VALID);
+            for (int i = 0; i < 12; ++i) {
+                const auto id = static_cast<std::uint16_t>(i < count ? i + 1 : 0);
+                EXPECT_EQ(+entry.notes[i].noteId, id) << i << " of " << count;
+                EXPECT_EQ(+entry.notes[i].noteFlags, i < count         ? 0x41E00003U | std::uint32_t{id} << 16
+                                                     : added && i == 0 ? NOTE_PLACEHOLDER
+                                                                       : 0U);
+            }
+        }
+    }
+    CleanTGF(nullptr);
+}
+
 TEST(Frames, AreCountedAndCleanedBeforeTheHostSeesThem) {
     EngineFixture engine({"C 4/4 c4:h r:h"});
     const std::int32_t before = LoadedTGFCounter;
     EXPECT_EQ(SX_LoadTGF(0, 9, 1, 0, 0), nullptr);
     EXPECT_EQ(LoadedTGFCounter, before + 1);
     LoadedTGFCounter = before;
-    const CProgress progress = kit::startMassEdit();
+    kit::MassEdit massEdit;
     EXPECT_EQ(MassEditDepth, 1);
     EXTGF2005a* frame = SX_LoadTGF(0, 1, 1, 0, 0);
     ASSERT_NE(frame, nullptr);
-    frame->entries[0].notes[5].displacement = 3;  // left over behind the notes in use
-    EXPECT_EQ(SX_InsertEXENTRY(frame, 1, 1), 1);
-    EXPECT_EQ(+frame->entries[0].notes[5].displacement, 0);
+    const auto cleanedBy = [&](auto call) {
+        frame->entries[0].notes[5].displacement = 3;  // left over behind the notes in use
+        return call() == 1 && frame->entries[0].notes[5].displacement == 0;
+    };
+    EXPECT_TRUE(cleanedBy([&] { return SX_InsertEXENTRY(frame, 1, 1); }));
     EXPECT_EQ(+frame->entries[2].noteCount, 1);
-    EXPECT_EQ(SX_DeleteEXENTRY(frame, 1, 1), 1);
-    EXPECT_EQ(SX_SaveTGF(frame), 1);
+    EXPECT_TRUE(cleanedBy([&] { return SX_DeleteEXENTRY(frame, 1, 1); }));
+    EXPECT_TRUE(cleanedBy([&] { return SX_SaveTGF(frame); }));
     SX_FreeTGF(frame);
     EXPECT_EQ(LoadedTGFCounter, before);
-    kit::endMassEdit(progress);
+    massEdit.end();
     EXPECT_EQ(MassEditDepth, 0);
     EXPECT_EQ(textOf(engine.document), "c4:h r:h");
 }

@@ -36,5 +36,15 @@ TEST(HostApi, HostEditsAreEndedAsOftenAsTheyWereStarted) {
     EXPECT_EQ(ends(), before + 2);
 }
 
+TEST(HostApi, NumbersArriveInTheirWidth) {
+    EngineFixture engine({"C 4/4 c4:w"});
+    engine::planFault(HostFunction::SX_RebarRegion, 1);
+    const CallTrace trace;
+    const auto wide = [](int number) { return static_cast<short>(number); };
+    EXPECT_EQ(SX_RebarRegion(nullptr, 0xFFFE, wide(0x12345), wide(0xFFFF), 0), 0);
+    EXPECT_NE(trace.text().find("mode=65534, regroup=9029, options=-1, redraw=0"), std::string::npos)
+        << trace.text();
+}
+
 }  // namespace
 }  // namespace rovescio::test

@@ -54,7 +54,7 @@ TEST_F(MainDialogTest, NothingChosenOrNothingSelectedIsToldAndStartsNoMassEdit) 
     EXPECT_EQ(engine.front.redraws, 0);
 }
 
-TEST_F(MainDialogTest, ApplyTransposesAsOneMassEditAndStaysOpen) {
+TEST_F(MainDialogTest, ApplyStaysOpenAndSettingsStayFromOneInvocationToTheNext) {
     selectAll();
     engine.workMainDialog([&](MemoryDialog& dialog) {
         chooseTransposition(dialog);
@@ -63,46 +63,35 @@ TEST_F(MainDialogTest, ApplyTransposesAsOneMassEditAndStaysOpen) {
         EXPECT_TRUE(dialog.open);
         EXPECT_EQ(textOf(engine.document, 1), "d4:w | e4:w");
         EXPECT_EQ(dialog.press(1), 1);
+        dialog.values[9] = 1;
+        dialog.values[4] = 5;
+        dialog.press(7);
     });
     EXPECT_EQ(textOf(engine.document, 2), "g#4!:w | a4:w");
     EXPECT_EQ(engine.front.redraws, 2);
     EXPECT_TRUE(engine.session.massEdits.undo());
     EXPECT_EQ(textOf(engine.document, 2), "f#4!:w | g4:w");
+    engine.workMainDialog([&](MemoryDialog& dialog) {
+        EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{{4, 5}, {6, 3}, {8, 1}, {9, 1}, {11, 0}}));
+    });
+    EXPECT_EQ(SUItems.retrogradeOptions, 3U);
 }
 
 TEST_F(MainDialogTest, EachKindRunsItsTransposition) {
-    const struct {
-        short kind;
-        const char* after;
-    } cases[] = {
+    const std::pair<short, const char*> cases[] = {
         {1, "c4:w | d4:w"}, {2, "g5:w | a5:w"}, {3, "g5:w | a5:w"}, {4, "g5:w | a5:w"}, {5, "c4:w | d4:w"}};
-    for (const auto& c : cases) {
-        engine.session.selection = EngineFixture::region(1, 1, 1, 2);
+    engine.session.selection = EngineFixture::region(1, 1, 1, 2);
+    for (const auto& [kind, after] : cases) {
         SUItems = {};
         SUItems.transpose.octaves = 1;
         SUItems.transpose.steps = 4;
         engine.workMainDialog([&](MemoryDialog& dialog) {
-            dialog.values[6] = c.kind;
+            dialog.values[6] = kind;
             EXPECT_EQ(dialog.press(1), 1);
         });
-        EXPECT_EQ(textOf(engine.document, 1), c.after) << "kind " << c.kind;
+        EXPECT_EQ(textOf(engine.document, 1), after) << "kind " << kind;
         engine.session.massEdits.undo();
     }
-}
-
-TEST_F(MainDialogTest, SettingsStayFromOneInvocationToTheNext) {
-    engine.workMainDialog([&](MemoryDialog& dialog) {
-        chooseTransposition(dialog);
-        dialog.values[9] = 1;
-        dialog.values[4] = 5;
-        dialog.press(7);
-    });
-    engine.workMainDialog([&](MemoryDialog& dialog) {
-        EXPECT_EQ(dialog.values[6], 3);
-        EXPECT_EQ(dialog.values[9], 1);
-        EXPECT_EQ(dialog.values[4], 5);
-    });
-    EXPECT_EQ(SUItems.retrogradeOptions, 3U);
 }
 
 TEST_F(MainDialogTest, PlayHandsTheStavesOverInATemporaryList) {

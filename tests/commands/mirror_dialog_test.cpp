@@ -19,47 +19,33 @@ TEST_F(MirrorDialogTest, ShowsAndTakesTheAxis) {
     const struct {
         MirrorAxis axis;
         int entry, octave;
-        int axisAfterOk;
+        short button;
+        std::map<short, std::intptr_t> chosen;
+        int axisAfter, alterationAfter, checkAfter;
     } cases[] = {
-        {{0, 0, 0, 4}, 2, 4, 0},
-        {{6, -1, 1, 3}, 19, 3, 6},
-        {{-1, 0, 0, 4}, 20, 3, -1},
+        {{0, 0, 0, 4}, 2, 4, 1, {}, 0, 0, 0},
+        {{0, 1, 0, 4}, 3, 4, 1, {}, 0, 1, 0},
+        {{6, -1, 1, 3}, 19, 3, 1, {}, 6, -1, 1},
+        {{-1, 0, 0, 4}, 20, 3, 1, {}, -1, 0, 0},
         // Exact octaves below middle C show one octave too low and come back so.
-        {{-7, 0, 0, 4}, 2, 2, -14},
+        {{-7, 0, 0, 4}, 2, 2, 1, {}, -14, 0, 0},
+        {{3, 1, 0, 4}, 12, 4, 2, {{3, 1}, {6, 1}}, 3, 1, 0},
+        // An entry that the menu has not leaves the note.
+        {{3, 1, 0, 4}, 12, 4, 1, {{3, 22}, {5, 5}, {6, 1}}, 10, 1, 1},
     };
     for (const auto& c : cases) {
         engine.front.hands[20140] = [&](MemoryDialog& dialog) {
             EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{
                                          {3, c.entry}, {5, c.octave}, {6, c.axis.simplifySpelling}}));
-            EXPECT_EQ(dialog.press(1), 1);
+            for (const auto& [item, value] : c.chosen) dialog.values[item] = value;
+            EXPECT_EQ(dialog.press(c.button), 1);
         };
         MirrorAxis axis = c.axis;
         // The octave number of middle C is the host's, so set it behind its back.
-        const SXDialogProc procedure = MirrorInversionDialogProc;
-        SX_Dialog(20140, procedure, nullptr, 0x3001, &axis);
-        EXPECT_EQ(axis.axis, c.axisAfterOk);
-        EXPECT_EQ(axis.axisAlteration, c.axis.axisAlteration);
+        SX_Dialog(20140, MirrorInversionDialogProc, nullptr, 0x3001, &axis);
+        EXPECT_EQ((std::vector<int>{axis.axis, axis.axisAlteration, axis.simplifySpelling}),
+                  (std::vector<int>{c.axisAfter, c.alterationAfter, c.checkAfter}));
     }
-}
-
-TEST_F(MirrorDialogTest, CancelLeavesTheAxisAndOddEntriesTheNote) {
-    MirrorAxis axis{3, 1, 0, 4};
-    engine.front.hands[20140] = [&](MemoryDialog& dialog) {
-        dialog.values[3] = 1;
-        dialog.values[6] = 1;
-        EXPECT_EQ(dialog.press(2), 1);
-    };
-    editMirrorAxis(nullptr, axis);
-    EXPECT_EQ(axis.axis, 3);
-    EXPECT_EQ(axis.simplifySpelling, 0);
-    engine.front.hands[20140] = [&](MemoryDialog& dialog) {
-        dialog.values[3] = 22;
-        dialog.values[5] = 5;
-        dialog.press(1);
-    };
-    editMirrorAxis(nullptr, axis);
-    EXPECT_EQ(axis.axis, 10);
-    EXPECT_EQ(axis.axisAlteration, 1);
 }
 
 TEST_F(MirrorDialogTest, ListeningTakesNoteOns) {
@@ -72,12 +58,12 @@ TEST_F(MirrorDialogTest, ListeningTakesNoteOns) {
             EXPECT_EQ(dialog.values[3], entries[note % 12]);
             EXPECT_EQ(dialog.values[5], note / 12 - 1);
         }
-        engine.front.midi = {0x83, 60, 64};
-        dialog.press(4);
-        EXPECT_EQ(dialog.values[5], 4 + 0);
-        EXPECT_EQ(dialog.values[3], entries[11]);
-        engine.front.midi = {};
-        EXPECT_EQ(dialog.press(4), 1);
+        for (const std::vector<std::uint8_t>& event : {std::vector<std::uint8_t>{0x83, 60, 64}, {}}) {
+            engine.front.midi = event;
+            EXPECT_EQ(dialog.press(4), 1);
+            EXPECT_EQ((std::vector{dialog.values[3], dialog.values[5]}),
+                      (std::vector<std::intptr_t>{entries[11], 4}));
+        }
         dialog.press(2);
     };
     editMirrorAxis(nullptr, axis);
@@ -90,27 +76,24 @@ TEST_F(MirrorDialogTest, ApplyRunsInTheFixedOrderWithinOneEdit) {
         dialog.values[6] = 1;
         dialog.press(1);
     };
-    const struct {
-        short inversion, option;
-        const char* after;
-    } cases[] = {{2, 1, "<b3 d4 f4>:w"},
-                 {3, 1, "<b3 d#4! f#4!>:w"},
-                 {4, 1, "<f4 a4 d5>:w"},
-                 {5, 3, "<a3!+ d4!+ f4!+>:w"},
-                 {1, 6, "<d4 f4 a4>:w"}};
-    for (const auto& c : cases) {
+    const std::tuple<short, short, const char*> cases[] = {{2, 1, "<b3 d4 f4>:w"},
+                                                           {3, 1, "<b3 d#4! f#4!>:w"},
+                                                           {4, 1, "<f4 a4 d5>:w"},
+                                                           {5, 3, "<a3!+ d4!+ f4!+>:w"},
+                                                           {1, 6, "<d4 f4 a4>:w"}};
+    for (const auto& [inversion, option, after] : cases) {
         SUItems = {};
         SUItems.transpose.kind = 2;
         SUItems.transpose.steps = 1;
-        engine.workMainDialog([&](MemoryDialog& dialog) {
+        engine.workMainDialog([&, inversion = inversion, option = option](MemoryDialog& dialog) {
             EXPECT_EQ(dialog.press(5), 1);
             EXPECT_EQ(SUItems.mirrorAxisStep, 2);
             EXPECT_EQ(SUItems.mirrorCheck, 1);
-            dialog.values[4] = c.inversion;
-            dialog.values[8] = c.option;
+            dialog.values[4] = inversion;
+            dialog.values[8] = option;
             EXPECT_EQ(dialog.press(1), 1);
         });
-        EXPECT_EQ(textOf(engine.document), c.after) << "inversion " << c.inversion;
+        EXPECT_EQ(textOf(engine.document), after) << "inversion " << inversion;
         EXPECT_TRUE(engine.session.massEdits.undo());
         EXPECT_EQ(textOf(engine.document), "<c4 e4 g4>:w");
     }

@@ -22,7 +22,7 @@ TEST(DoSUOptions, EachOptionShowsOrHidesAccidentals) {
 
 TEST(DoSUOptions, TiesAreRemovedWithAnyOption) {
     EXPECT_EQ(textAfter("C 4/4 f#4~!:h <f#4^~ a4>:h | f#4^:w", DoSUOptions, 1, 1),
-              "f#4!:h <f#4 a4>:h | f#4:w");
+              "f#4!:h <f#4 a4>:h | f#4!:w");
     EXPECT_EQ(textAfter("C 4/4 c4~:h c4^:h", DoSUOptions, 3, 1), "c4!+:h c4!+:h");
 }
 

@@ -58,18 +58,12 @@ TEST(ModeOfKey, ReadsTheKeySignatureWord) {
         EXPECT_EQ(pitch::modeOfKey(static_cast<short>(word)), mode) << word;
 }
 
+// A negative divisor is added all the same.
 TEST(UtilModDiv, FloorsForPositiveDivisors) {
     const struct {
         int value, divisor, quotient, remainder;
-    } cases[] = {{0, 7, 0, 0},
-                 {6, 7, 0, 6},
-                 {7, 7, 1, 0},
-                 {-1, 7, -1, 6},
-                 {-7, 7, -1, 0},
-                 {-8, 7, -2, 6},
-                 // A negative divisor is added all the same.
-                 {-8, -7, 0, -8},
-                 {8, -7, -1, 1}};
+    } cases[] = {{0, 7, 0, 0},   {6, 7, 0, 6},   {7, 7, 1, 0},    {-1, 7, -1, 6},
+                 {-7, 7, -1, 0}, {-8, 7, -2, 6}, {-8, -7, 0, -8}, {8, -7, -1, 1}};
     for (const auto& c : cases) {
         short remainder = 99;
         short quotient = 99;

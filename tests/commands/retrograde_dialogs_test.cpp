@@ -1,6 +1,9 @@
 // The dialogs around a retrograde, and its place in the main dialog's run.
 #include "retrograde/dialogs.h"
 
+#include <array>
+#include <tuple>
+
 #include "engine_fixture.h"
 #include "kit/string_resources.h"
 #include "shell/main_dialog.h"
@@ -33,29 +36,23 @@ class RetrogradeDialogsTest : public testing::Test {
 };
 
 TEST_F(RetrogradeDialogsTest, OptionsComeBackFromTheCheckBoxes) {
-    const struct {
-        unsigned int options;
-        std::intptr_t keysShown, spacingShown;
-        std::intptr_t keys, spacing;
-        short button;
-        unsigned int result;
-    } cases[] = {
-        {0, 0, 0, 1, 0, 1, 1}, {1, 1, 0, 0, 1, 1, 2}, {2, 0, 1, 1, 1, 1, 3},          {3, 1, 1, 0, 0, 1, 0},
-        {3, 1, 1, 0, 0, 2, 3}, {1, 1, 0, 0, 1, 2, 1}, {0xFFFFFFFE, 0, 1, 0, 0, 2, 2},
+    // Options, check boxes shown and set, button, options afterwards.
+    const std::tuple<unsigned int, std::array<std::intptr_t, 4>, short, unsigned int> cases[] = {
+        {0, {0, 0, 1, 0}, 1, 1},          {1, {1, 0, 0, 1}, 1, 2}, {2, {0, 1, 1, 1}, 1, 3},
+        {3, {1, 1, 0, 0}, 1, 0},          {3, {1, 1, 0, 0}, 2, 3}, {1, {1, 0, 0, 1}, 2, 1},
+        {0xFFFFFFFE, {0, 1, 0, 0}, 2, 2},
     };
     int parent = 0;
-    for (const auto& c : cases) {
-        engine.front.hands[20190] = [&](MemoryDialog& dialog) {
-            EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{{3, c.keysShown}, {4, c.spacingShown}}));
-            EXPECT_EQ(dialog.flags, 0x3001);
-            EXPECT_EQ(dialog.parent, &parent);
-            EXPECT_EQ(dialog.set(3, c.keys), 0);
-            EXPECT_EQ(dialog.set(4, c.spacing), 0);
+    for (const auto& [options, boxes, button, after] : cases) {
+        engine.front.hands[20190] = [&, boxes = boxes, button = button](MemoryDialog& dialog) {
+            EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{{3, boxes[0]}, {4, boxes[1]}}));
+            EXPECT_EQ(std::pair(dialog.flags, dialog.parent), std::pair(short{0x3001}, SXWindow{&parent}));
+            EXPECT_EQ(dialog.set(3, boxes[2]) + dialog.set(4, boxes[3]), 0);
             EXPECT_TRUE(dialog.open);
-            EXPECT_EQ(dialog.press(c.button), 1);
+            EXPECT_EQ(dialog.press(button), 1);
             EXPECT_FALSE(dialog.open);
         };
-        EXPECT_EQ(RetrogradeOptionsDialog(&parent, c.options), c.result) << c.options;
+        EXPECT_EQ(RetrogradeOptionsDialog(&parent, options), after) << options;
     }
     engine.front.hands[20190] = [](MemoryDialog& dialog) {
         dialog.values[3] = 0;
@@ -66,11 +63,7 @@ TEST_F(RetrogradeDialogsTest, OptionsComeBackFromTheCheckBoxes) {
 }
 
 TEST_F(RetrogradeDialogsTest, ReportNamesEveryProblemAndOffersRepairWhereItHelps) {
-    const struct {
-        unsigned int problems;
-        bool repairable;
-        const char* report;
-    } cases[] = {
+    const std::tuple<unsigned int, bool, const char*> cases[] = {
         {0, false, "20134,10"},
         {2, false, "20134,2"},
         {4, true, "20134,3"},
@@ -79,20 +72,17 @@ TEST_F(RetrogradeDialogsTest, ReportNamesEveryProblemAndOffersRepairWhereItHelps
         {0x200, false, ""},
     };
     engine.session.selection = EngineFixture::region(1, 1, 1, 2);
-    int parent = 0;
-    for (const auto& c : cases) {
-        for (const short button : {short{1}, short{2}}) {
-            engine.front.hands[20230] = [&](MemoryDialog& dialog) {
-                EXPECT_EQ(dialog.texts, (std::map<short, std::string>{{2, "1 to 2"}, {3, c.report}}));
-                EXPECT_EQ(dialog.enabled, (std::map<short, bool>{{7, c.repairable}}));
-                EXPECT_EQ(dialog.flags, 0x3001);
-                EXPECT_EQ(dialog.parent, &parent);
-                EXPECT_EQ(reinterpret_cast<std::uintptr_t>(dialog.userData), c.problems);
-                EXPECT_EQ(dialog.press(button), 1);
-                EXPECT_FALSE(dialog.open);
-            };
-            EXPECT_EQ(RetrogradePreScanDialog(&parent, c.problems), 0);
-        }
+    for (const auto& [problems, repairable, report] : cases) {
+        short button = 2;
+        engine.front.hands[20230] = [&, repairable = repairable, report = report](MemoryDialog& dialog) {
+            EXPECT_EQ(dialog.texts, (std::map<short, std::string>{{2, "1 to 2"}, {3, report}}));
+            EXPECT_EQ(dialog.enabled, (std::map<short, bool>{{7, repairable}}));
+            EXPECT_EQ(dialog.press(button), 1);
+            EXPECT_FALSE(dialog.open);
+        };
+        EXPECT_EQ(RetrogradePreScanDialog(nullptr, problems), 0);
+        button = 1;
+        EXPECT_EQ(RetrogradePreScanDialog(nullptr, problems), 0);
     }
 }
 
@@ -131,7 +121,7 @@ TEST_F(RetrogradeDialogsTest, ApplyReversesFirstAndStopsWhereItCannot) {
         engine.front.cancelAfter = c.cancelAfter;
         engine.front.alertAnswer = c.repair;
         engine.front.hands[20230] = [](MemoryDialog& dialog) {
-            dialog.press(7);
+            EXPECT_EQ(dialog.press(7), 1);
             if (dialog.open) dialog.press(1);
         };
         if (c.failLoad) planFault(HostFunction::SX_LoadTGF, c.failLoad);

@@ -1,6 +1,8 @@
 // The transposition dialog worked as by hand.
 #include "transform/transpose_dialog.h"
 
+#include <algorithm>
+
 #include "engine_fixture.h"
 
 namespace rovescio::test {
@@ -23,7 +25,8 @@ class TransposeDialogTest : public testing::Test {
             dialog.choose(popup, entry);
             dialog.choose(7, direction);
             dialog.set(9, octaves);
-            dialog.press(1);
+            EXPECT_EQ(dialog.press(1), 1);
+            EXPECT_FALSE(dialog.open);
         });
     }
     void otherInterval(short steps, short alteration, short button) {
@@ -39,36 +42,57 @@ class TransposeDialogTest : public testing::Test {
     int parent = 0;
 };
 
+// From the unison to the octave: first the diminished one, at last the augmented one.
 TEST_F(TransposeDialogTest, ChromaticPopupGivesTheNamedIntervals) {
-    // Unison, augmented unison, diminished second, ... octave.
-    const int sizes[26][2] = {{0, 0}, {0, 1},  {1, -2}, {1, -1}, {1, 0},  {1, 1}, {2, -2}, {2, -1}, {2, 0},
-                              {2, 1}, {3, -1}, {3, 0},  {3, 1},  {4, -1}, {4, 0}, {4, 1},  {5, -2}, {5, -1},
-                              {5, 0}, {5, 1},  {6, -2}, {6, -1}, {6, 0},  {6, 1}, {7, -1}, {7, 0}};
-    for (short entry = 1; entry <= 26; ++entry) {
-        const auto [steps, alteration] = sizes[entry - 1];
-        EXPECT_EQ(accept(3, 6, entry), (std::vector<int>{steps, alteration, 0})) << "entry " << entry;
-        EXPECT_EQ(accept(3, 6, entry, kDown, 2), (std::vector<int>{-steps, -alteration, -2}))
-            << "entry " << entry;
+    short entry = 0;
+    for (int steps = 0; steps <= 7; ++steps) {
+        const bool perfect = steps % 7 == 0 || steps == 3 || steps == 4;
+        const int diminished = steps == 0 ? 0 : perfect ? -1 : -2;
+        for (int alteration = diminished; alteration <= (steps == 7 ? 0 : 1); ++alteration) {
+            EXPECT_EQ(accept(3, 6, ++entry), (std::vector<int>{steps, alteration, 0})) << "entry " << entry;
+            EXPECT_EQ(accept(3, 6, entry, kDown, 2), (std::vector<int>{-steps, -alteration, -2}));
+        }
     }
+    EXPECT_EQ(entry, 26);
     EXPECT_EQ(accept(3, 6, 0), (std::vector<int>{0, 0, 0}));
+    EXPECT_EQ(accept(1, 7, kDown, kDown, 2), (std::vector<int>{0, 0, 0}));
+}
+
+TEST_F(TransposeDialogTest, DiatonicPopupGivesStepsAndHidesOtherMenus) {
+    for (short entry = 0; entry <= 10; ++entry) {
+        if (entry == 9) continue;
+        EXPECT_EQ(accept(2, 5, entry), (std::vector<int>{entry >= 1 && entry <= 8 ? entry - 1 : 0, 0, 0}))
+            << entry;
+    }
+    const std::map<short, std::set<short>> hidden = {
+        {1, {4, 5, 6, 7, 8}}, {2, {4, 6, 8}}, {3, {4, 5, 8}}, {4, {5, 6}}};
+    work([&](MemoryDialog& dialog) {
+        for (const auto& [kind, items] : hidden) {
+            dialog.choose(3, kind);
+            EXPECT_EQ(dialog.hidden, items) << kind;
+        }
+        settings.diatonicItem = 3;
+        dialog.values[5] = 4;
+        EXPECT_EQ(dialog.press(5), 1) << "without the notification of a change";
+        EXPECT_EQ(settings.diatonicItem, 3);
+    });
 }
 
 TEST_F(TransposeDialogTest, SemitonesAreSpelledWithSharpsOrFlats) {
-    const int sharps[12][2] = {{0, 0}, {0, 1}, {1, 0}, {1, 1}, {2, 0}, {3, 0},
-                               {3, 1}, {4, 0}, {4, 1}, {5, 0}, {5, 1}, {6, 0}};
-    const int flats[12][2] = {{0, 0},  {1, -1}, {1, 0},  {2, -1}, {2, 0},  {3, 0},
-                              {4, -1}, {4, 0},  {5, -1}, {5, 0},  {6, -1}, {6, 0}};
+    // Steps of the scale below or at each number of semitones; sharps raise it, flats lower the next.
+    const int scale[] = {0, 2, 4, 5, 7, 9, 11};
     for (short entry = 1; entry <= 12; ++entry) {
+        const auto* const above = std::upper_bound(std::begin(scale), std::end(scale), entry - 1);
+        const int below = static_cast<int>(above - scale) - 1;
+        const bool exact = scale[below] == entry - 1;
         settings = {};
-        EXPECT_EQ(accept(4, 4, entry), (std::vector<int>{sharps[entry - 1][0], sharps[entry - 1][1], 0}));
-        const auto result = work([](MemoryDialog& dialog) {
+        EXPECT_EQ(accept(4, 4, entry), (std::vector<int>{below, exact ? 0 : 1, 0}));
+        const auto flats = work([](MemoryDialog& dialog) {
             dialog.choose(8, 2);
             dialog.press(1);
         });
-        EXPECT_EQ(result, (std::vector<int>{flats[entry - 1][0], flats[entry - 1][1], 0}))
-            << entry - 1 << " semitones";
-        EXPECT_EQ(settings.semitoneItem, entry);
-        EXPECT_EQ(settings.spellingItem, 2);
+        EXPECT_EQ(flats, (std::vector<int>{exact ? below : below + 1, exact ? 0 : -1, 0})) << entry - 1;
+        EXPECT_EQ(std::pair(settings.semitoneItem, settings.spellingItem), std::pair(entry, std::int16_t{2}));
     }
     for (const auto& [popup, entry] : {std::pair<short, short>{4, 13}, {8, 3}}) {
         settings = {};
@@ -85,20 +109,22 @@ TEST_F(TransposeDialogTest, OtherIntervalsAreAskedFor) {
     EXPECT_EQ(accept(3, 6, 27), (std::vector<int>{9, -3, 0})) << "cancelled: as they were";
 }
 
-TEST_F(TransposeDialogTest, CancelKeepsWhatThePopupsWroteButNotTheResults) {
-    accept(3, 6, 8, kDown, 1);
-    work([](MemoryDialog& dialog) {
-        dialog.choose(7, kUp);
-        dialog.choose(6, 15);
-        dialog.set(9, 3);
-        dialog.press(2);
-    });
-    EXPECT_EQ(settings.chromaticItem, 15);
-    EXPECT_EQ(settings.chromaticSteps, 4);
-    EXPECT_EQ(settings.direction, kUp);
-    EXPECT_EQ(settings.steps, -2);
-    EXPECT_EQ(settings.alteration, 1);
-    EXPECT_EQ(settings.octaves, -1);
+TEST_F(TransposeDialogTest, WithoutOkKeepsWhatThePopupsWroteButNotTheResults) {
+    for (const bool cancels : {true, false}) {
+        const std::vector<int> results{-2, 1, -1};
+        EXPECT_EQ(accept(3, 6, 8, kDown, 1), results);
+        const auto results2 = work([=](MemoryDialog& dialog) {
+            EXPECT_EQ(dialog.values[9], 1);
+            dialog.choose(7, kUp);
+            dialog.choose(6, 15);
+            dialog.set(9, 3);
+            // Else it is closed from outside.
+            if (cancels) dialog.press(2);
+        });
+        EXPECT_EQ(results2, results);
+        EXPECT_EQ((std::vector<int>{settings.chromaticItem, settings.chromaticSteps, settings.direction}),
+                  (std::vector<int>{15, 4, kUp}));
+    }
 }
 
 }  // namespace

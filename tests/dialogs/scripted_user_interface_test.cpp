@@ -164,10 +164,8 @@ TEST_F(ScriptedDialog, AnswersQuestionsAsTheScriptSaysAndRemembersWarnings) {
         if (item == 2) answers.push_back(front->alert(nullptr, kAlertYesNo, "Repair it?"));
         if (item == 4) front->alert(nullptr, kAlertWarning, "It was broken");
     };
-    testing::internal::CaptureStderr();
     const ScriptedUserInterface& after =
         open({Set{2, 1}, Answer{true}, Set{2, 0}, Set{4, 0}, Answer{false}, Set{2, 1}, Press{1}});
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "rovescio: It was broken\n");
     ASSERT_EQ(answers.size(), 3U);
     EXPECT_NE(answers[0], kAnswerYes);
     EXPECT_EQ(answers[1], kAnswerYes);

@@ -29,10 +29,17 @@ TEST(Accidentals, FollowTheRulesOfTheMeasure) {
         {"f 4/4 ab4:q a4:q ab4:q e4:q", "ab4:q a4!:q ab4!:q e4!:q"},
         // A tie carries it over the barline, for the tied note alone.
         {"C 4/4 f#4~:w | f#4^:h f#4:h", "f#4~!:w | f#4^:h f#4!:h"},
+        // A tied note that shows its sign all the same has the player read it on.
+        {"C 4/4 f#4~:w | f#4^!+:h f#4:q f4:q", "f#4~!:w | f#4^!+:h f#4:q f4!:q"},
+        // A tie to another spelling carries nothing.
+        {"C 4/4 c#4~:w | db4^:h d4:h", "c#4~!:w | db4^!:h d4!:h"},
+        // Quarter tones are alterations of their own.
+        {"C 4/4 e4':q e4':q e4:q e4':q", "e4'!:q e4':q e4!:q e4'!:q"},
+        {"D 2/4 f4':q f#4:q", "f4'!:q f#4!:q"},
         // Inside a chord, and in grace notes.
         {"C 4/4 <c4 c#5 f#5>:h /f#5:e f5:h", "<c4 c#5! f#5!>:h /f#5:e f5!:h"},
-        // What was decided by hand stays.
-        {"C 4/4 c4!+:q f#4+:q f#4:q f4:q", "c4!+:q f#4+:q f#4:q f4!:q"},
+        // What was decided by hand stays; a sign that is hidden does not count for the notes after it.
+        {"C 4/4 c4!+:q f#4+:q f#4:q f4:q", "c4!+:q f#4+:q f#4!:q f4!:q"},
         // Accidentals that are not needed any more go.
         {"C 4/4 c4!:q d4!:q f#4:h", "c4:q d4:q f#4!:h"},
     };

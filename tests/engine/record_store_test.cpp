@@ -10,15 +10,10 @@ constexpr std::uint32_t kTag = 0x6F744D78;
 
 std::byte bytes[1];
 
-bool apply(RecordStore& store, std::optional<RecordStore::Change> change) {
-    if (change) store.exchange(change->place, change->incidents);
-    return change.has_value();
-}
-
 bool create(RecordStore& store, std::uint16_t cmper, std::uint16_t inci, int content) {
     bytes[0] = static_cast<std::byte>(content);
     RecordKey key{cmper, 0, inci};
-    return apply(store, store.created(kTag, key, bytes));
+    return store.create(kTag, key, bytes);
 }
 
 // The records as "cmper.inci=content", in the order of the walk.
@@ -41,12 +36,12 @@ TEST(RecordStore, NumbersWithoutGapsAndClosesUp) {
     EXPECT_TRUE(create(store, 2, 0, 4));
     EXPECT_EQ(listing(store), "2.0=4 5.0=1 5.1=2 5.2=3 ");
     EXPECT_EQ(listing(store, false), "5.2=3 5.1=2 5.0=1 2.0=4 ");
-    EXPECT_TRUE(apply(store, store.removed(kTag, {5, 0, 0})));
+    EXPECT_TRUE(store.remove(kTag, {5, 0, 0}));
     EXPECT_EQ(listing(store), "2.0=4 5.0=2 5.1=3 ");
-    EXPECT_FALSE(apply(store, store.removed(kTag, {5, 0, 2})));
+    EXPECT_FALSE(store.remove(kTag, {5, 0, 2}));
     bytes[0] = std::byte{8};
-    EXPECT_TRUE(apply(store, store.saved(kTag, {5, 0, 1}, bytes)));
-    EXPECT_FALSE(apply(store, store.saved(kTag, {5, 0, 2}, bytes)));
+    EXPECT_TRUE(store.save(kTag, {5, 0, 1}, bytes));
+    EXPECT_FALSE(store.save(kTag, {5, 0, 2}, bytes));
     EXPECT_EQ(listing(store), "2.0=4 5.0=2 5.1=8 ");
     EXPECT_EQ(store.count(kTag), 3U);
     EXPECT_EQ(store.find(kTag + 1, {5, 0, 0}), nullptr);

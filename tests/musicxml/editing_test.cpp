@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/note_state.h"
 #include "musicxml/score_builder.h"
 #include "support/score_text.h"
 
@@ -41,7 +42,7 @@ TEST(NoteEdits, pitch) {
     const std::string more =
         "<notations><articulations><accent/></articulations></notations>"
         "<lyric><text>C</text></lyric><!-- <step>C</step> -->";
-    const std::string comment = "<!-- </note> <pitch> --><pitch id='\"></pitch>'>";
+    const std::string comment = "<!-- </note> <pitch> --><pitch id='\">'>";
     expectEdits({
         {"step", note("c4:w"), note("e4:w"), "e4"},
         {"step and octave", note("c4:w"), note("b3:w"), "b3"},
@@ -56,6 +57,10 @@ TEST(NoteEdits, pitch) {
         {"a quarter-tone keeps its fraction",
          whole("<pitch><step>C</step><alter>-0.5</alter><octave>4</octave></pitch>"),
          whole("<pitch><step>D</step><alter>1.5</alter><octave>4</octave></pitch>"), "d#4"},
+        {"a fraction that was mirrored",
+         whole("<pitch><step>C</step><alter>0.125</alter><octave>4</octave></pitch>"),
+         whole("<pitch><step>C</step><alter>-1.125</alter><octave>4</octave></pitch>"), "cbb4",
+         engine::flagsOfCents(13), engine::flagsOfCents(87)},
         {"values in unusual form",
          whole("<pitch ><step><!-- do --><![CDATA[C]]></step><octave > 4 </octave></pitch>"),
          whole("<pitch ><step>D</step><octave >5</octave></pitch>"), "d5"},
@@ -70,6 +75,11 @@ TEST(NoteEdits, accidentals) {
         return "<accidental" + attributes + ">" + name + "</accidental>";
     };
     const std::string red = " color=\"red\"";
+    const auto quarter = [](const std::string& alter, const std::string& more) {
+        return "<note><pitch><step>C</step><alter>" + alter +
+               "</alter><octave>4</octave></pitch><duration>16</duration><type>whole</type>" + more +
+               "</note>";
+    };
     expectEdits({
         {"shown before the stem", note("c4:w", "<dot/><stem>none</stem>"),
          note("c4:w", "<dot/>" + sign("natural") + "<stem>none</stem>"), "c4", 0, NOTE_FLAG24},
@@ -78,6 +88,11 @@ TEST(NoteEdits, accidentals) {
          note("dbb4:w", sign("flat-flat", red)), "dbb4"},
         {"an unmoved note keeps its sign", note("c4:w", sign("natural-sharp")),
          note("c4:w", sign("natural-sharp")), "c4"},
+        {"quarter tones keep their family of signs", quarter("-0.5", sign("slash-flat")),
+         quarter("0.5", sign("slash-quarter-sharp")), "c4"},
+        {"or take the usual one", quarter("0.5", sign("natural-up")), quarter("3.5", sign("other")), "c###4"},
+        {"a sign stays with its alteration", note("c#4:w", sign("natural-sharp")),
+         note("c#5:w", sign("natural-sharp")), "c#5"},
         {"double sharp", note("c#4:w", sign("sharp")), note("f##4:w", sign("double-sharp")), "f##4"},
         {"beyond the signs", note("c#4:w", sign("sharp")), note("c####4:w", sign("other")), "c####4"},
     });
@@ -89,6 +104,9 @@ TEST(NoteEdits, ties) {
     const auto with = [](const std::string& notations) {
         return note("c4:w", "<notations>" + notations + "</notations>");
     };
+    const auto notated = [](const std::string& notations) {
+        return "<notations>" + notations + "</notations>";
+    };
     const auto sounding = [](const std::string& ties) {
         return timedNote("C", "16", ties + "\n<tie type=\"start\"/><voice>1</voice><type>whole</type>");
     };
@@ -98,6 +116,14 @@ TEST(NoteEdits, ties) {
         {"both ends", with(stop + start), note("c4:w"), nullptr, NOTE_TIES},
         {"the other end stays", with(stop + "\n " + start), with(stop), nullptr, NOTE_TIE_START},
         {"other notations stay", with(start + "<fermata/>"), with("<fermata/>"), nullptr, NOTE_TIE_START},
+        {"a tie that the score lacks", note("c4:w"),
+         timedNote("C", "16", "<tie type=\"start\"/><type>whole</type>" + notated(start)), nullptr, 0,
+         NOTE_TIE_START},
+        {"an end becomes a start", with("<tied type=\"stop\" color=\"red\"/>"),
+         timedNote(
+             "C", "16",
+             "<tie type=\"start\"/><type>whole</type>" + notated("<tied type=\"start\" color=\"red\"/>")),
+         nullptr, NOTE_TIE_END, NOTE_TIE_START},
         {"the sounding tie too", sounding("\n<tie type=\"stop\"/>"), sounding(""), nullptr, NOTE_TIE_END},
     });
 }
@@ -210,9 +236,6 @@ TEST(ScoreWriting, refusals) {
         {"octave", [](Entries& entries) { entries[0].notes[0].displacement = -29; },
          "test.musicxml:4: a note would leave the octaves 0 to 9, which is all that the file format has "
          "(measure 1). Choose a smaller interval or a nearer axis."},
-        {"tie", [](Entries& entries) { entries[0].notes[0].noteFlags |= NOTE_TIE_START; },
-         "test.musicxml:4: a note has gained a tie that the score lacks (measure 1). Choose another "
-         "transformation: this one cannot be written yet."},
     };
     for (const auto& refusal : cases) {
         SCOPED_TRACE(refusal.name);

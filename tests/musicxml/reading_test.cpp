@@ -65,10 +65,10 @@ std::vector<ReadingCase> readingCases() {
          onStaff("c5:w", 1) + chordNote("c3:w", "<staff>2</staff>") + chordNote("e5:w"),
          {{1, 0, "<c5 e5>:w"}, {2, 0, "c3:w"}}},
         {"a chord too large for one entry", tall, {{1, 0, "<c3 d3 e3 f3 g3 a3 b3 c4 d4 e4 f4 g4>:w a4:w"}}},
-        {"a quarter-tone counts as the semitone below",
+        {"a quarter-tone counts as the semitone below and hundredths",
          "<note><pitch><step>B</step><alter>-0.5</alter><octave>4</octave></pitch><duration>16</duration>"
          "</note>",
-         {{1, 0, "bb4:w"}}},
+         {{1, 0, "bb4':w"}}},
         {"values behind comments, references and marked sections",
          "<note><pitch><step><!-- no --><![CDATA[G]]></step><octave>&#52;</octave></pitch>"
          "<duration> 16\n</duration></note>",

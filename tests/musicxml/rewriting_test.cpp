@@ -41,11 +41,26 @@ std::string syllable(const std::string& place, const std::string& extend = "") {
 std::string third(const std::string& step, const std::string& notations) {
     return timedNote(step, "2", "<type>eighth</type>" + tuplet(3, 2) + notations);
 }
+std::string ties(const std::string& end, const std::string& sign, const std::string& more) {
+    return "<tie type=\"" + end + "\"/><type>quarter</type>" +
+           (sign.empty() ? "" : "<accidental>" + sign + "</accidental>") + "<notations><tied type=\"" + end +
+           "\"" + more + "/></notations>";
+}
 // A quarter with a tie in both of its elements around the type.
 std::string tiedNote(const std::string& step, const std::string& end, const std::string& more = "") {
-    return timedNote(step, "4",
-                     "<tie type=\"" + end + "\"/><type>quarter</type><notations><tied type=\"" + end + "\"" +
-                         more + "/></notations>");
+    return timedNote(step, "4", ties(end, "", more));
+}
+// The same of a note with an alteration and perhaps the sign for it.
+std::string alteredTie(const std::string& step, int alter, const std::string& end, const std::string& sign,
+                       const std::string& more = "") {
+    return "<note><pitch><step>" + step + "</step><alter>" + std::to_string(alter) +
+           "</alter><octave>4</octave></pitch><duration>4</duration>" + ties(end, sign, more) + "</note>";
+}
+std::string inKey(int fifths) {
+    return "<attributes><key><fifths>" + std::to_string(fifths) + "</fifths></key></attributes>";
+}
+std::string onStaff(const std::string& text, int staff) {
+    return note(text, "<staff>" + std::to_string(staff) + "</staff>");
 }
 
 // The first or second half of the triplet's D, tied.
@@ -96,6 +111,37 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
          {note("c4:h", sung), note("d4:h") + note("e4:q")},
          {note("e4:q") + tiedNote("D", "start"),
           tiedNote("D", "stop", " id=\"rovescio-cut-1-2-1\"") + note("c4:h", sung)}},
+        {"each part of a cut note has its own sign",
+         {note("c4:h"), note("f#4:h", "<accidental>sharp</accidental>") + note("e4:q")},
+         {note("e4:q") + alteredTie("F", 1, "start", "sharp"),
+          alteredTie("F", 1, "stop", "", " id=\"rovescio-cut-1-2-1\"") + note("c4:h")}},
+        {"and its own pitch, in whatever key",
+         {inKey(1) + note("c4:h"), inKey(-2) + note("eb4:h") + note("d4:q")},
+         {inKey(1) + note("d4:q") + alteredTie("E", -1, "start", "flat"),
+          inKey(-2) + alteredTie("E", -1, "stop", "", " id=\"rovescio-cut-1-2-1\"") + note("c4:h")}},
+        {"a note of a chord keeps a duration of its own",
+         {note("c4:q") + chordNote("e4:e") + note("d4:h.")},
+         {note("d4:h.") + note("c4:q") + chordNote("e4:e")}},
+        {"durations with decimals mean what the notes say",
+         {kCommonAttributes + timedNote("C", "1.333333", "<type>eighth</type>" + tuplet(3, 2)) +
+          timedNote("D", "1.333333", "<type>eighth</type>" + tuplet(3, 2)) +
+          timedNote("E", "1.333334", "<type>eighth</type>" + tuplet(3, 2)) + note("f4:q")},
+         {"<attributes><divisions>12</divisions><key><fifths>0</fifths></key><time><beats>4</beats>"
+          "<beat-type>4</beat-type></time><clef><sign>G</sign><line>2</line></clef></attributes>" +
+          timedNote("F", "12", "<type>quarter</type>") +
+          timedNote("E", "4", "<type>eighth</type>" + tuplet(3, 2)) +
+          timedNote("D", "4", "<type>eighth</type>" + tuplet(3, 2)) +
+          timedNote("C", "4", "<type>eighth</type>" + tuplet(3, 2))},
+         "",
+         false},
+        {"a voice that goes to a staff which stays keeps its number there",
+         {"<attributes><staves>2</staves></attributes>" + onStaff("c4:h", 1) + onStaff("d3:h", 2)},
+         {"<attributes><staves>2</staves></attributes><forward><duration>8</duration></forward>" +
+          timedNote("C", "8", "<voice>2</voice><type>half</type><staff>1</staff>") +
+          "<backup><duration>16</duration></backup><forward><duration>8</duration></forward>" +
+          onStaff("d3:h", 2)},
+         kCommonAttributes,
+         false},
         {"a tie turns round on a note that keeps its measure",
          {note("c4:q") + tiedNote("D", "start"), tiedNote("D", "stop") + note("e4:q"), note("f4:h")},
          {note("f4:h"), note("e4:q") + tiedNote("D", "start"), tiedNote("D", "stop") + note("c4:q")}},
@@ -104,8 +150,8 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
                                                                  third("E", bracket("stop")) +
                                                                  timedNote("G", "6", "<type>quarter</type>")},
          {timedNote("G", "6", "<type>quarter</type>") + third("E", bracket("start")) +
-              sixth("start", "<tuplet id=\"rovescio-cut-1-1-1\" type=\"stop\"/>"),
-          sixth("stop", "<tuplet id=\"rovescio-cut-1-2-1\" type=\"start\"/>") + third("C", bracket("stop")) +
+              sixth("start", "<tuplet type=\"stop\" id=\"rovescio-cut-1-1-1\"/>"),
+          sixth("stop", "<tuplet type=\"start\" id=\"rovescio-cut-1-2-1\"/>") + third("C", bracket("stop")) +
               timedNote("F", "9", "<type>quarter</type><dot/>")},
          attributes("6", "<time><beats>2</beats><beat-type>4</beat-type></time>")},
         {"whole beams are mirrored",

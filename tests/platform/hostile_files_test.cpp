@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <random>
 #include <vector>
 
 #include "support.h"

@@ -214,5 +214,14 @@ TEST(MidiFileTest, PlaysTheStavesAskedForWithTheirSounds) {
         << "only the staves, measures and layers asked for; a tie from before sounds anew";
 }
 
+// The greatest numbers that staves and measures can have.
+TEST(MidiFileTest, GoesToTheLastMeasureAndStaff) {
+    constexpr std::size_t kMost = 32767;
+    const std::vector<std::string> measures(kMost, note("c4:w"));
+    EXPECT_EQ(heardOf(scoreOf(measures)).tracks.at(1).notes.size(), kMost);
+    const std::string staves = "<attributes><divisions>4</divisions><staves>32767</staves></attributes>";
+    EXPECT_EQ(heardOf(scoreOf({note("c4:w")}, staves)).tracks.size(), kMost + 1);
+}
+
 }  // namespace
 }  // namespace rovescio::test

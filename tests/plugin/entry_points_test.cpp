@@ -130,6 +130,68 @@ TEST_F(ScratchBundle, IsTheInnermostWithAnExecutableKey) {
     EXPECT_EQ(textsIn(code), std::string(127, 'x') + "\n20129,1\n20129,2\n") << "cut and terminated";
 }
 
+TEST_F(ScratchBundle, SharesTheLibraryThatItCarriesWithAHostThatHasIt) {
+    fs::copy(ROVESCIO_BUNDLE, root_, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    const std::string files = runInChild("C.UTF-8", [&] {
+        const Extension extension(root_ / "Contents/MacOS/Rovescio");
+        std::ifstream maps("/proc/self/maps");
+        std::set<std::string> paths;
+        for (std::string line; std::getline(maps, line);) {
+            if (line.find("RovescioPlatform") != std::string::npos) paths.insert(line.substr(line.find('/')));
+        }
+        std::string text;
+        for (const std::string& path : paths) text += path;
+        return text;
+    });
+    EXPECT_EQ(files, ROVESCIO_BUNDLE "/Contents/Frameworks/libRovescioPlatform.so.1");
+}
+
+TEST_F(ScratchBundle, IsFoundHoweverThePathOfItsCodeIsSpelled) {
+    placeCode("A/Contents/MacOS");
+    for (const std::string name : {"A", "B"}) {
+        placeInfo(name + "/Contents/Info.plist");
+        placeTexts(name + "/Contents/Resources", name);
+    }
+    fs::create_directory_symlink(root_ / "A/Contents/MacOS", root_ / "folder");
+    fs::create_symlink(root_ / "A/Contents/MacOS/Rovescio", root_ / "code.so");
+    // Code that is a link out of its bundle.
+    fs::create_directory(root_ / "B/Contents/MacOS");
+    fs::create_symlink(placeCode("loose"), root_ / "B/Contents/MacOS/Rovescio");
+    const std::string root = root_.string();
+    const std::string relative = fs::relative(root_).string();
+    const std::pair<std::string, std::string> codes[] = {
+        {root + "/A/Contents/MacOS/../MacOS/Rovescio", "A"},
+        {root + "//A//Contents//MacOS/./Rovescio", "A"},
+        {root + "/folder/Rovescio", "A"},
+        {root + "/folder/../MacOS/Rovescio", "A"},
+        {root + "/code.so", "A"},
+        {relative + "/A/Contents/MacOS/Rovescio", "A"},
+        {root + "/B/Contents/MacOS/Rovescio", "B"},
+        {root + "/B/Contents/./MacOS/../MacOS/Rovescio", "B"}};
+    for (const auto& [code, text] : codes) EXPECT_EQ(textsIn(code), text + "\n20129,1\n20129,2\n") << code;
+}
+
+TEST_F(ScratchBundle, IsMissedWithAnAssertion) {
+    const Extension extension(placeCode("loose"));
+    ExtensionDescriptor descriptor;
+    EXPECT_DEATH(extension.enumerate(0, &descriptor),
+                 "LIB/portable:176: CopyPlugInStringResource: Assertion `bundleRef != NULL' failed");
+}
+
+// The alert that the strings file is missing is the first thing a host hears of the command.
+TEST_F(ScratchBundle, CatchesExceptionsOfTheHostWhileItDescribesItsCommand) {
+    const auto code = placeCode("Contents/MacOS");
+    placeInfo("Contents/Info.plist");
+    const std::string answer = runInChild("C.UTF-8", [&] {
+        const Extension extension(code);
+        extension.start();
+        alertThrows = true;
+        ExtensionDescriptor descriptor;
+        return std::to_string(extension.enumerate(0, &descriptor));
+    });
+    EXPECT_EQ(answer, "0");
+}
+
 TEST(ExportTable, HoldsTheEntryPointsAndTheTwoGlobalsOnly) {
     std::FILE* listing =
         popen((NM_PROGRAM " -D --defined-only --format=posix " + kBuiltCode.string()).c_str(), "r");

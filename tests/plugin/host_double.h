@@ -1,10 +1,12 @@
 // The host functions behind every alert and dialog handler, served by the test program itself.
 #pragma once
 
+#include <new>
 #include <string>
 #include <vector>
 
 #include "contract/records.h"
+#include "host_function.h"
 
 struct Alert {
     SXWindow parent;
@@ -18,11 +20,11 @@ struct Alert {
 
 inline std::vector<Alert> alerts;
 inline short machOAnswer = 1;
-
-#define HOST_DOUBLE extern "C" __attribute__((visibility("default"), used)) inline
+inline bool alertThrows = false;
 
 HOST_DOUBLE short SX_AlertMessage(SXWindow parent, std::uint16_t style, std::uint32_t stringId,
                                   const char* text, std::uint32_t version) {
+    if (alertThrows) throw std::bad_alloc();
     alerts.push_back({parent, style, stringId, text, version});
     return 0;
 }

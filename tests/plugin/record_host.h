@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "contract/data_records.h"
+#include "host_function.h"
 #include "kit/engine_bundle.h"
 
 struct RecordHost {
@@ -57,10 +58,9 @@ struct RecordHost {
 
 inline RecordHost recordHost;
 
-#define HOST_DOUBLE extern "C" __attribute__((visibility("default"), used)) inline
-
 HOST_DOUBLE short SX_LoadEData(std::uint32_t tag, void* key, void* buffer, std::uint32_t* size,
                                std::uint32_t /*version*/) {
+    if (!key) return 0;
     const auto numbers = RecordHost::keyAt(tag, key);
     if (const short result = recordHost.call("load", tag, numbers); result != 1) return result;
     const auto found = recordHost.records[tag].find(numbers);
@@ -71,6 +71,7 @@ HOST_DOUBLE short SX_LoadEData(std::uint32_t tag, void* key, void* buffer, std::
 
 HOST_DOUBLE short SX_SaveEData(std::uint32_t tag, void* key, void* buffer, std::uint32_t* size,
                                std::uint32_t /*version*/) {
+    if (!key) return 0;
     const auto numbers = RecordHost::keyAt(tag, key);
     if (const short result = recordHost.call("save", tag, numbers); result != 1) return result;
     auto& words = recordHost.records[tag][numbers];

@@ -64,12 +64,25 @@ TEST(StringResources, EightBitTextsAreEncodedAndEndAt255Bytes) {
     EXPECT_EQ(textOf(makeStringId(20134, 256), 1024), std::u16string(256, u'b'));
 }
 
+TEST(StringResources, ByDecimalIdsLieInTablesOfAThousand) {
+    for (const std::uint32_t id : {5U, 20005U}) {
+        EXPECT_STREQ(GetResourceCString(id), "decimal");
+        EXPECT_EQ(std::u16string(GetResourceCString_UTF16(id)), u"decimal");
+    }
+    const std::pair<std::uint32_t, const char*> missing[] = {
+        {999, "20000,999"}, {1000, "1000,0"}, {21006, "21000,6"}, {134, "20000,134"}, {70007, "4464,7"}};
+    for (const auto& [id, key] : missing) EXPECT_STREQ(GetResourceCString(id), key);
+    EXPECT_EQ(std::u16string(GetResourceCString_UTF16(21005)), std::u16string(1023, u'c'));
+    EXPECT_STREQ(GetResourceCString(21005), "") << "too long for 255 bytes";
+}
+
 int procedure(SXWindow, std::uint16_t, short, std::uint32_t, void*) {
     return 1;
 }
 
 TEST(DialogHandlers, AlertOnceEachWayUnderAForeignHost) {
     ASSERT_EQ(InitializeGlobals(), 0);
+    ASSERT_EQ(InitializeGlobals(), 0) << "once more, without a lookup";
     const Alert expected{nullptr, kAlertWarning, 0, "Should not get here!", kKitVersion};
     for (machOAnswer = 1; machOAnswer >= 0; --machOAnswer) {
         EXPECT_EQ(NewFF_DialogHandlerProc(procedure), &procedure);

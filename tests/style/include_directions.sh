@@ -12,7 +12,8 @@ plugin/transform transform kit util contract
 plugin/retrograde retrograde kit util contract
 plugin/shell shell transform retrograde kit util contract
 host/engine engine contract
-host/musicxml musicxml engine contract
+host/xml xml
+host/musicxml musicxml xml engine contract
 host/dialogs dialogs engine contract
 host/playback playback engine contract
 host/validate validate dialogs engine contract

@@ -6,6 +6,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "engine/note_state.h"
+
 namespace rovescio::test {
 
 using engine::Document;
@@ -70,6 +72,9 @@ void readNote(const std::string& token, std::size_t& at, const KeySignature& key
                 break;
             case '^':
                 note.noteFlags |= NOTE_TIE_END;
+                break;
+            case '\'':
+                engine::setCents(note, 50);
                 break;
             case '!':
                 note.noteFlags |= NOTE_FLAG24;
@@ -178,6 +183,7 @@ std::string entryText(const engine::StoredEntry& entry, const KeySignature& key)
     for (const ENOTE& note : entry.notes()) {
         if (&note != entry.notes().data()) text += ' ';
         text += textOf(key.spell(note));
+        if (engine::centsOf(note) != 0) text += '\'';
         if (note.noteFlags & NOTE_TIE_START) text += '~';
         if (note.noteFlags & NOTE_TIE_END) text += '^';
         if (note.noteFlags & NOTE_FLAG24) text += '!';

@@ -3,9 +3,9 @@
 // A line begins with the key (C, F#, Bb; minor in lower case: f#, bb; "none" for no standard key) and the
 // time signature. Measures are divided by "|". An entry is a pitch (letter, # or b signs, octave; c4 is
 // middle C), a chord in angle brackets or r for a rest, then ":" and its value: w h q e s t (whole to 32nd),
-// dots, "*3:2" for a tuplet. A pitch may be followed by "~" (tie starts), "^" (tie arrives), "!" (accidental
-// shown), "+" (shown or hidden by hand). Where a voice is absent, its text has "_" in place of r. "/" in
-// front of an entry makes it a grace entry.
+// dots, "*3:2" for a tuplet. A pitch may be followed by "'" (a quarter tone higher), "~" (tie starts), "^"
+// (tie arrives), "!" (accidental shown), "+" (shown or hidden by hand). Where a voice is absent, its text has
+// "_" in place of r. "/" in front of an entry makes it a grace entry.
 #pragma once
 
 #include <functional>

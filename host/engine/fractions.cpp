@@ -1,0 +1,77 @@
+// Walks the selection for notes between the semitones.
+#include "engine/fractions.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engine/note_state.h"
+#include "engine/session.h"
+
+namespace rovescio::engine {
+
+namespace {
+
+constexpr int kSemitone = 100;
+
+bool isInside(const EREGION& region, short measure, std::int32_t elapsed) {
+    return (measure > region.start.measure || elapsed >= region.start.position) &&
+           (measure < region.end.measure || elapsed <= region.end.position);
+}
+
+bool settle(const KeySignature& key, ENOTE& note, Fractions fractions) {
+    const int cents = centsOf(note);
+    if (fractions == Fractions::mirrored) {
+        if (cents == 0) return false;
+        --note.alteration;
+        setCents(note, kSemitone - cents);
+        return true;
+    }
+    const int inKey = key.letterCents(floorMod(key.spell(note).step, 7));
+    if (note.alteration != 0 || cents == inKey) return false;
+    setCents(note, inKey);
+    return true;
+}
+
+void settleFrame(Session& session, const FrameAddress& address) {
+    const Document& document = session.document;
+    const KeySignature& key = document.staffMeasure(address.staff, address.measure).key;
+    const auto isWanted = [&](const StoredEntry& entry) {
+        return isInside(*session.selection, address.measure, entry.elapsed) &&
+               entryState(entry).unpitched == 0 && std::ranges::any_of(entry.notes(), [&](ENOTE note) {
+                   return settle(key, note, session.fractions);
+               });
+    };
+    // A mirror marks all that it turns.
+    if (session.fractions == Fractions::mirrored && !session.massEdits.wasMarked(address)) return;
+    if (std::ranges::none_of(document.entries(address), isWanted)) return;
+    for (StoredEntry& entry : session.massEdits.editable(address)) {
+        if (!isWanted(entry)) continue;
+        for (ENOTE& note : entry.notes()) settle(key, note, session.fractions);
+        std::ranges::stable_sort(entry.notes(), isLower);
+        // Signs that were taken away come back only where they are needed.
+        entry.reserved13 |= session.fractions == Fractions::dropped ? kCheckAccidentals : kDecideAccidentals;
+    }
+}
+
+}  // namespace
+
+void settleFractions(Session& session) {
+    if (session.fractions == Fractions::kept || !session.selection) return;
+    const Document& document = session.document;
+    const EREGION& region = *session.selection;
+    for (const short staff :
+         numbers(std::max<short>(region.start.slot, 1), std::min(region.end.slot, document.staffCount()))) {
+        for (const short measure : numbers(std::max<short>(region.start.measure, 1),
+                                           std::min(region.end.measure, document.measureCount()))) {
+            // A mirror passes other keys over.
+            const bool reached = session.fractions == Fractions::dropped ||
+                                 document.staffMeasure(staff, measure).key.isStandard();
+            for (short layer = 0; reached && layer < kMaxLayers; ++layer) {
+                if (session.layerShown[static_cast<std::size_t>(layer)])
+                    settleFrame(session, {staff, measure, layer});
+            }
+        }
+    }
+}
+
+}  // namespace rovescio::engine

@@ -1,0 +1,121 @@
+// Changes to a tree, and the changed text.
+//
+// A layer over a tree that stays as it is: it holds the nodes that are new and what has become of those that
+// are not. What it does not speak of is printed byte for byte as it stood. White space and comments before an
+// element belong to it and go where it goes.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "xml/tree.h"
+
+namespace rovescio::xml {
+
+// Takes bytes; false when it cannot take more.
+using ByteSink = std::function<bool(std::string_view)>;
+
+class Edits {
+  public:
+    // The tree must outlive its edits.
+    explicit Edits(const Tree& tree);
+
+    [[nodiscard]] const Tree& tree() const { return *tree_; }
+    [[nodiscard]] bool empty() const { return changes_.size() == 1; }
+
+    // --- an element as it is now ---
+
+    [[nodiscard]] Name name(Node node) const { return data(node).name; }
+    [[nodiscard]] Node parent(Node node) const { return data(node).parent; }
+    // Where it begins in the source, or what it is a copy or a part of.
+    [[nodiscard]] std::size_t place(Node node) const;
+    [[nodiscard]] std::string text(Node node) const;
+    [[nodiscard]] std::string attribute(Node node, std::string_view name) const;
+    // Whether an element's character data is this, without copying any where it can be helped.
+    [[nodiscard]] bool says(Node node, std::string_view text) const;
+    // Puts the children into a list that the caller can keep for the next call.
+    void children(Node node, std::vector<Node>& list) const;
+    // The first child of a name; 0 for none.
+    [[nodiscard]] Node child(Node node, Name name) const;
+    [[nodiscard]] bool hasChildren(Node node) const;
+
+    // --- changes ---
+
+    // Gives an element without children other character data.
+    void setText(Node node, std::string_view text);
+    void setAttribute(Node node, std::string_view name, std::string_view value);
+    void removeAttribute(Node node, std::string_view name);
+
+    // An element that stands nowhere yet, out of text that is well-formed and whose names the tree knows.
+    Node make(std::string_view text);
+    // A copy of an element of the tree as it was parsed.
+    Node copy(Node original);
+
+    // Puts an element that stands nowhere behind or before another, on a line of its own where the other has
+    // one; before the first child, where there is one; and behind the last.
+    void insertAfter(Node sibling, Node added);
+    void insertBefore(Node sibling, Node added);
+    void insertFirst(Node parent, Node added);
+    void append(Node parent, Node added);
+    // Takes an element out, with the white space before it.
+    void remove(Node node);
+    // Gives an element new children: some of its own, copies and new ones in any order. Each begins on a line
+    // of its own with the white space that the first child had; comments stay before their elements.
+    void setChildren(Node parent, std::span<const Node> list);
+
+    // Hands the changed text to a sink, piece by piece; false as soon as the sink refuses one.
+    bool print(const ByteSink& sink) const;
+    // The changed text of one element.
+    [[nodiscard]] std::string print(Node node) const;
+
+  private:
+    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+    // A child in a list of its own, with what stands before it.
+    struct Piece {
+        Slice lead;
+        Node node = 0;
+        std::uint32_t next = kNone;
+    };
+    // What has become of an element; without anything set, something inside has changed.
+    struct Change {
+        Slice startTag;  // empty: as it stood
+        Slice text;      // instead of the content
+        bool hasText = false;
+        bool hasList = false;
+        std::uint32_t first = kNone;  // pieces
+        Slice tail;                   // behind the last child
+    };
+    class Printer;
+
+    [[nodiscard]] const NodeData& data(Node node) const {
+        return node < tree_->size() ? tree_->data(node) : added_[node - tree_->size()];
+    }
+    NodeData& addedData(Node node) { return added_[node - tree_->size()]; }
+    [[nodiscard]] std::string_view slice(const Slice& at) const;
+    [[nodiscard]] const Change* changeOf(Node node) const {
+        return changeOf_[node] == 0 ? nullptr : &changes_[changeOf_[node]];
+    }
+    [[nodiscard]] std::string_view startTag(Node node) const;
+    Change& change(Node node);
+    Change& listOf(Node parent);
+    void markAround(Node node);
+    Slice keep(std::string_view text);
+    [[nodiscard]] Slice indentation(const Slice& lead) const;
+    [[nodiscard]] Slice firstIndentation(Node parent) const;
+    void openStartTag(Node node);
+    void replaceStartTag(Node node, std::string_view tag) { change(node).startTag = keep(tag); }
+
+    const Tree* tree_;
+    std::vector<std::uint32_t> changeOf_;  // by node; 0 for none
+    std::vector<Change> changes_;          // the first one is none
+    std::vector<Piece> pieces_;
+    std::vector<NodeData> added_;  // new nodes; their places count on behind the source
+    std::string pool_;             // new text
+};
+
+}  // namespace rovescio::xml

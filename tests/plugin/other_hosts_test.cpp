@@ -1,0 +1,137 @@
+// The plug-in under hosts unlike our engine: one that throws, and ones that number octaves otherwise.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <new>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "host_function.h"
+#include "kit/engine_bundle.h"
+#include "kit/mass_edit.h"
+#include "retrograde/dialogs.h"
+#include "shell/entry_points.h"
+#include "shell/settings.h"
+#include "transform/mirror_dialog.h"
+
+namespace {
+
+// The function of the host that throws, and what a dialog is sent when it is opened.
+std::string thrower;
+std::vector<std::pair<std::uint16_t, short>> messages;
+
+// What the procedures answered, and how the mass edits were ended.
+std::vector<int> answers;
+std::vector<short> ends;
+
+// What the items of dialogs were set to, and the MIDI note that the host calls "C4".
+std::map<short, std::intptr_t> shown;
+short fourthC = 60;
+
+void enter(const char* function) {
+    if (thrower == function) throw std::bad_alloc();
+}
+
+std::intptr_t send(SXDialogProc procedure, void* data) {
+    for (const auto& [message, item] : messages)
+        answers.push_back(procedure(nullptr, message, item, kPopupChanged << 16, data));
+    return 0;
+}
+
+short select(EREGION* region) {
+    *region = {{0, 1, 1, 0}, {0, 1, 1, 0}};
+    return 1;
+}
+
+}  // namespace
+
+#define HOST_THROWS(result, name, body, ...)                            \
+    HOST_DOUBLE result name(__VA_ARGS__ __VA_OPT__(, ) std::uint32_t) { \
+        enter(#name);                                                   \
+        body;                                                           \
+    }
+
+HOST_THROWS(std::intptr_t, SX_Dialog, return send(proc, data), short, SXDialogProc proc, SXWindow, short,
+            void* data)
+HOST_THROWS(void, SX_SetDlgItemVal, shown[item] = value, SXWindow, short item, short, std::intptr_t value)
+HOST_THROWS(short, SX_StringToMidiNote, return fourthC, const char*)
+HOST_THROWS(std::intptr_t, SX_GetDlgItemVal, return 2, SXWindow, short, short)
+HOST_THROWS(void, SX_EndDialog, , SXWindow)
+HOST_THROWS(void, SX_EnableDlgItem, , SXWindow, short, short)
+HOST_THROWS(short, SX_GetCurERegions, return select(region), std::uint64_t*, EREGION* region, EREGION*)
+HOST_THROWS(SXMassEdit, SX_StartMassEdit, return nullptr, SXHandle, std::uint32_t)
+HOST_THROWS(short, SX_MassEditProgress, return 1, SXMassEdit, short, short, short, short)
+HOST_THROWS(void, SX_EndMassEdit, ends.push_back(cancelled), SXMassEdit, short cancelled)
+HOST_THROWS(short, SX_GetMaxLayers, return 1)
+HOST_THROWS(short, SX_GetShowLayer, return 1, short)
+
+namespace {
+
+TEST(Exceptions, EndInTheDialogProcedure) {
+    InitializeGlobals();
+    STStruct settings;
+    MirrorAxis axis;
+    std::int16_t steps = 0;
+    const struct {
+        const char* dialog;
+        std::function<void()> open;
+        const char* initThrower;
+    } cases[] = {
+        {"main", [] { ScorixExtensionInvoke(nullptr, 0, nullptr, nullptr); }, "SX_SetDlgItemVal"},
+        {"transposition", [&] { TransposeDialog(nullptr, &settings); }, "SX_SetDlgItemVal"},
+        {"other interval", [&] { OtherTransposeDialog(nullptr, &steps, &steps); }, "SX_SetDlgItemVal"},
+        {"axis", [&] { editMirrorAxis(nullptr, axis); }, "SX_SetDlgItemVal"},
+        {"retrograde options", [] { RetrogradeOptionsDialog(nullptr, 3); }, "SX_SetDlgItemVal"},
+        {"report", [] { RetrogradePreScanDialog(nullptr, 0x200); }, "SX_EnableDlgItem"},
+    };
+    for (const auto& c : cases) {
+        // The last two messages are of the kind that no procedure handles.
+        for (const auto& [function, message, item] :
+             {std::tuple(c.initThrower, kDialogInit, short{0}),
+              std::tuple("SX_EndDialog", kDialogCommand, short{2}), std::tuple("", kDialogCommand, short{99}),
+              std::tuple("", std::uint16_t{274}, short{1})}) {
+            SCOPED_TRACE(c.dialog + std::string(" ") + function);
+            thrower = function;
+            messages = {{message, item}};
+            answers.clear();
+            EXPECT_NO_THROW(c.open());
+            EXPECT_EQ(answers, std::vector<int>{0});
+        }
+    }
+}
+
+TEST(Exceptions, EndTheMassEditAsCancelled) {
+    InitializeGlobals();
+    SUItems = {};
+    thrower = "SX_MassEditProgress";
+    messages = {{kDialogCommand, 1}, {kDialogCommand, 12}};  // apply, check
+    answers.clear();
+    EXPECT_EQ(ScorixExtensionInvoke(nullptr, 0, nullptr, nullptr), 0);
+    EXPECT_EQ(answers, (std::vector<int>{0, 0}));
+    EXPECT_EQ(ends, (std::vector<short>{1, 1}));
+    EXPECT_EQ(MassEditDepth, 0);
+}
+
+TEST(Exceptions, EndInTheEntryPoint) {
+    InitializeGlobals();
+    thrower = "SX_Dialog";
+    EXPECT_EQ(ScorixExtensionInvoke(nullptr, 0, nullptr, nullptr), 0);
+    EXPECT_EQ(Ext_invoke(nullptr, 0, nullptr, nullptr), 0);
+}
+
+TEST(OctaveOfMiddleC, IsThatOfTheHostsNoteNames) {
+    InitializeGlobals();
+    thrower.clear();
+    messages = {{kDialogInit, 0}};
+    for (const auto& [note, octave] :
+         std::map<short, std::intptr_t>{{48, 5}, {49, 4}, {60, 4}, {71, 4}, {72, 3}}) {
+        fourthC = note;
+        MirrorAxis axis;
+        editMirrorAxis(nullptr, axis);
+        EXPECT_EQ(shown[5], octave) << note;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,192 @@
+// What a tree says about the elements of a text.
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "xml/tree.h"
+#include "xml/tree_check.h"
+
+namespace rovescio::xml {
+namespace {
+
+constexpr std::string_view kVocabulary[] = {"note", "pitch", "step", "alter"};
+
+TEST(Tree, KnowsThePlacesOfElements) {
+    const std::string text =
+        "\xEF\xBB\xBF<?xml version='1.0'?>\n<note a='>'>\n <pitch><step>C</step><alter/></pitch >"
+        "<new x='1'><!-- <note> --></new></note> ";
+    const Tree tree(text, kVocabulary);
+    EXPECT_EQ(TreeCheck(tree).broken(), "");
+    const std::pair<std::string_view, Name> nodes[] = {{"<pitch><step>C</step><alter/></pitch >", 1},
+                                                       {"<step>C</step>", 2},
+                                                       {"<alter/>", 3},
+                                                       {"<new x='1'><!-- <note> --></new>", 4}};
+    ASSERT_EQ(tree.size(), std::size(nodes) + 2) << tree.fault().description;
+    for (Node node = 2; node < tree.size(); ++node) {
+        const NodeData& data = tree.data(node);
+        EXPECT_EQ(text.substr(data.begin, data.end - data.begin), nodes[node - 2].first);
+        EXPECT_EQ(data.name, nodes[node - 2].second);
+        EXPECT_EQ(data.isPlain, node != 5);
+    }
+    EXPECT_EQ(tree.rootElement().offset(), text.find("<note"));
+    EXPECT_EQ(tree.rootElement().child(4).attribute("x"), "1");
+    EXPECT_FALSE(tree.rootElement().child(2).exists());
+    EXPECT_EQ(tree.rootElement().child(1).child(2).text(), "C");
+}
+
+TEST(Tree, DecodesCharacterData) {
+    const std::pair<std::string, std::string> table[] = {
+        {"<a/>", ""},
+        {"<a></a>", ""},
+        {"<a>\n\t C \r\n D </a>", "C \r\n D"},
+        {"<a> &lt;b&gt; &amp;amp; </a>", "<b> &amp;"},
+        {"<a>&#x20AC;&#233;&#x1D11E;&quot;&apos;</a>", "\xE2\x82\xAC\xC3\xA9\xF0\x9D\x84\x9E\"'"},
+        {"<a>1<!-- 2 <&> -->3<?p 4 ?>5<![CDATA[ <6> &amp; ]]>7</a>", "135 <6> &amp; 7"},
+        {"<a><![CDATA[]]]]><![CDATA[>]]></a>", "]]>"},
+        {"<a> 1 <b>2</b>3<b/> <c>4<!----></c>5 </a>", "1 3 5"},
+        {"<a> <b>2</b> </a>", ""},
+    };
+    for (const auto& [text, expected] : table) {
+        const Tree tree(text, {});
+        ASSERT_TRUE(tree.isSound()) << text;
+        EXPECT_EQ(tree.rootElement().text(), expected) << text;
+    }
+    EXPECT_EQ(decoded("1 < 2 & 3 &x; <![CDATA[4"), "1 < 2 & 3 &x; 4");
+}
+
+TEST(Tree, FindsAndDecodesAttributes) {
+    const std::string text =
+        "<a x=\"'1'\" xx = '2' lines='3\t4\r\n5\n6&#10;7' escaped='&lt;&#65;&amp;lt;'\n empty=''>z='8'</a>";
+    const Tree tree(text, {});
+    const std::map<std::string, std::string> table = {
+        {"x", "'1'"}, {"xx", "2"}, {"lines", "3 4 5 6\n7"}, {"escaped", "<A&lt;"}, {"empty", ""},
+        {"z", ""},    {"a", ""}};
+    for (const auto& [name, value] : table) EXPECT_EQ(tree.attribute(1, name), value) << name;
+
+    const AttributePlace place = findAttribute(text, "xx");
+    EXPECT_EQ(text.substr(place.begin, place.end - place.begin), " xx = '2'");
+    EXPECT_EQ(text.substr(place.valueBegin, place.valueEnd - place.valueBegin), "2");
+    EXPECT_TRUE(findAttribute(text, "empty").exists());
+    for (const char* const tag : {"<a>", "<a/>", "<a />", "<x/>", "<a y='x='/>"}) {
+        EXPECT_FALSE(findAttribute(tag, "x").exists()) << tag;
+    }
+}
+
+TEST(Tree, ParsesFragments) {
+    const std::string text = "<note><new/></note>";
+    const Tree tree(text, kVocabulary);
+    std::vector<NodeData> nodes(3);
+    ASSERT_TRUE(tree.parseFragment("<pitch><step>C</step><new/></pitch>", 100, 50, nodes));
+    ASSERT_EQ(nodes.size(), 6U);
+    EXPECT_EQ(nodes[3].end, 135U);
+    EXPECT_EQ(nodes[4].parent, 50U);
+    EXPECT_EQ(nodes[5].name, 4);
+    for (const char* const bad :
+         {"", "C", "<step>", "<step>C</alter>", "<step/> ", "<step/><step/>", "<other/>",
+          "<step><other/></step>", "<!----><step/>", "<step>\x01</step>"}) {
+        EXPECT_FALSE(tree.parseFragment(bad, 0, 1, nodes)) << bad;
+        EXPECT_EQ(nodes.size(), 6U) << bad;
+    }
+}
+
+// A small tree, to be written in many ways.
+struct Model {
+    std::string name;
+    std::map<std::string, std::string> attributes;
+    std::vector<std::string> texts;  // one more than children
+    std::vector<Model> children;
+};
+
+int below(int count) {
+    return *rc::gen::inRange(0, count);
+}
+
+std::string someText() {
+    static const std::vector<std::string> kPieces{
+        "a",         "<",   "&", ">",     "\"", "'", "]]>",
+        "--",        "?>",  "é", "&amp;", "\n", " ", "\xF0\x9D\x84\x9E",
+        "<![CDATA[", "<!--"};
+    std::string text;
+    for (int i = below(5); i > 0; --i)
+        text += kPieces[static_cast<std::size_t>(below(static_cast<int>(kPieces.size())))];
+    return text;
+}
+
+Model someModel(int depth) {
+    static const char* const kNames[] = {"note", "n", "é-1", "a-rather-long-name:x"};
+    Model model{kNames[below(4)], {}, {someText()}, {}};
+    for (int i = below(4); i > 0; --i) model.attributes[kNames[below(4)]] = someText();
+    for (int i = depth == 0 ? 0 : below(4); i > 0; --i) {
+        model.children.push_back(someModel(depth - 1));
+        model.texts.push_back(someText());
+    }
+    return model;
+}
+
+std::string space(int atLeast) {
+    static const char* const kSpaces[] = {"", " ", "\n", "\t ", "\r\n"};
+    return kSpaces[atLeast + below(5 - atLeast)];
+}
+
+std::string spelled(const std::string& text) {
+    if (text.find("]]>") == std::string::npos && below(3) == 0) return "<![CDATA[" + text + "]]>";
+    std::string result;
+    for (const char c : text) {
+        const bool needsIt = c == '<' || c == '&' || c == '>';
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80 && below(4) == 0) {
+            result += "&#" + std::to_string(byte) + ";";
+        } else {
+            result += needsIt ? escaped({&c, 1}) : std::string(1, c);
+        }
+        if (below(12) == 0) result += byte < 0x80 ? (below(2) == 0 ? "<!-- & -->" : "<?p <x> ?>") : "";
+    }
+    return result;
+}
+
+std::string written(const Model& model) {
+    std::string text = "<" + model.name;
+    for (const auto& [name, value] : model.attributes) {
+        const char quote = below(2) == 0 ? '"' : '\'';
+        text += space(1) + name + space(0) + "=" + space(0) + quote + escaped(value) + quote;
+    }
+    text += space(0);
+    if (model.children.empty() && model.texts[0].empty() && below(2) == 0) return text + "/>";
+    text += ">" + spelled(model.texts[0]);
+    for (std::size_t i = 0; i < model.children.size(); ++i) {
+        text += written(model.children[i]) + spelled(model.texts[i + 1]);
+    }
+    return text + "</" + model.name + space(0) + ">";
+}
+
+void expectModel(const Element& element, const Model& model) {
+    RC_ASSERT(element.nameText() == model.name);
+    for (const auto& [name, value] : model.attributes) RC_ASSERT(element.attribute(name) == value);
+    std::string text;
+    for (const std::string& piece : model.texts) text += piece;
+    const std::size_t first = std::min(text.find_first_not_of(" \n"), text.size());
+    text = text.substr(first, text.find_last_not_of(" \n") + 1 - first);
+    RC_ASSERT(element.text() == text);
+    std::size_t count = 0;
+    for (const Element child : element) {
+        RC_ASSERT(count < model.children.size());
+        expectModel(child, model.children[count++]);
+    }
+    RC_ASSERT(count == model.children.size());
+}
+
+RC_GTEST_PROP(Tree, ComesBackFromEverySpelling, ()) {
+    const Model model = someModel(3);
+    const std::string text = written(model);
+    const Tree tree(text, kVocabulary);
+    RC_ASSERT(tree.fault().description.empty());
+    expectModel(tree.rootElement(), model);
+    RC_ASSERT(TreeCheck(tree).broken().empty());
+}
+
+}  // namespace
+}  // namespace rovescio::xml
