@@ -157,8 +157,7 @@ class Decider {
     [[nodiscard]] bool isCourtesy(const FrameAddress& frame, const StoredEntry& entry,
                                   const ENOTE& note) const {
         if ((note.noteFlags & kCourtesySign) != 0) return true;
-        return !edits_.wasDecided(frame) &&
-               std::ranges::binary_search(courtesies_, NoteNumber{entry.entryNumber, note.noteId});
+        return !edits_.wasDecided(frame) && std::ranges::binary_search(courtesies_, numberOf(entry, note));
     }
 
     // Whether the note shows an accidental in the end.
@@ -214,7 +213,7 @@ std::vector<NoteNumber> courtesySigns(const Document& document, const MassEdits&
     reader.read(staff, measure, When::before, [&](const Visit& visit, std::size_t index, bool needed) {
         const ENOTE& note = visit.entry->notes()[index];
         const bool shown = (note.noteFlags & NOTE_FLAG24) != 0;
-        if (shown && !needed) found.emplace_back(+visit.entry->entryNumber, +note.noteId);
+        if (shown && !needed) found.push_back(numberOf(*visit.entry, note));
         return shown;
     });
     std::ranges::sort(found);

@@ -21,6 +21,12 @@ void decideAccidentals(Document& document, MassEdits& edits, std::span<const Fra
 
 // A note of the document: the number of its entry, and its own.
 using NoteNumber = std::pair<std::uint32_t, std::uint16_t>;
+// Both are read by value, since they need not be aligned.
+inline NoteNumber numberOf(const StoredEntry& entry, const ENOTE& note) {
+    const std::uint32_t entryNumber = entry.entryNumber;
+    const std::uint16_t noteId = note.noteId;
+    return {entryNumber, noteId};
+}
 
 // The notes of a measure that showed an accidental before the open edit though the rules did not ask for it;
 // ascending.
