@@ -270,8 +270,8 @@ void PerformanceReader::addNoteInstrument(xml::Node note, std::string_view id) {
     if (index > 0) noteInstruments_.emplace_back(note, index);
 }
 
-void PerformanceReader::finish(short firstStaff, short staffCount, const SourceMap& sources,
-                               engine::Performance& performance) {
+void PerformanceReader::finish(short firstStaff, short staffCount, engine::Performance& performance,
+                               NoteInstruments& named) {
     part_.firstStaff = firstStaff;
     part_.staffCount = staffCount;
     part_.instruments = instruments_.list();
@@ -280,14 +280,18 @@ void PerformanceReader::finish(short firstStaff, short staffCount, const SourceM
     }
     performance.tempos.insert(performance.tempos.end(), tempos_.begin(), tempos_.end());
     performance.parts.push_back(std::move(part_));
-    if (noteInstruments_.empty()) return;
+    named.insert(named.end(), noteInstruments_.begin(), noteInstruments_.end());
+}
+
+void nameInstruments(NoteInstruments named, const SourceMap& sources, engine::Performance& performance) {
+    if (named.empty()) return;
+    std::sort(named.begin(), named.end());
     for (std::size_t i = 0; i < sources.entries.size(); ++i) {
         const EntrySource& entry = sources.entries[i];
-        if (entry.address.staff < firstStaff || entry.address.staff >= firstStaff + staffCount) continue;
         for (std::uint16_t note = 0; note < entry.noteCount; ++note) {
-            const std::pair<std::uint32_t, std::size_t> wanted{sources.notes[entry.firstNote + note], 0};
-            const auto found = std::lower_bound(noteInstruments_.begin(), noteInstruments_.end(), wanted);
-            if (found == noteInstruments_.end() || found->first != wanted.first) continue;
+            const std::pair<xml::Node, std::size_t> wanted{sources.notes[entry.firstNote + note], 0};
+            const auto found = std::lower_bound(named.begin(), named.end(), wanted);
+            if (found == named.end() || found->first != wanted.first) continue;
             performance.instrumentOf.emplace(
                 std::pair(static_cast<std::uint32_t>(i + 1), static_cast<std::uint16_t>(note + 1)),
                 found->second);

@@ -16,6 +16,12 @@
 
 namespace rovescio::musicxml {
 
+// <note> elements that name their instrument, with its place in the list of their part.
+using NoteInstruments = std::vector<std::pair<xml::Node, std::size_t>>;
+
+// Tells the performance which instruments play the notes of the document; all parts have their sources.
+void nameInstruments(NoteInstruments named, const SourceMap& sources, engine::Performance& performance);
+
 // The instruments that the part list gives a part.
 class PartInstruments {
   public:
@@ -53,9 +59,8 @@ class PerformanceReader {
     // A <note> names the instrument that plays it.
     void addNoteInstrument(xml::Node note, std::string_view id);
 
-    // Adds the part's marks to those of the score, once all entries have their sources.
-    void finish(short firstStaff, short staffCount, const SourceMap& sources,
-                engine::Performance& performance);
+    // Adds the part's marks to those of the score, and its notes to those that name their instrument.
+    void finish(short firstStaff, short staffCount, engine::Performance& performance, NoteInstruments& named);
 
   private:
     struct Direction;  // what the parts of one <direction> add up to
@@ -68,8 +73,8 @@ class PerformanceReader {
     PartInstruments instruments_;
     engine::PartPerformance part_;
     std::vector<engine::TempoMark> tempos_;
-    std::map<std::string, engine::Hairpin, std::less<>> openWedges_;      // by their numbers
-    std::vector<std::pair<std::uint32_t, std::size_t>> noteInstruments_;  // by the element of the note
+    std::map<std::string, engine::Hairpin, std::less<>> openWedges_;  // by their numbers
+    NoteInstruments noteInstruments_;
 };
 
 }  // namespace rovescio::musicxml

@@ -37,6 +37,7 @@ class ScoreReader {
     bool assemble();
     void assemblePart(PartReader& part, short firstStaff);
     void moveToUnpitched(PartReader& part);
+    void gatherLengths();
     void takeLengths(PartReader& part) const;
 
     engine::Document& document_;
@@ -47,8 +48,10 @@ class ScoreReader {
     std::unordered_map<std::string_view, std::pair<std::string, PartInstruments>> listed_;
     std::unordered_map<std::string_view, std::size_t> partIndex_;
     std::vector<PartReader> parts_;
-    std::vector<std::string> labels_;   // of the measures
-    std::vector<std::int16_t> widths_;  // likewise, hundredths of a staff space
+    std::vector<std::string> labels_;                 // of the measures
+    std::vector<std::int16_t> widths_;                // likewise, hundredths of a staff space
+    std::vector<std::vector<std::int32_t>> lengths_;  // likewise, those of the parts, each once
+    NoteInstruments named_;
 };
 
 void ScoreReader::readWork(const xml::Element& work) {
@@ -165,19 +168,28 @@ void ScoreReader::moveToUnpitched(PartReader& part) {
     }
 }
 
+// What the parts have in each measure.
+void ScoreReader::gatherLengths() {
+    lengths_.resize(labels_.size());
+    for (PartReader& part : parts_) {
+        for (std::size_t measure = 0; measure < labels_.size(); ++measure) {
+            const std::int32_t contents = part.lengths()[measure].contents;
+            std::vector<std::int32_t>& known = lengths_[measure];
+            if (contents > 0 && std::ranges::find(known, contents) == known.end()) known.push_back(contents);
+        }
+    }
+}
+
 // A measure that is short by its contents is a short measure, such as a pick-up, only when no other part
 // fills it; where a part has nothing at all, it is as long as the others are.
 void ScoreReader::takeLengths(PartReader& part) const {
     for (std::size_t measure = 0; measure < part.lengths().size(); ++measure) {
         const PartReader::Lengths& own = part.lengths()[measure];
         if (own.contents > 0 && own.contents >= own.signature) continue;
-        const auto other = std::find_if(parts_.begin(), parts_.end(), [&](const PartReader& candidate) {
-            const std::int32_t contents = candidate.lengths()[measure].contents;
-            return own.contents == 0 ? contents > 0 : contents == own.signature;
-        });
-        if (other == parts_.end()) continue;
-        const std::int32_t length = other->lengths()[measure].contents;
-        for (StaffReading& staff : part.staves()) staff.measures[measure].duration = length;
+        const std::vector<std::int32_t>& known = lengths_[measure];
+        const auto length = own.contents == 0 ? known.begin() : std::ranges::find(known, own.signature);
+        if (length == known.end()) continue;
+        for (StaffReading& staff : part.staves()) staff.measures[measure].duration = *length;
     }
 }
 
@@ -228,8 +240,8 @@ void ScoreReader::assemblePart(PartReader& part, short firstStaff) {
         mark.lastStaff = global(static_cast<int>(part.staves().size()) - 1);
         reading_.sources.harmony.push_back(mark);
     }
-    part.performance().finish(firstStaff, static_cast<short>(part.staves().size()), reading_.sources,
-                              reading_.performance);
+    part.performance().finish(firstStaff, static_cast<short>(part.staves().size()), reading_.performance,
+                              named_);
 }
 
 bool ScoreReader::assemble() {
@@ -254,11 +266,13 @@ bool ScoreReader::assemble() {
         document_.addMeasure({std::move(labels_[i]), {.width = widths_[i]}});
     }
     document_.layOut();
+    gatherLengths();
     short firstStaff = 1;
     for (PartReader& part : parts_) {
         assemblePart(part, firstStaff);
         firstStaff = static_cast<short>(firstStaff + static_cast<short>(part.staves().size()));
     }
+    nameInstruments(std::move(named_), reading_.sources, reading_.performance);
     std::stable_sort(reading_.sources.clefs.begin(), reading_.sources.clefs.end(),
                      [](const ClefMark& left, const ClefMark& right) {
                          return std::tuple(left.staff, left.measure, left.position) <
