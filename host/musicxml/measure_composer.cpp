@@ -27,7 +27,7 @@ bool isGrace(const Event& event) {
     return engine::entryState(*event.entry).grace != engine::Grace::none;
 }
 
-// Parts of a chord that stands on two staves.
+// Parts of a chord that spans two staves.
 bool shareStem(const Event& first, const Event& second) {
     return first.source != nullptr && second.source != nullptr && first.source->sharesStem &&
            second.source->sharesStem && first.start == second.start && first.length == second.length &&
@@ -118,12 +118,12 @@ void MeasureComposer::mend(Stream& stream) {
         member.rest = isRest(*event);
         member.grace = state.grace != engine::Grace::none;
         member.tuplet = state.actual != state.normal;
-        member.mirrored = event->mirrored;
+        member.reversed = event->reversed;
         member.cut = event->continues || event->continued ||
                      (event->source != nullptr && event->source->duration != event->entry->duration);
         // A bracket begins with the first and ends with the last part of a note that was cut.
         std::erase_if(member.groups.tuplets, [&](const TupletMark& mark) {
-            const bool start = mark.start != event->mirrored;
+            const bool start = mark.start != event->reversed;
             return start ? event->continues : event->continued;
         });
         members.push_back(&member);
@@ -230,7 +230,7 @@ std::size_t MeasureComposer::streamOf(const Fraction& time) const {
     return 0;
 }
 
-// Everything but notes that stands before a time or at it; what stands at the measure's end comes last.
+// Everything but notes up to and including a time; what is at the measure's end comes last.
 void MeasureComposer::emitItemsUntil(const Fraction& time, std::size_t stream) {
     const std::vector<MeasureContents::Item>& items = contents_.items;
     for (std::size_t i = 0; i < items.size(); ++i) {
@@ -248,7 +248,7 @@ NoteShape MeasureComposer::shapeOf(const Event& event, const Stream& stream) con
     const bool grace = isGrace(event);
     if (!grace) shape.duration = units(event.length);
     shape.voice = stream.voice;
-    shape.mirrored = event.mirrored;
+    shape.reversed = event.reversed;
     shape.continuation = event.continues;
     const std::int32_t value = event.entry->duration;
     const xml::Node rest =
@@ -317,7 +317,7 @@ bool MeasureComposer::keepOwnDuration(xml::Node note, NoteShape& shape, bool isC
         shape.duration = isInOwnDivisions() ? "" : std::to_string(own->value * divisions_ / scale);
         return true;
     }
-    part_.journal.fail("a note has a rounded duration, or another one than its chord, and cannot be kept so",
+    part_.journal.fail("a note has a rounded duration, or not that of its chord, which cannot be kept",
                        part_.edits.place(note), "Correct the duration there, or select other measures.");
     return false;
 }

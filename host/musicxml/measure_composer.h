@@ -1,4 +1,4 @@
-// Puts one measure together from the events of its voices and everything else that stands in it.
+// Puts one measure together from the events of its voices and everything else in it.
 #pragma once
 
 #include <map>
@@ -29,9 +29,9 @@ struct Event {
     engine::Fraction length;
     int staff = 0;           // within the part, from 0
     std::size_t line = 0;    // its line in the measure
-    bool continues = false;  // goes on with a note that was cut
+    bool continues = false;  // is a later part of a note that was cut
     bool continued = false;
-    bool mirrored = false;  // the order around it is reversed
+    bool reversed = false;  // the order around it is reversed
     GroupMember member;
 };
 
@@ -73,7 +73,7 @@ class MeasureComposer {
                     Lines& lines);
 
     // Divisions of a quarter in the file: in force before the measure as it is written now, in the measure as
-    // it was, and whether the latter must be in force again behind it.
+    // it was, and whether the latter must be in force again after it.
     struct Divisions {
         Decimal before;
         Decimal own;

@@ -1,4 +1,4 @@
-// Measures written anew after their notes have changed places.
+// Measures written again after their notes have changed places.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -12,12 +12,12 @@
 namespace rovescio::test {
 namespace {
 
-// A score with its first staff turned round, as it is written.
-std::string turned(const std::string& score) {
+// A score with its first staff reversed, as it is written.
+std::string retrogradeOf(const std::string& score) {
     OpenScore file = open(score);
     MemoryUserInterface front;
     engine::Session session(file.document, front);
-    EXPECT_TRUE(turnStaff(session, 1)) << (session.refusal ? session.refusal->text() : "");
+    EXPECT_TRUE(reverseStaff(session, 1)) << (session.refusal ? session.refusal->text() : "");
     return file.written();
 }
 
@@ -104,7 +104,7 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
         {"chords stay together",
          {note("c4:q") + chordNote("e4:q") + note("r:q") + note("d4:h")},
          {note("d4:h") + note("r:q") + note("c4:q") + chordNote("e4:q")}},
-        {"ties turn round",
+        {"ties are reversed",
          {tiedNote("C", "start") + tiedNote("C", "stop") + note("d4:h")},
          {note("d4:h") + tiedNote("C", "start") + tiedNote("C", "stop")}},
         {"a note over the barline is cut and joined again",
@@ -142,7 +142,7 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
           onStaff("d3:h", 2)},
          kCommonAttributes,
          false},
-        {"a tie turns round on a note that keeps its measure",
+        {"a tie is reversed on a note that keeps its measure",
          {note("c4:q") + tiedNote("D", "start"), tiedNote("D", "stop") + note("e4:q"), note("f4:h")},
          {note("f4:h"), note("e4:q") + tiedNote("D", "start"), tiedNote("D", "stop") + note("c4:q")}},
         {"brackets are closed at a barline that cuts, and are whole again",
@@ -154,7 +154,7 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
           sixth("stop", "<tuplet type=\"start\" id=\"rovescio-cut-1-2-1\"/>") + third("C", bracket("stop")) +
               timedNote("F", "9", "<type>quarter</type><dot/>")},
          attributes("6", "<time><beats>2</beats><beat-type>4</beat-type></time>")},
-        {"whole beams are mirrored",
+        {"whole beams are reversed",
          {note("c4:e", beam("begin")) + note("d4:e", beam("end")) + note("e4:q") + note("f4:h")},
          {note("f4:h") + note("e4:q") + note("d4:e", beam("begin")) + note("c4:e", beam("end"))}},
         {"brackets keep their look at their start",
@@ -169,7 +169,7 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
         {"voices follow each other",
          {voice("1", "c5:h d5:h") + backup(4) + voice("2", "e4:q f4:h r:q")},
          {voice("1", "d5:h c5:h") + backup(4) + voice("2", "r:q f4:h e4:q")}},
-        {"an absent voice stays absent at the mirrored time",
+        {"an absent voice stays absent at the reversed time",
          {voice("1", "c5:h d5:h") + backup(1) + voice("2", "e4:q")},
          {voice("1", "d5:h c5:h") + backup(4) + voice("2", "e4:q") +
           "<forward><duration>12</duration></forward>"},
@@ -179,10 +179,10 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const std::string before = scoreOf(c.before, c.attributes);
-        const std::string after = turned(before);
+        const std::string after = retrogradeOf(before);
         EXPECT_EQ(after, scoreOf(c.after, c.attributes));
         if (c.restored) {
-            EXPECT_EQ(turned(after), before);
+            EXPECT_EQ(retrogradeOf(after), before);
         }
     }
 }
