@@ -1,5 +1,5 @@
-// Files are written beside their places first, then what goes to streams and cannot be taken back, and at
-// last all files are put into place while signals wait.
+// Files are written beside their places first, then streams, which cannot be taken back; finally all files
+// are put into place while signals wait.
 #include "cli/outputs.h"
 
 #include <fcntl.h>
@@ -32,7 +32,7 @@ int writeStream(const OutputPath& target, const ByteSource& source) {
 // Takes back the files that were placed before one that could not be.
 Problem takeBack(std::span<const std::unique_ptr<StagedFile>> placed, Problem problem) {
     for (const std::unique_ptr<StagedFile>& file : placed) {
-        if (!file->takeBack()) problem.message += "; " + file->target().name + " is written already";
+        if (!file->takeBack()) problem.message += "; " + file->target().name + " has already been written";
     }
     return problem;
 }

@@ -42,7 +42,7 @@ class Pour {
     }
 
     void add(std::uint32_t item, std::int32_t duration, Fraction start) {
-        if (++inMeasure_ > std::numeric_limits<std::int16_t>::max()) fail("too many notes come together");
+        if (++inMeasure_ > std::numeric_limits<std::int16_t>::max()) fail("too many notes in one measure");
         result_.pieces.push_back({.item = item,
                                   .firstItem = item,
                                   .lastItem = item,
@@ -80,14 +80,14 @@ class Pour {
         do {
             if (position_ == length() && remaining > Fraction(0)) {
                 if (measure_ + 1 == measures_.size())
-                    return fail("the notes are more than the measure holds");
+                    return fail("there are more notes than the measure holds");
                 ++measure_;
                 position_ = 0;
                 inMeasure_ = 0;
             }
             if (!continues) placeWaiting();
             const Fraction room = length() - position_;
-            if (!room.isSound()) return fail("the ratios of its tuplets are beyond what can be counted");
+            if (!room.isSound()) return fail("the ratios of its tuplets are too complex");
             const bool cut = room < remaining;
             const Fraction taken = cut ? room : remaining;
             if (!cut && !continues) {
@@ -112,7 +112,7 @@ class Pour {
                      bool cut) {
         const Fraction nominal = taken.times(state.actual, state.normal);
         if (!nominal.isSound() || !nominal.isWhole()) {
-            fail("a tuplet would be cut by the barline where no note value can tell it");
+            fail("the barline would split a tuplet where no note value can express it");
             return false;
         }
         std::vector<std::int32_t> values = {nominal.floor()};

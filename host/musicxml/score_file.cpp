@@ -14,7 +14,7 @@ namespace rovescio::musicxml {
 
 engine::Result<ScoreFile> ScoreFile::read(std::string bytes, std::string name, engine::Document& document,
                                           const ReadOptions& options) {
-    // Places in the text have 32 bits, and those of new text come behind them.
+    // Places in the text have 32 bits, and those of new text come after them.
     const std::size_t maxBytes =
         std::min<std::size_t>(options.maxBytes, std::numeric_limits<std::int32_t>::max());
     ScoreFile file;
@@ -66,7 +66,7 @@ engine::Result<WrittenFile> ScoreFile::write(const engine::Document& document, C
         file.setFault({.message = "the result is not sound, and nothing was written: " + *fault,
                        .file = name_,
                        .measure = {},
-                       .remedy = "This is a fault of Rovescio; please report it with the score"});
+                       .remedy = "This is a fault in Rovescio; please report it with the score"});
     }
     return file;
 }

@@ -1,4 +1,4 @@
-// Lists of children, start tags and texts over a tree that stays.
+// Changed lists of children, start tags and texts over an unchanged tree.
 #include "xml/edits.h"
 
 #include <algorithm>
@@ -30,7 +30,7 @@ std::string_view Edits::slice(const Slice& at) const {
     return std::string_view(pool_).substr(at.begin - source.size() - 1, at.end - at.begin);
 }
 
-// Places of the pool count on behind the source, with one between them so that no stretch joins both.
+// Places of the pool count on after the source, with one between them so that no stretch joins both.
 Slice Edits::keep(std::string_view text) {
     if (text.empty()) return {};
     const auto begin = static_cast<std::uint32_t>(tree_->source().size() + 1 + pool_.size());

@@ -12,7 +12,7 @@ class MainDialogTest : public testing::Test {
     MainDialogTest() { SUItems = {}; }
     // Up a major second, by the transposition dialog.
     void chooseTransposition(MemoryDialog& dialog) {
-        engine.front.hands[20150] = [](MemoryDialog& sub) {
+        engine.front.users[20150] = [](MemoryDialog& sub) {
             sub.choose(3, 3);
             sub.choose(6, 5);
             sub.press(1);

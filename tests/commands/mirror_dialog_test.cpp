@@ -34,7 +34,7 @@ TEST_F(MirrorDialogTest, ShowsAndTakesTheAxis) {
         {{3, 1, 0, 4}, 12, 4, 1, {{3, 22}, {5, 5}, {6, 1}}, 10, 1, 1},
     };
     for (const auto& c : cases) {
-        engine.front.hands[20140] = [&](MemoryDialog& dialog) {
+        engine.front.users[20140] = [&](MemoryDialog& dialog) {
             EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{
                                          {3, c.entry}, {5, c.octave}, {6, c.axis.simplifySpelling}}));
             for (const auto& [item, value] : c.chosen) dialog.values[item] = value;
@@ -50,7 +50,7 @@ TEST_F(MirrorDialogTest, ShowsAndTakesTheAxis) {
 
 TEST_F(MirrorDialogTest, ListeningTakesNoteOns) {
     MirrorAxis axis;
-    engine.front.hands[20140] = [&](MemoryDialog& dialog) {
+    engine.front.users[20140] = [&](MemoryDialog& dialog) {
         const short entries[12] = {2, 3, 5, 6, 8, 11, 12, 14, 15, 17, 18, 20};
         for (std::uint8_t note = 48; note < 72; ++note) {
             engine.front.midi = {0x93, note, 64};
@@ -71,7 +71,7 @@ TEST_F(MirrorDialogTest, ListeningTakesNoteOns) {
 
 TEST_F(MirrorDialogTest, ApplyRunsInTheFixedOrderWithinOneEdit) {
     engine.session.selection = engine.everything();
-    engine.front.hands[20140] = [](MemoryDialog& dialog) {
+    engine.front.users[20140] = [](MemoryDialog& dialog) {
         dialog.values[3] = 8;  // E
         dialog.values[6] = 1;
         dialog.press(1);

@@ -234,7 +234,7 @@ TEST(ScoreWriting, refusals) {
          chord},
         {"note ids", [](Entries& entries) { entries[0].notes[0].noteId = 2; }, chord},
         {"octave", [](Entries& entries) { entries[0].notes[0].displacement = -29; },
-         "test.musicxml:4: a note would leave the octaves 0 to 9, which is all that the file format has "
+         "test.musicxml:4: a note would leave the octaves 0 to 9, the only ones that the file format has "
          "(measure 1). Choose a smaller interval or a nearer axis."},
     };
     for (const auto& refusal : cases) {

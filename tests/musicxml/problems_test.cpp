@@ -42,11 +42,11 @@ std::vector<ProblemCase> xmlProblems() {
         {"wrong end tag", "<score-partwise>\n<part-list>\n</part></score-partwise>",
          "3:1: the XML is not well-formed: the end tag </part> does not belong to <part-list>. " + repair},
         {"no tag", "<score-partwise>\n< part/></score-partwise>",
-         "2:1: the XML is not well-formed: the sign < does not begin a tag. " + repair},
+         "2:1: the XML is not well-formed: the character < does not begin a tag. " + repair},
         {"bytes that are not the UTF-8 they claim", "<score-partwise>\n  <!-- Fl\xF6te -->",
-         "2:10: the XML is not well-formed: there are bytes that are no character. " + repair},
+         "2:10: the XML is not well-formed: there are bytes that are not a character. " + repair},
         {"second root", sound + "<score-partwise/>",
-         "7:1: the XML is not well-formed: a second element stands behind <score-partwise>. " + repair},
+         "7:1: the XML is not well-formed: there is a second element after <score-partwise>. " + repair},
         {"nested too deep", nested(300),
          "2: this is more than any score needs: elements are nested more than 256 deep. Split the score, or "
          "export it again."},
@@ -55,12 +55,13 @@ std::vector<ProblemCase> xmlProblems() {
          "declarations "
          "between [ and ] in the DOCTYPE line."},
         {"unknown encoding", "<?xml version=\"1.0\" encoding=\"EBCDIC-XY\"?><score-partwise/>",
-         "1: the encoding \"EBCDIC-XY\" is not known. Export the score again as UTF-8."},
+         "1: the encoding \"EBCDIC-XY\" is unknown. Export the score again as UTF-8."},
         {"ambiguous encoding", "<?xml version=\"1.0\" encoding=\"UTF-7\"?><score-partwise/>",
-         "1: the encoding UTF-7 does not let the file be written as it was. Export the score again as "
+         "1: the encoding UTF-7 does not allow the file to be written back unchanged. Export the score again "
+         "as "
          "UTF-8."},
         {"broken UTF-16", std::string("\xFF\xFE<\0\n\0\0\xD8x\0", 10),
-         "2: the file is not in the encoding UTF-16LE that it names. Export the score again as UTF-8."},
+         "2: the file is not in the encoding UTF-16LE that it declares. Export the score again as UTF-8."},
     };
 }
 
@@ -95,7 +96,7 @@ std::vector<ProblemCase> scoreProblems() {
         {"endless duration", withNote(pitch + "<duration>99999999999999999999</duration>"),
          "5: the duration \"99999999999999999999\" is not a positive number" + noteRemedy},
         {"duration of years", withNote(pitch + "<duration>999999999</duration>"),
-         "5: the duration of a note is beyond what can be counted (measure 1). Correct the note's <duration> "
+         "5: the duration of a note is too large or too fine (measure 1). Correct the note's <duration> "
          "or the <divisions> of the part."},
         {"backup without duration", scoreOf({"\n<backup/>"}),
          "5: the duration of a <backup> is missing or unusable: \"\" (measure 1). Give it a positive number "

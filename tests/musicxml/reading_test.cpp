@@ -280,10 +280,10 @@ TEST(ScoreReading, strangeThingsAreToldOnce) {
     EXPECT_EQ(
         score.file.notices(),
         (std::vector<std::string>{
-            "test.musicxml:4: a <backup> leads before the start of the measure; it is taken to lead to the "
+            "test.musicxml:4: a <backup> goes beyond the start of the measure; it is taken to go to the "
             "start (measure 1)",
-            "test.musicxml:4: the element <odd> is not known here; it is kept as it is (measure 1)",
-            "test.musicxml:5: a chord note follows no note; it is taken to stand alone (measure 1)"}));
+            "test.musicxml:4: the element <odd> is unknown; it is kept as it is (measure 1)",
+            "test.musicxml:5: a chord note follows no note; it is taken as a note of its own (measure 1)"}));
 }
 
 }  // namespace

@@ -110,7 +110,7 @@ std::string voice(const std::string& number, const std::string& notes, const std
     std::string text;
     for (std::string token; in >> token;) {
         std::string xml = note(token, more);
-        // A voice is told between the duration and the type.
+        // A voice is given between the duration and the type.
         xml.insert(xml.find("<type>"), "<voice>" + number + "</voice>");
         text += xml;
     }
