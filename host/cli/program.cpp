@@ -1,5 +1,5 @@
-// The way of one score through the program, and the choice between one, several, row forms, --info and
-// validate.
+// How one score goes through the program, and the choice between one score, several, row forms, --info
+// and validate.
 #include "cli/program.h"
 
 #include <memory>
@@ -107,7 +107,7 @@ RunOptions runOptions(const Options& options, const Installation& installation) 
             .playback = options.wantsPlayback()};
 }
 
-// The code tells what is missing, after a message.
+// The code says what is missing, after a message.
 ExitCode prepare(const Options& options, const Installation& installation, Surroundings& around) {
     if (!options.output.empty()) {
         const Result<OutputPath> target = findOutput(options.output);
@@ -167,7 +167,7 @@ ExitCode finishScore(const Options& options, const ScoreFile& score, const Docum
     return around.playback ? around.playback->play(options.quiet) : ExitCode::ok;
 }
 
-// Tells what the check found; the exit status says whether that was anything.
+// Shows what the check found; the exit status says whether that was anything.
 ExitCode showCheck(const TransformationOutcome& outcome, const Selection& selection) {
     const std::string result = !outcome.findings.empty()   ? outcome.findings
                                : outcome.obstacles.empty() ? "nothing stands in the way of a retrograde"

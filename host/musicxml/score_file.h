@@ -38,7 +38,7 @@ class WrittenFile {
     // What the user should know about the writing, each once.
     [[nodiscard]] const std::vector<std::string>& notices() const { return notices_; }
 
-    // What is wrong with the file when it is read again; it must not take the place of any other then.
+    // What proofreading found wrong with the file, which then must not replace any other.
     [[nodiscard]] const std::optional<engine::Problem>& fault() const { return fault_; }
     void setFault(engine::Problem fault) { fault_ = std::move(fault); }
 
@@ -48,8 +48,8 @@ class WrittenFile {
     std::optional<engine::Problem> fault_;
 };
 
-// Keeps the file's text as it came. Writing changes only the places that belong
-// to changed notes, so everything else comes out byte for byte.
+// Keeps the file's text as it came. Writing edits only the elements of changed
+// notes and measures, so everything else comes out byte for byte.
 class ScoreFile {
   public:
     // Reads the bytes of a file into an empty document; the name is for messages.

@@ -1,8 +1,8 @@
 // Changes to a tree, and the changed text.
 //
-// A layer over a tree that stays as it is: it holds the nodes that are new and what has become of those that
-// are not. What it does not speak of is printed byte for byte as it stood. White space and comments before an
-// element belong to it and go where it goes.
+// A layer over a tree that stays as it is: it holds the new nodes and the changes to the others. What it does
+// not mention is printed byte for byte as it was. White space and comments before an element belong to it and
+// go where it goes.
 #pragma once
 
 #include <cstdint>
@@ -50,13 +50,13 @@ class Edits {
     void setAttribute(Node node, std::string_view name, std::string_view value);
     void removeAttribute(Node node, std::string_view name);
 
-    // An element that stands nowhere yet, out of text that is well-formed and whose names the tree knows.
+    // An element that has no place yet, made from text that is well-formed and whose names the tree knows.
     Node make(std::string_view text);
     // A copy of an element of the tree as it was parsed.
     Node copy(Node original);
 
-    // Puts an element that stands nowhere behind or before another, on a line of its own where the other has
-    // one; before the first child, where there is one; and behind the last.
+    // Puts an element that has no place yet after or before another, on a line of its own where the other has
+    // one; before the first child, where there is one; and after the last.
     void insertAfter(Node sibling, Node added);
     void insertBefore(Node sibling, Node added);
     void insertFirst(Node parent, Node added);
@@ -75,20 +75,20 @@ class Edits {
   private:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-    // A child in a list of its own, with what stands before it.
+    // A child in a list of its own, with the text before it.
     struct Piece {
         Slice lead;
         Node node = 0;
         std::uint32_t next = kNone;
     };
-    // What has become of an element; without anything set, something inside has changed.
+    // The change to an element; with nothing set, something inside it has changed.
     struct Change {
         Slice startTag;  // empty: as it stood
         Slice text;      // instead of the content
         bool hasText = false;
         bool hasList = false;
         std::uint32_t first = kNone;  // pieces
-        Slice tail;                   // behind the last child
+        Slice tail;                   // after the last child
     };
     class Printer;
 
@@ -114,7 +114,7 @@ class Edits {
     std::vector<std::uint32_t> changeOf_;  // by node; 0 for none
     std::vector<Change> changes_;          // the first one is none
     std::vector<Piece> pieces_;
-    std::vector<NodeData> added_;  // new nodes; their places count on behind the source
+    std::vector<NodeData> added_;  // new nodes; their places count on after the source
     std::string pool_;             // new text
 };
 
