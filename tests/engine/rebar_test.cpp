@@ -82,6 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
              "r:h d4:q r:q r:q | r:h c4:q",
              false},
         Case{"graceStaysWithItsNote", "C 2/4 c4:h | /d4:e e4:h", {}, "e4:h /d4:e | c4:h"},
+        Case{"reminderAtTheStart", "C 4/4 c4:h | e4!:h d4:q", {2048, kThree}, "d4:q e4~!:q | e4^:q c4:h"},
         Case{"keepsAccidentals", "G 2/4 f4!:q f#4!:q | f#4:h", {}, "f#4:h | f#4:q f4!:q", false}),
     [](const auto& test) { return std::string(test.param.name); });
 

@@ -21,11 +21,31 @@ std::string turned(const std::string& score) {
     return file.written();
 }
 
+const std::string kFourFour = "<time><beats>4</beats><beat-type>4</beat-type></time>";
+
 std::string attributes(const std::string& divisions, const std::string& time) {
     return "<attributes><divisions>" + divisions + "</divisions>" + time + "</attributes>";
 }
 std::string beam(const std::string& value) {
     return "<beam number=\"1\">" + value + "</beam>";
+}
+std::string hook(const std::string& side) {
+    return "<beam number=\"2\">" + side + " hook</beam>";
+}
+std::string ornaments(const std::string& tremolo, const std::string& wave) {
+    return "<notations><ornaments><tremolo type=\"" + tremolo + "\">3</tremolo><wavy-line type=\"" + wave +
+           "\"/></ornaments></notations>";
+}
+std::string twoSyllables(const std::string& first, const std::string& second) {
+    return "<lyric><syllabic>" + first + "</syllabic><text>a</text><elision/><syllabic>" + second +
+           "</syllabic><text>e</text></lyric>";
+}
+std::string inChord(std::string noteXml) {
+    return noteXml.insert(noteXml.find('>') + 1, "<chord/>");
+}
+std::string offsets(int own, int ofSound) {
+    return "<direction><direction-type><words>dolce</words></direction-type><offset>" + std::to_string(own) +
+           "</offset><sound><offset>" + std::to_string(ofSound) + "</offset></sound></direction>";
 }
 std::string bracket(const std::string& type, const std::string& look = "") {
     return "<notations><tuplet type=\"" + type + "\"" + look + "/></notations>";
@@ -40,6 +60,10 @@ std::string syllable(const std::string& place, const std::string& extend = "") {
 // An eighth of a triplet.
 std::string third(const std::string& step, const std::string& notations) {
     return timedNote(step, "2", "<type>eighth</type>" + tuplet(3, 2) + notations);
+}
+std::string tripletOf(const std::string& duration) {
+    const std::string one = timedNote("F", duration, "<type>eighth</type>" + tuplet(3, 2));
+    return one + one + one;
 }
 std::string ties(const std::string& end, const std::string& sign, const std::string& more) {
     return "<tie type=\"" + end + "\"/><type>quarter</type>" +
@@ -154,9 +178,56 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
           sixth("stop", "<tuplet type=\"start\" id=\"rovescio-cut-1-2-1\"/>") + third("C", bracket("stop")) +
               timedNote("F", "9", "<type>quarter</type><dot/>")},
          attributes("6", "<time><beats>2</beats><beat-type>4</beat-type></time>")},
-        {"whole beams are mirrored",
-         {note("c4:e", beam("begin")) + note("d4:e", beam("end")) + note("e4:q") + note("f4:h")},
-         {note("f4:h") + note("e4:q") + note("d4:e", beam("begin")) + note("c4:e", beam("end"))}},
+        {"whole beams are mirrored, with their hooks",
+         {timedNote("C", "3", "<type>eighth</type><dot/>" + beam("begin")) + chordNote("e4:e") +
+          note("d4:s", beam("end") + hook("backward")) + note("e4:q") + note("f4:h")},
+         {note("f4:h") + note("e4:q") + note("d4:s", beam("begin") + hook("forward")) +
+          timedNote("C", "3", "<type>eighth</type><dot/>" + beam("end")) + chordNote("e4:e")}},
+        {"beams end at the barline",
+         {note("g4:e"), note("c4:h.") + note("d4:e", beam("begin")) + note("e4:e", beam("end"))},
+         {note("e4:e"), note("d4:e") + note("c4:h.") + note("g4:e")},
+         kCommonAttributes,
+         false},
+        {"what has a direction points the other way, and places on the page are forgotten",
+         {"<note default-x=\"20\" relative-x=\"1\">" +
+          note("c4:h", ornaments("start", "stop") + twoSyllables("begin", "middle")).substr(6) +
+          note("d4:h")},
+         {note("d4:h") + note("c4:h", ornaments("stop", "start") + twoSyllables("middle", "end"))},
+         kCommonAttributes,
+         false},
+        {"a measure's rest that is cut has values where it fills none",
+         {note("c4:q"), "<note><rest measure=\"yes\"/><duration>16</duration></note>"},
+         {"<note><rest measure=\"yes\"/><duration>4</duration></note>",
+          "<note><rest/><duration>12</duration><type>half</type><dot/></note>" + note("c4:q")},
+         kCommonAttributes,
+         false},
+        {"a chord that is cut is marked once",
+         {note("c4:h"), note("d4:h") + chordNote("a4:h") + note("e4:q")},
+         {note("e4:q") + tiedNote("D", "start") + inChord(tiedNote("A", "start")),
+          tiedNote("D", "stop", " id=\"rovescio-cut-1-2-1\"") + inChord(tiedNote("A", "stop")) +
+              note("c4:h")}},
+        {"the mark of a cut stays with the later part",
+         {note("e4:q") + tiedNote("D", "start"),
+          tiedNote("D", "stop", " id=\"rovescio-cut-1-2-1\"") + note("c4:q")},
+         {note("c4:q") + tiedNote("D", "start"),
+          tiedNote("D", "stop", " id=\"rovescio-cut-1-2-1\"") + note("e4:q")}},
+        {"offsets count in the divisions that are needed, and barlines stay last",
+         {attributes("2", kFourFour) + offsets(2, 1) + timedNote("C", "8", "<type>whole</type>") +
+              "<barline location=\"right\"/>",
+          "<attributes><divisions>3</divisions></attributes>" + tripletOf("1") +
+              timedNote("G", "9", "<type>half</type><dot/>")},
+         {attributes("6", kFourFour) + offsets(6, 3) + timedNote("G", "18", "<type>half</type><dot/>") +
+              tripletOf("2") + "<barline location=\"right\"/>",
+          "<attributes><divisions>3</divisions></attributes>" + timedNote("C", "12", "<type>whole</type>")},
+         "",
+         false},
+        {"divisions that changed inside hold from the start",
+         {attributes("4", kFourFour) + note("c4:h") + "<attributes><divisions>8</divisions></attributes>" +
+          timedNote("D", "16", "<type>half</type>")},
+         {attributes("8", kFourFour) + timedNote("D", "16", "<type>half</type>") +
+          timedNote("C", "16", "<type>half</type>")},
+         "",
+         false},
         {"brackets keep their look at their start",
          {third("C", bracket("start", " bracket=\"yes\"")) + third("D", "") + third("E", bracket("stop")) +
           "<note><rest/><duration>6</duration><type>quarter</type></note>"},
@@ -185,6 +256,18 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
             EXPECT_EQ(turned(after), before);
         }
     }
+}
+
+TEST(Rewriting, refusesToCutChordsOfSeveralDurations) {
+    OpenScore score = open(scoreOf({note("c4:h"), note("d4:h") + chordNote("a4:q") + note("e4:q")}));
+    MemoryUserInterface front;
+    engine::Session session(score.document, front);
+    ASSERT_TRUE(turnStaff(session, 1));
+    const auto written = score.file.write(score.document, musicxml::Container::plain);
+    ASSERT_FALSE(written.ok());
+    EXPECT_NE(written.problem().text().find("another one than its chord, and cannot be kept so (measure 1)"),
+              std::string::npos)
+        << written.problem().text();
 }
 
 }  // namespace

@@ -133,9 +133,9 @@ void OpenScore::setFlags(std::uint32_t cleared, std::uint32_t set, std::size_t e
 }
 
 std::string OpenScore::written() const {
-    const auto written = file.write(document, musicxml::Container::plain);
-    if (written) return written.value().bytes();
-    ADD_FAILURE() << written.problem().text();
+    auto written = file.write(document, musicxml::Container::plain);
+    if (written && !written->fault()) return written->bytes();
+    ADD_FAILURE() << (written ? *written->fault() : written.problem()).text();
     return {};
 }
 
