@@ -69,35 +69,5 @@ TEST_F(MirrorDialogTest, ListeningTakesNoteOns) {
     editMirrorAxis(nullptr, axis);
 }
 
-TEST_F(MirrorDialogTest, ApplyRunsInTheFixedOrderWithinOneEdit) {
-    engine.session.selection = engine.everything();
-    engine.front.hands[20140] = [](MemoryDialog& dialog) {
-        dialog.values[3] = 8;  // E
-        dialog.values[6] = 1;
-        dialog.press(1);
-    };
-    const std::tuple<short, short, const char*> cases[] = {{2, 1, "<b3 d4 f4>:w"},
-                                                           {3, 1, "<b3 d#4! f#4!>:w"},
-                                                           {4, 1, "<f4 a4 d5>:w"},
-                                                           {5, 3, "<a3!+ d4!+ f4!+>:w"},
-                                                           {1, 6, "<d4 f4 a4>:w"}};
-    for (const auto& [inversion, option, after] : cases) {
-        SUItems = {};
-        SUItems.transpose.kind = 2;
-        SUItems.transpose.steps = 1;
-        engine.workMainDialog([&, inversion = inversion, option = option](MemoryDialog& dialog) {
-            EXPECT_EQ(dialog.press(5), 1);
-            EXPECT_EQ(SUItems.mirrorAxisStep, 2);
-            EXPECT_EQ(SUItems.mirrorCheck, 1);
-            dialog.values[4] = inversion;
-            dialog.values[8] = option;
-            EXPECT_EQ(dialog.press(1), 1);
-        });
-        EXPECT_EQ(textOf(engine.document), after) << "inversion " << inversion;
-        EXPECT_TRUE(engine.session.massEdits.undo());
-        EXPECT_EQ(textOf(engine.document), "<c4 e4 g4>:w");
-    }
-}
-
 }  // namespace
 }  // namespace rovescio::test

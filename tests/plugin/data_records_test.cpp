@@ -462,27 +462,4 @@ TEST_F(DataRecords, ASmartShapeIsMadeAndErasedWithItsMarks) {
     EXPECT_TRUE(center.EraseShapeOnly(number, centerNumber) && !center.EraseShapeOnly(number, centerNumber));
 }
 
-TEST_F(DataRecords, ASmartShapeIsDrawnAnew) {
-    EXPECT_FALSE(TSmartShape(1).exists());
-    EDTSmartShape shape;
-    std::uint16_t number = 0;
-    ASSERT_TRUE(shape.CreateShapeOnly(number));
-    TSmartShape drawn(number);
-    ASSERT_TRUE(drawn.exists());
-    drawn.SetVertical(TSmartShape::kLastPoint, 50);
-    drawn.SetVertical(TSmartShape::kFirstPoint, 10);
-    drawn.SetKind(SHAPE_LINE);
-    drawn.SetText(5);
-    const std::vector<int> expected{SHAPE_LINE, 5, 10, 50};
-    EXPECT_TRUE(drawn.Save() && shape.Load(number));
-    EXPECT_EQ((std::vector<int>{shape.kind, shape.text, shape.firstVertical, shape.lastVertical}), expected);
-    const TSmartShape again(number);
-    EXPECT_EQ((std::vector<int>{again.GetKind(), again.GetText(), again.GetVertical(TSmartShape::kFirstPoint),
-                                again.GetVertical(TSmartShape::kLastPoint)}),
-              expected);
-    drawn.Straighten();
-    EXPECT_TRUE(drawn.Save() && shape.Load(number));
-    EXPECT_EQ(+shape.lastVertical, 10);
-}
-
 }  // namespace
