@@ -158,7 +158,7 @@ class Decider {
                                   const ENOTE& note) const {
         if ((note.noteFlags & kCourtesySign) != 0) return true;
         return !edits_.wasDecided(frame) &&
-               std::ranges::binary_search(courtesies_, NoteNumber{entry.entryNumber, note.noteId});
+               std::ranges::binary_search(courtesies_, NoteNumber{+entry.entryNumber, +note.noteId});
     }
 
     // Whether the note shows an accidental in the end.

@@ -59,7 +59,7 @@ class Origins {
 
     // The note that a grace entry belongs to: the next of its measure, or else the last.
     [[nodiscard]] std::uint32_t ownerOf(const StoredEntry& grace) const {
-        const auto found = owners_.find(grace.entryNumber);
+        const auto found = owners_.find(+grace.entryNumber);
         return found == owners_.end() ? 0 : found->second;
     }
 
@@ -359,7 +359,7 @@ class StaffRebar {
 
     [[nodiscard]] bool isCourtesy(const StoredEntry& entry, const ENOTE& note) const {
         return (note.noteFlags & kCourtesySign) != 0 ||
-               std::ranges::binary_search(courtesies_, NoteNumber{entry.entryNumber, note.noteId});
+               std::ranges::binary_search(courtesies_, NoteNumber{+entry.entryNumber, +note.noteId});
     }
 
     [[nodiscard]] EXENTRY entryOf(const Layer& layer, std::size_t index, const PourPiece& piece) {
