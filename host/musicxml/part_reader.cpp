@@ -109,10 +109,8 @@ bool PartReader::move(const xml::Element& element, bool backwards) {
     inChord_ = false;
     const std::size_t offset = element.offset();
     const std::string name(element.nameText());
-    std::string_view text;
-    for (const xml::Element child : element) {
-        if (child.name() == tag("duration")) text = child.text();
-    }
+    const xml::Element stated = element.child(tag("duration"));
+    const std::string_view text = stated.exists() ? stated.text() : "";
     const std::optional<Decimal> duration = parseDecimal(text);
     const MeasureClock::Span span = duration ? clock_.span(*duration) : MeasureClock::Span{};
     if (!span.valid) {

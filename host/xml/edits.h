@@ -7,6 +7,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -63,8 +65,10 @@ class Edits {
     void append(Node parent, Node added);
     // Takes an element out, with the white space before it.
     void remove(Node node);
-    // Gives an element new children: some of its own, copies and new ones in any order. Each begins on a line
-    // of its own with the white space that the first child had; comments stay before their elements.
+    // Gives an element new children: its own or those of others, copies and new ones in any order. Each
+    // begins on a line of its own with the white space that the first child had. Comments stay before their
+    // elements, also where these come from another list; those of an element that comes nowhere stay at the
+    // parent's end.
     void setChildren(Node parent, std::span<const Node> list);
 
     // Hands the changed text to a sink, piece by piece; false as soon as the sink refuses one.
@@ -84,11 +88,9 @@ class Edits {
     // What has become of an element; without anything set, something inside has changed.
     struct Change {
         Slice startTag;  // empty: as it stood
-        Slice text;      // instead of the content
-        bool hasText = false;
         bool hasList = false;
         std::uint32_t first = kNone;  // pieces
-        Slice tail;                   // behind the last child
+        Slice tail;                   // behind the last child, or all there is
     };
     class Printer;
 
@@ -105,7 +107,10 @@ class Edits {
     Change& listOf(Node parent);
     void markAround(Node node);
     Slice keep(std::string_view text);
+    [[nodiscard]] Slice leadOf(Node node) const;
+    [[nodiscard]] bool saysSomething(const Slice& lead) const;
     [[nodiscard]] Slice indentation(const Slice& lead) const;
+    [[nodiscard]] Slice commentsOf(const Slice& lead) const;
     [[nodiscard]] Slice firstIndentation(Node parent) const;
     void openStartTag(Node node);
     void replaceStartTag(Node node, std::string_view tag) { change(node).startTag = keep(tag); }
@@ -116,6 +121,10 @@ class Edits {
     std::vector<Piece> pieces_;
     std::vector<NodeData> added_;  // new nodes; their places count on behind the source
     std::string pool_;             // new text
+    // Of the few elements with comments before them:
+    std::map<Node, Slice> leads_;            // these, where those of removed elements have joined them
+    std::map<Node, Node> homes_;             // by element, in whose list it has been put
+    std::map<Node, std::set<Node>> strays_;  // by parent, what its list has no more
 };
 
 }  // namespace rovescio::xml

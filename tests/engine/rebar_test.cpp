@@ -81,7 +81,10 @@ INSTANTIATE_TEST_SUITE_P(
              {5120, kThree},
              "r:h d4:q r:q r:q | r:h c4:q",
              false},
-        Case{"graceStaysWithItsNote", "C 2/4 c4:h | <c4 f4>:q /d4:e <e4 g4>:q", {}, "<e4 g4>:q /d4:e <c4 f4>:q | c4:h"},
+        Case{"graceStaysWithItsNote",
+             "C 2/4 c4:h | <c4 f4>:q /d4:e <e4 g4>:q",
+             {},
+             "<e4 g4>:q /d4:e <c4 f4>:q | c4:h"},
         Case{"keepsAccidentals", "G 2/4 f4!:q f#4!:q | f#4:h", {}, "f#4:h | f#4:q f4!:q", false}),
     [](const auto& test) { return std::string(test.param.name); });
 

@@ -95,8 +95,8 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
           note("e4:q", extension("stop"))},
          {note("e4:q", extension("start")) + note("d4:q", syllable("begin", "stop")) +
           note("c4:h", syllable("end"))}},
-        {"directions and harmony keep their time",
-         {note("c4:h") + words + note("d4:q") + harmony + note("e4:q")},
+        {"directions and harmony keep their time, also behind a chord note that follows none",
+         {chordNote("c4:h") + words + note("d4:q") + harmony + note("e4:q")},
          {note("e4:q") + note("d4:q") + words + note("c4:h") + "<backup><duration>4</duration></backup>" +
           harmony + "<forward><duration>4</duration></forward>"},
          kCommonAttributes,
@@ -104,6 +104,9 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
         {"chords stay together",
          {note("c4:q") + chordNote("e4:q") + note("r:q") + note("d4:h")},
          {note("d4:h") + note("r:q") + note("c4:q") + chordNote("e4:q")}},
+        {"comments go with their notes",
+         {"<!--c-->" + note("c4:w"), "<!--d-->" + note("d4:w")},
+         {"<!--d-->" + note("d4:w"), "<!--c-->" + note("c4:w")}},
         {"ties turn round",
          {tiedNote("C", "start") + tiedNote("C", "stop") + note("d4:h")},
          {note("d4:h") + tiedNote("C", "start") + tiedNote("C", "stop")}},
