@@ -291,7 +291,7 @@ bool MeasureComposer::emitNote(const Event& event, std::size_t index, NoteShape&
     shape.ties = record == notes.end() ? 0 : record->noteFlags & NOTE_TIES;
     NoteShape own = shape;
     if (!isGrace(event) && event.source != nullptr && !event.source->statesLength &&
-        !keepOwnDuration(node, own, event.source->duration != event.entry->duration)) {
+        !keepOwnDuration(node, own, event)) {
         return false;
     }
     if (record != notes.end() && !isRest(event)) {
@@ -307,13 +307,19 @@ bool MeasureComposer::emitNote(const Event& event, std::size_t index, NoteShape&
 }
 
 // A note of a chord with a duration of its own keeps it, and so does one whose duration is rounded.
-bool MeasureComposer::keepOwnDuration(xml::Node note, NoteShape& shape, bool isCut) {
+bool MeasureComposer::keepOwnDuration(xml::Node note, NoteShape& shape, const Event& event) {
     const xml::Node said = part_.edits.child(note, tag("duration"));
     const std::optional<Decimal> own = said == 0 ? std::nullopt : parseDecimal(part_.edits.text(said));
     if (!own) return true;
     const std::int64_t scale = ownDivisions_.value * own->scale;
     const bool fits = ownDivisions_.scale == 1 && own->value * divisions_ % scale == 0;
-    if (!isCut && (fits || isInOwnDivisions())) {
+    const bool isCut = event.source->duration != event.entry->duration;
+    // The first note of a chord moves the time on. Rounding is less than a unit.
+    const Fraction lasts = Fraction(own->value)
+                               .times(engine::kQuarter, own->scale)
+                               .times(ownDivisions_.scale, ownDivisions_.value);
+    const bool isInTime = shape.chord || (lasts < event.length + 1 && event.length < lasts + 1);
+    if (!isCut && isInTime && (fits || isInOwnDivisions())) {
         shape.duration = isInOwnDivisions() ? "" : std::to_string(own->value * divisions_ / scale);
         return true;
     }

@@ -108,7 +108,7 @@ class MeasureComposer {
     bool emitStream(std::size_t index);
     bool emitEvent(const Event& event, const Stream& stream, bool chord);
     bool emitNote(const Event& event, std::size_t index, NoteShape& shape);
-    bool keepOwnDuration(xml::Node note, NoteShape& shape, bool isCut);
+    bool keepOwnDuration(xml::Node note, NoteShape& shape, const Event& event);
     [[nodiscard]] NoteShape shapeOf(const Event& event, const Stream& stream) const;
     [[nodiscard]] std::size_t streamOf(const engine::Fraction& time) const;
     void emitItemsUntil(const engine::Fraction& time, std::size_t stream);
