@@ -1,5 +1,5 @@
 # Protection of programs that read strangers' files: guarded stacks and jumps, checked copies, tables that are
-# read-only once the loader is done, and load addresses that nobody knows. The sanitizers find more, and go without.
+# read-only once the loader is done, and random load addresses. The sanitizers find more, and are built without these.
 if(ROVESCIO_SANITIZE)
   return()
 endif()

@@ -17,7 +17,7 @@ install(CODE "
   file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/bin\")
   file(CREATE_LINK ../lib/rovescio/rovescio \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/bin/rovescio\" SYMBOLIC)")
 
-# What a Debian package has to say of itself; the texts come from where they stand already.
+# What a Debian package must say about itself; the texts are taken from where the project has them.
 find_program(GZIP gzip REQUIRED)
 set(documents)
 foreach(document docs/rovescio.1 packaging/changelog)

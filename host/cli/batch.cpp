@@ -27,7 +27,7 @@ namespace {
 namespace fs = std::filesystem;
 using engine::Result;
 
-// What tells files apart, whatever paths lead to them.
+// What identifies a file, whatever path leads to it.
 using FileId = std::pair<dev_t, ino_t>;
 
 std::optional<FileId> fileAt(const std::string& path) {

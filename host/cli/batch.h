@@ -1,4 +1,4 @@
-// Several scores into one folder, worked off side by side.
+// Several scores into one folder, processed in parallel.
 #pragma once
 
 #include <string>
@@ -21,7 +21,7 @@ struct BatchItem {
 engine::Result<std::vector<BatchItem>> planBatch(const std::vector<std::string>& scores,
                                                  const std::string& folder);
 
-// Works off all scores, each in a process of its own; one that fails does not stop the others.
+// Processes all scores, each in a process of its own; one that fails does not stop the others.
 ExitCode runBatch(const Options& options, const std::string& program);
 
 }  // namespace rovescio::cli

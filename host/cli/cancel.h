@@ -15,18 +15,18 @@ namespace rovescio::cli {
 // grows beyond its limit makes writing fail instead of ending the program.
 void watchSignals();
 
-// Ends the program from wherever it is, with a message; files on their way are removed. Safe in a signal's
+// Ends the program from wherever it is, with a message; unfinished files are removed. Safe in a signal's
 // handler and where no memory is left.
 [[noreturn]] void endProgram(std::string_view text, ExitCode code);
 
 // While an object of this class lives, a first signal is only remembered, so that the work at hand can be
-// brought to an end in order; a second one ends the program at once.
+// finished in an orderly way; a second one ends the program at once.
 class DeferredCancel {
   public:
-    // What the work at hand means by an end in order.
+    // What an orderly end is for the work at hand.
     enum class End {
-        rollBack,  // in no time, else the program ends all the same; and at the latest with this object
-        handOver,  // whenever others have ended, which the work sees to
+        rollBack,  // at once, otherwise the program ends all the same; at the latest with this object
+        handOver,  // once others have ended, which the work makes sure of
     };
     explicit DeferredCancel(End end);
     ~DeferredCancel();
@@ -64,7 +64,7 @@ class RemovedOnCancel {
     std::size_t slot_;
 };
 
-// Something is about to be written that cannot be taken back; the words of a cancel take that into account.
+// Something is about to be written that cannot be taken back; the message of a cancel then says so.
 void streamBegins();
 
 // The time in which the results are put into place: a cancel that came before ends the program as this object

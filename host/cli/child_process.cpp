@@ -21,7 +21,7 @@ engine::Result<ChildProcess> ChildProcess::start(const std::string& program,
                                                  const std::vector<std::string>& arguments) {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-        return problemWith(std::string("no pipe for a further process: ") + std::strerror(errno),
+        return problemWith(std::string("no pipe can be made for another process: ") + std::strerror(errno),
                            "Use fewer --jobs");
     }
     std::vector<char*> argv;
@@ -39,7 +39,8 @@ engine::Result<ChildProcess> ChildProcess::start(const std::string& program,
     close(ends[1]);
     if (error != 0) {
         close(ends[0]);
-        return problemWith(std::string("no further process: ") + std::strerror(error), "Use fewer --jobs");
+        return problemWith(std::string("no other process can be started: ") + std::strerror(error),
+                           "Use fewer --jobs");
     }
     return ChildProcess(process, ends[0]);
 }

@@ -1,4 +1,4 @@
-// A process of our own program that works off one score of a batch.
+// A child process of our own program for one score of a batch.
 #pragma once
 
 #include <sys/types.h>

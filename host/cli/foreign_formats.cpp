@@ -21,7 +21,7 @@ struct Format {
     std::string_view name;
     const char* remedy;
     std::vector<std::string_view> beginnings;  // one of them, when the content has such marks
-    std::string_view inside;                   // and this somewhere behind, when not empty
+    std::string_view inside;                   // and this somewhere later, when not empty
     std::vector<std::string_view> extensions;
 };
 
@@ -32,14 +32,15 @@ const std::array<Format, 8>& formats() {
         {"a MuseScore file", kMuseScore, {"<"}, "<museScore", {}},
         {"a MIDI file", kImport, {"MThd"}, {}, {".mid", ".midi"}},
         {"a PDF file",
-         "Export MusicXML in the program that the page comes from; pages alone need optical music "
+         "Export MusicXML from the program that made the page; a page alone needs optical music "
          "recognition",
          {"%PDF"},
          {},
          {".pdf"}},
         {"an ABC tune", "Convert it with abc2xml", {"X:", "%abc", "%%abc"}, {}, {".abc"}},
         {"a LilyPond source",
-         "LilyPond writes no MusicXML; export it in the program that the source comes from, or write it anew",
+         "LilyPond cannot export MusicXML; export it from the program that made the source, or enter it "
+         "again",
          {"\\version", "\\relative", "\\score"},
          {},
          {".ly"}},

@@ -1,4 +1,4 @@
-// Files of other kinds that users take for scores, and how to make MusicXML of them.
+// Files of other kinds that users may give as scores, and how to make MusicXML from them.
 #pragma once
 
 #include <optional>

@@ -299,9 +299,9 @@ std::string nearestName(const std::string& name) {
 }
 
 engine::Problem unknownInterval(const std::string& name) {
-    engine::Problem problem = problemWith("\"" + name + "\" is no interval known here", "");
+    engine::Problem problem = problemWith("\"" + name + "\" is not a known interval", "");
     const std::string nearest = nearestName(name);
-    if (!nearest.empty()) problem.message += "; perhaps you mean \"" + nearest + "\"";
+    if (!nearest.empty()) problem.message += "; did you mean \"" + nearest + "\"";
     problem.remedy =
         "Write up or down, a quality (perfect, major, minor, augmented, diminished, doubly augmented, doubly "
         "diminished) and a number (unison to fifteenth), a tone, semitone or tritone, or letters (P M m A d "

@@ -1,4 +1,4 @@
-// Keys off the major and minor scales.
+// Keys that are neither major nor minor.
 #include "cli/key_limits.h"
 
 #include <map>

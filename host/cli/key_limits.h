@@ -1,5 +1,5 @@
 // Music that some steps of a transformation leave as it is: the plug-in transposes by intervals and inverts
-// around an axis in major and minor keys alone.
+// around an axis only in major and minor keys.
 #pragma once
 
 #include <string>
@@ -20,7 +20,7 @@ bool reaches(const dialogs::Transformation& transformation, const engine::KeySig
 std::vector<std::string> notesLeft(const engine::Document& document, const Selection& selection,
                                    const dialogs::Transformation& transformation);
 
-// Told when the selection holds no other notes.
+// The problem of a selection that has no other notes.
 engine::Problem nothingReached(const dialogs::Transformation& transformation);
 
 }  // namespace rovescio::cli

@@ -29,13 +29,9 @@ void watchMemory() {
     std::set_new_handler([] { endProgram(kLastWords, ExitCode::refused); });
 }
 
-bool hasMemoryFor(std::size_t bytes) {
-    const std::unique_ptr<void, Freed> probe(std::malloc(bytes));
-    return probe != nullptr;
-}
-
 bool memoryIsShort() {
-    return !hasMemoryFor(std::size_t{16} << 20);
+    const std::unique_ptr<void, Freed> probe(std::malloc(std::size_t{16} << 20));
+    return probe == nullptr;
 }
 
 engine::Problem memoryProblem() {

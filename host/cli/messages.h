@@ -10,9 +10,8 @@
 
 namespace rovescio::cli {
 
-// A text as one line that a terminal only shows: names in files could hold control characters, with which
-// they would move the cursor, set colours or rewrite what stands above. These become blanks or question
-// marks.
+// A text as one line that is safe to show on a terminal: names in files could hold control characters that
+// move the cursor, set colours or overwrite earlier lines. These become blanks or question marks.
 std::string printable(std::string_view text);
 
 // Prints "rovescio: " and the text as one line on standard error.

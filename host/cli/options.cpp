@@ -35,11 +35,11 @@ constexpr const char* kFooter = R"(Examples:
 
 Exit codes:
   0 done   1 could not be applied to this music   2 wrong command line
-  3 score cannot be read, MIDI not heard   4 result cannot be written or played
-  5 installation damaged
-  70 the plug-in broke a rule   130 cancelled)";
+  3 score cannot be read, or no MIDI port   4 result cannot be written or played
+  5 installation damaged   70 the plug-in broke a rule, or the result is not sound
+  130 cancelled)";
 
-// Help in which each option shows its value's name and nothing of the checks behind it.
+// Help in which each option shows its value's name but not the checks behind it.
 class HelpFormatter : public CLI::Formatter {
   public:
     std::string make_option_opts(const CLI::Option* option) const override {
@@ -70,7 +70,7 @@ void define(CLI::App& app, Options& options, RawOptions& raw) {
         ->type_name("");
     defineTransformations(app, what, raw.transformation);
     app.add_flag("--check", options.check,
-                 "Tell what stands in the way of a retrograde and where, and change nothing")
+                 "Report what stands in the way of a retrograde, and where; change nothing")
         ->group(what);
     app.add_flag("--info", options.info, "Show staves, measures, keys and layers, and change nothing")
         ->group(what);
@@ -104,7 +104,7 @@ void define(CLI::App& app, Options& options, RawOptions& raw) {
         ->type_name("FOLDER")
         ->excludes(output)
         ->group(files);
-    app.add_option("-j,--jobs", options.jobs, "Scores worked off side by side (default: one per processor)")
+    app.add_option("-j,--jobs", options.jobs, "Scores processed at a time (default: one per processor)")
         ->type_name("N")
         ->check(range(1U, 1024U))
         ->group(files);
@@ -121,7 +121,7 @@ void define(CLI::App& app, Options& options, RawOptions& raw) {
         ->group(more);
     app.add_option("--plugin", options.plugin, "Another plug-in bundle")->type_name("BUNDLE")->group(more);
     app.add_flag("--trace", options.trace, "Print every call of the host's functions")->group(more);
-    app.add_option("--fail", raw.faults, "Let the N-th call of a host function fail; for developers")
+    app.add_option("--fail", raw.faults, "Make the N-th call of a host function fail; for developers")
         ->type_name("FUNCTION:N")
         ->expected(1)
         ->take_all()
@@ -141,7 +141,7 @@ Result<PlannedFault> parseFault(const std::string& text) {
         if (parsed.ec != std::errc() || parsed.ptr != end) call = 0;
     }
     if (function == engine::HostFunction::count || call == 0) {
-        return problemWith("--fail \"" + text + "\" is no host function and call number",
+        return problemWith("--fail \"" + text + "\" is not a host function and call number",
                            "Write the function's name and a count from 1, such as SX_LoadTGF:3");
     }
     return PlannedFault(function, call);
@@ -184,11 +184,11 @@ Result<engine::Done> understand(const RawOptions& raw, Options& options) {
 Result<engine::Done> checkPlayback(const Options& options) {
     if (!options.wantsPlayback()) return engine::Done{};
     if (options.scores.size() > 1 || !options.outputFolder.empty()) {
-        return problemWith("--play and --midi are for one score", "Leave the other scores and --out-dir out");
+        return problemWith("--play and --midi are for one score", "Leave out the other scores and --out-dir");
     }
     if (options.selection.measures.size() > 1) {
         return problemWith("--play and --midi take one range of measures",
-                           "Name one range, or play each from the result");
+                           "Name one range, or play each range from the result");
     }
     if (options.midiFile.empty()) return engine::Done{};
     if (!options.output.empty() && sameOutput(options.midiFile, options.output)) {
@@ -209,8 +209,8 @@ Result<engine::Done> checkRowForms(const Options& options) {
                        !options.wantsPlayback() && options.outputFolder.empty() &&
                        !options.selection.isGiven();
     if (!alone) {
-        return problemWith("--row-forms makes a score of its own",
-                           "Use it with -o alone; play or change its result afterwards");
+        return problemWith("--row-forms makes a new score",
+                           "Use it with -o only; play or change its result afterwards");
     }
     if (options.output.empty()) {
         return problemWith("the result needs a name", "Give it with -o, or - for standard output");
@@ -223,10 +223,12 @@ Result<engine::Done> checkMidiInput(const Options& options) {
     const auto& inversion = options.transformation.inversion;
     const bool listens = inversion && inversion->axisIsPlayed;
     if (!listens && !options.midiPort.empty()) {
-        return problemWith("--midi-port is for --axis midi", "Leave it out, or let the axis be played");
+        return problemWith("--midi-port is for --axis midi",
+                           "Leave it out, or take the axis from an instrument with --axis midi");
     }
     if (listens && (options.scores.size() > 1 || !options.outputFolder.empty())) {
-        return problemWith("--axis midi is for one score", "Write the pitch for several, such as --axis E4");
+        return problemWith("--axis midi is for one score",
+                           "For several scores write the pitch, such as --axis E4");
     }
     return engine::Done{};
 }
@@ -242,7 +244,7 @@ Result<engine::Done> checkTogether(const Options& options) {
     }
     if (options.info) {
         if (!nothing || options.wantsPlayback() || !options.output.empty() || !options.outputFolder.empty()) {
-            return problemWith("--info shows scores and changes nothing", "Leave the other options out");
+            return problemWith("--info shows scores and changes nothing", "Leave out the other options");
         }
         return engine::Done{};
     }
@@ -251,7 +253,7 @@ Result<engine::Done> checkTogether(const Options& options) {
         if (changes || several || options.wantsPlayback() || !options.output.empty() ||
             !options.outputFolder.empty()) {
             return problemWith("--check looks at one score and changes nothing",
-                               "Leave the other options out");
+                               "Leave out the other options");
         }
         return engine::Done{};
     }
@@ -261,7 +263,7 @@ Result<engine::Done> checkTogether(const Options& options) {
     if (nothing && options.wantsPlayback()) {
         if (options.output.empty()) return engine::Done{};
         return problemWith("there is nothing to change for -o",
-                           "Say what to do with the music, or leave -o out to play it as it is");
+                           "Say what to do with the music, or leave out -o to play it as it is");
     }
     if (nothing) {
         return problemWith(
@@ -279,7 +281,8 @@ Result<engine::Done> checkTogether(const Options& options) {
     if (!options.outputFolder.empty()) {
         for (const std::string& score : options.scores) {
             if (score == kStandardStream) {
-                return problemWith("a score from standard input has no name in a folder", "Use -o for it");
+                return problemWith("a score from standard input has no name for a file in a folder",
+                                   "Use -o for it");
             }
         }
     }
@@ -305,7 +308,8 @@ std::vector<std::string> argumentsToPassOn(const Options& options, const RawOpti
 }  // namespace
 
 std::variant<Options, ExitCode> parseOptions(int argc, const char* const* argv) {
-    CLI::App app("Transposes, inverts, turns round and plays selected music of MusicXML scores.", "rovescio");
+    CLI::App app("Transposition, inversion, retrograde and playback of selected music in MusicXML scores.",
+                 "rovescio");
     app.formatter(std::make_shared<HelpFormatter>());
     app.get_formatter()->column_width(28);
     app.footer(kFooter);

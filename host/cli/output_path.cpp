@@ -98,7 +98,7 @@ Problem writeProblem(const std::string& name, int error) {
             problem.remedy = "Choose a folder in which you may write";
             break;
         case EPIPE:
-            problem.remedy = "The program that reads it has ended; look there first";
+            problem.remedy = "The program that reads it has ended; check that first";
             break;
         case EBADF:
             problem.remedy = "Open it for writing first, such as with 3> FILE in a shell";

@@ -1,5 +1,5 @@
-// Where the path of a result leads: to a file that may be replaced, a device, or a stream that is open
-// already.
+// Where the path of a result leads: to a file that may be replaced, a device, or a stream that is already
+// open.
 #pragma once
 
 #include <optional>
@@ -20,7 +20,7 @@ struct OutputPath {
     bool exists = false;
 };
 
-// Finds the place and makes sure, as far as can be told before the work starts, that it can be written.
+// Finds the place and makes sure, as far as is possible before the work starts, that it can be written.
 engine::Result<OutputPath> findOutput(const std::string& name);
 
 // Whether two results would go to the same place, by whatever names.

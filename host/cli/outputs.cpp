@@ -1,5 +1,5 @@
-// Files are written beside their places first, then what goes to streams and cannot be taken back, and at
-// last all files are put into place while signals wait.
+// Files are written beside their places first, then streams, which cannot be taken back; finally all files
+// are put into place while signals wait.
 #include "cli/outputs.h"
 
 #include <fcntl.h>
@@ -32,7 +32,7 @@ int writeStream(const OutputPath& target, const ByteSource& source) {
 // Takes back the files that were placed before one that could not be.
 Problem takeBack(std::span<const std::unique_ptr<StagedFile>> placed, Problem problem) {
     for (const std::unique_ptr<StagedFile>& file : placed) {
-        if (!file->takeBack()) problem.message += "; " + file->target().name + " is written already";
+        if (!file->takeBack()) problem.message += "; " + file->target().name + " has already been written";
     }
     return problem;
 }
@@ -51,7 +51,7 @@ Result<Done> place(const StagedFiles& files) {
 
 }  // namespace
 
-Result<Done> writeOutputs(const std::vector<Output>& outputs) {
+Result<Done> writeOutputs(const std::vector<Output>& outputs, const LastCheck& check) {
     if (outputs.empty()) return Done{};
     StagedFiles files;
     std::vector<std::pair<OutputPath, const ByteSource*>> streams;
@@ -67,6 +67,9 @@ Result<Done> writeOutputs(const std::vector<Output>& outputs) {
         if (folders.insert(folder).second) removeLeftovers(folder);
         files.push_back(std::make_unique<StagedFile>(std::move(*target)));
         if (const int error = files.back()->write(source); error != 0) return writeProblem(name, error);
+    }
+    if (check) {
+        if (std::optional<Problem> fault = check()) return std::move(*fault);
     }
     for (const auto& [target, source] : streams) {
         streamBegins();

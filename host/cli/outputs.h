@@ -1,6 +1,8 @@
 // The results of a run, which appear together or not at all.
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,7 +18,9 @@ struct Output {
 
 // Writes all results. A file appears under its name only when everything is complete, and what was there
 // before stays when anything fails. A cancel that comes before the files are put into place ends the program,
-// and one that comes later is too late.
-engine::Result<engine::Done> writeOutputs(const std::vector<Output>& outputs);
+// and one that comes later is too late. The check is asked when all files are complete beside their places,
+// and before anything goes to a stream; a problem of its own keeps everything as it was.
+using LastCheck = std::function<std::optional<engine::Problem>()>;
+engine::Result<engine::Done> writeOutputs(const std::vector<Output>& outputs, const LastCheck& check = {});
 
 }  // namespace rovescio::cli

@@ -37,7 +37,7 @@ std::string_view withoutSeparators(std::string_view text) {
 }
 
 engine::Problem unknownPitch(const std::string& name) {
-    return problemWith("\"" + name + "\" is no pitch known here",
+    return problemWith("\"" + name + "\" is not a known pitch",
                        "Write a letter A to G, a sharp or flat if there is one, and an octave from 0 to 9 "
                        "(C4 is middle C): \"E4\", \"Bb3\", \"F#5\", \"B-flat 3\", \"C sharp 4\"");
 }

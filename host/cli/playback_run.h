@@ -1,4 +1,4 @@
-// What becomes of the music that the plug-in asks to be played: a MIDI file, sound, or both.
+// What is made of the music that the plug-in asks to be played: a MIDI file, sound, or both.
 #pragma once
 
 #include <cstddef>
@@ -30,7 +30,7 @@ class PlaybackRun {
                                       const engine::PlaybackRequest& request, const Selection& selection);
     // The MIDI file, if one is wanted; valid as long as this object is.
     [[nodiscard]] std::optional<Output> output() const;
-    // Tells of it, and plays if that is wanted.
+    // Reports it, and plays it if that is wanted.
     [[nodiscard]] ExitCode play(bool quiet) const;
 
   private:

@@ -116,7 +116,7 @@ Result<Player::End> Player::play(const std::string& midiFile) const {
     }
     return problemWith("FluidSynth could not play (status " + std::to_string(status) + ")" +
                            (last.empty() ? "" : ": " + last),
-                       "Check that sound works here, or write a MIDI file with --midi");
+                       "Check that sound works on this system, or write a MIDI file with --midi");
 }
 
 }  // namespace rovescio::cli

@@ -1,7 +1,8 @@
-// The way of one score through the program, and the choice between one, several, row forms, --info and
-// validate.
+// How one score goes through the program, and the choice between one score, several, row forms, --info
+// and validate.
 #include "cli/program.h"
 
+#include <future>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -107,7 +108,7 @@ RunOptions runOptions(const Options& options, const Installation& installation) 
             .playback = options.wantsPlayback()};
 }
 
-// The code tells what is missing, after a message.
+// The code says what is missing, after a message.
 ExitCode prepare(const Options& options, const Installation& installation, Surroundings& around) {
     if (!options.output.empty()) {
         const Result<OutputPath> target = findOutput(options.output);
@@ -131,6 +132,29 @@ ExitCode prepare(const Options& options, const Installation& installation, Surro
     return ExitCode::ok;
 }
 
+// Reads the result again while it is being written. Signals are for the thread that writes.
+class Proof {
+  public:
+    Proof(const ScoreFile& score, const Document& document,
+          const std::optional<musicxml::WrittenFile>& written) {
+        if (!written) return;
+        const HeldSignals held;
+        // Where no thread can be had, the reading waits for the question.
+        reading_ = std::async(std::launch::async | std::launch::deferred,
+                              [&] { return score.proofread(document, *written); });
+    }
+
+    // Waits for the end of the reading.
+    const std::optional<Problem>& fault() {
+        if (reading_.valid()) fault_ = reading_.get();
+        return fault_;
+    }
+
+  private:
+    std::future<std::optional<Problem>> reading_;
+    std::optional<Problem> fault_;
+};
+
 // Writes what is wanted and says what was done.
 ExitCode finishScore(const Options& options, const ScoreFile& score, const Document& document,
                      const Selection& selection, const TransformationOutcome& outcome, Surroundings& around) {
@@ -142,7 +166,6 @@ ExitCode finishScore(const Options& options, const ScoreFile& score, const Docum
         Result<musicxml::WrittenFile> result = score.write(document, containerFor(options.output));
         if (!result) return failScore(ExitCode::refused, result.problem(), path);
         written = std::move(*result);
-        if (written->fault()) return fail(ExitCode::ruleBroken, *written->fault());
         notices.insert(notices.end(), written->notices().begin(), written->notices().end());
     }
     std::vector<Output> outputs;
@@ -150,24 +173,22 @@ ExitCode finishScore(const Options& options, const ScoreFile& score, const Docum
         outputs.push_back({options.output, [&](const auto& sink) { return written->writeTo(sink); }});
     }
     if (around.playback) {
-        // The library for MIDI files keeps each note as two events, and aborts where it cannot.
-        constexpr std::size_t kBytesOfNote = 512;
-        if (!hasMemoryFor(outcome.notesSelected * kBytesOfNote)) {
-            return fail(ExitCode::refused, memoryProblem());
-        }
         const Result<engine::Done> made =
             around.playback->make(document, score.performance(), *outcome.playback, selection);
         if (!made) return fail(ExitCode::badOutput, made.problem());
         if (std::optional<Output> output = around.playback->output()) outputs.push_back(std::move(*output));
     }
-    const Result<engine::Done> stored = writeOutputs(outputs);
-    if (!stored) return fail(ExitCode::badOutput, stored.problem());
+    Proof proof(score, document, written);
+    const Result<engine::Done> stored = writeOutputs(outputs, [&] { return proof.fault(); });
+    if (!stored) {
+        return fail(proof.fault() ? ExitCode::ruleBroken : ExitCode::badOutput, stored.problem());
+    }
     for (const std::string& notice : notices) say(notice);
     if (!options.quiet && written) summarise(options, outcome, selection);
     return around.playback ? around.playback->play(options.quiet) : ExitCode::ok;
 }
 
-// Tells what the check found; the exit status says whether that was anything.
+// Shows what the check found; the exit status says whether that was anything.
 ExitCode showCheck(const TransformationOutcome& outcome, const Selection& selection) {
     const std::string result = !outcome.findings.empty()   ? outcome.findings
                                : outcome.obstacles.empty() ? "nothing stands in the way of a retrograde"

@@ -1,4 +1,4 @@
-// Writes the row into every measure and has the plug-in turn each into its form.
+// Writes the row into every measure and has the plug-in make each measure's form of it.
 #include "cli/row_forms.h"
 
 #include <algorithm>
@@ -188,7 +188,7 @@ engine::Result<Row> parseRow(const std::string& text) {
     const std::vector<std::string> words = wordsOf(text);
     for (std::size_t i = 0; i < words.size() && i < row.size(); ++i) {
         const std::optional<SpelledPitch> pitch = pitchOf(words[i]);
-        if (!pitch) return badRow("\"" + words[i] + "\" is no pitch class");
+        if (!pitch) return badRow("\"" + words[i] + "\" is not a pitch class");
         std::string& earlier =
             seen[static_cast<std::size_t>(engine::floorMod(engine::semitones(*pitch), kSemitonesOfOctave))];
         if (!earlier.empty()) {
@@ -200,7 +200,7 @@ engine::Result<Row> parseRow(const std::string& text) {
         row[i] = *pitch;
     }
     if (words.size() != row.size()) {
-        return badRow("a row has 12 notes, here are " + std::to_string(words.size()));
+        return badRow("a row has 12 notes, not " + std::to_string(words.size()));
     }
     return row;
 }
@@ -225,6 +225,9 @@ RowForms rowForms(const Row& row, musicxml::Container container, const RunOption
     }
     const engine::Result<musicxml::WrittenFile> written = score.value().write(document, container);
     if (!written) return failed(ExitCode::refused, written.problem());
+    if (const auto fault = score.value().proofread(document, written.value())) {
+        return failed(ExitCode::ruleBroken, *fault);
+    }
     result.bytes = written.value().bytes();
     return result;
 }

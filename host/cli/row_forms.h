@@ -1,4 +1,4 @@
-// The forms of a twelve-note row, made by the plug-in out of the row as it is written.
+// The forms of a twelve-note row, made by the plug-in from the row itself.
 #pragma once
 
 #include <array>

@@ -35,7 +35,7 @@ Problem readProblem(const std::string& path, int error) {
                     .measure = {},
                     .remedy = {}};
     if (error == ENOENT) problem.remedy = "Check the spelling of the path";
-    if (error == EACCES) problem.remedy = "Make the file readable for you";
+    if (error == EACCES) problem.remedy = "Give yourself permission to read the file";
     if (error == EISDIR) problem.remedy = "Name a score file, not a folder";
     return problem;
 }

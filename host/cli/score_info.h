@@ -1,4 +1,4 @@
-// What --info tells about a score.
+// What --info shows of a score.
 #pragma once
 
 #include <string>

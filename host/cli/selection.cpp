@@ -138,7 +138,7 @@ Result<std::vector<FoundRange>> findRanges(const Document& document, const Measu
         const auto& start = ranges[i].region.start;
         if (placeOf(start.measure, start.position) > placeOf(end.measure, end.position)) continue;
         return problemWith("two of the ranges of measures overlap",
-                           "Name each measure once; what comes twice would be changed twice");
+                           "Name each measure once; otherwise it would be changed twice");
     }
     return ranges;
 }
@@ -244,7 +244,7 @@ std::string measureRuns(const Document& document, const std::set<short>& measure
 
 Result<Selection> select(const Document& document, const SelectionRequest& request) {
     if (document.staffCount() == 0 || document.measureCount() == 0) {
-        return problemWith("the score holds no music",
+        return problemWith("the score has no music",
                            "Choose a score with at least one staff and one measure");
     }
     NumberRuns staves = request.staves;
@@ -254,7 +254,7 @@ Result<Selection> select(const Document& document, const SelectionRequest& reque
                            document.staffCount() == 1
                                ? "The score has one staff"
                                : "The score has staves 1 to " + std::to_string(document.staffCount()) +
-                                     "; --info names them");
+                                     "; --info lists them");
     }
     const Result<std::vector<FoundRange>> found =
         findRanges(document, request.measures, static_cast<short>(staves.front().first));
@@ -280,7 +280,7 @@ Result<Selection> select(const Document& document, const SelectionRequest& reque
     selection.description = describe(document, request, found.value());
     if (!hasNote(document, selection)) {
         return problemWith("there is no note in the selection (" + selection.description + ")",
-                           "Choose other measures, staves or layers; --info shows what is there");
+                           "Choose other measures, staves or layers; --info shows what the score has");
     }
     return selection;
 }

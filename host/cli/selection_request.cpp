@@ -29,7 +29,7 @@ Result<MeasurePoint> parsePoint(std::string_view part, const std::string& whole)
         point.counted = true;
         number.remove_prefix(1);
         if (number.find_first_not_of("0123456789") != std::string_view::npos) {
-            return badMeasures(whole, "after # comes a count");
+            return badMeasures(whole, "a count is missing after #");
         }
     }
     if (number.empty()) return badMeasures(whole, "a measure number is missing");
@@ -41,7 +41,7 @@ Result<MeasurePoint> parsePoint(std::string_view part, const std::string& whole)
         // Written so that what is no number at all fails as well.
         if (error != std::errc() || end != beatText.data() + beatText.size() ||
             !(beat >= 1 && beat < 10000)) {
-            return badMeasures(whole, "\"" + std::string(beatText) + "\" is no beat; beats count from 1");
+            return badMeasures(whole, "\"" + std::string(beatText) + "\" is not a beat; beats count from 1");
         }
         point.beat = beat;
     }
@@ -77,7 +77,7 @@ Result<MeasureRange> parseRange(std::string_view whole, const std::string& text)
     if (dash == std::string_view::npos) {
         Result<MeasurePoint> only = parsePoint(whole, text);
         if (!only) return only.problem();
-        if (only->beat) return badMeasures(text, "one beat alone is no range");
+        if (only->beat) return badMeasures(text, "a single beat is not a range");
         range.first = range.last = *only;
         return range;
     }
@@ -114,7 +114,7 @@ Result<MeasureRanges> parseMeasures(const std::string& text) {
 }
 
 Result<NumberRuns> parseNumberRuns(const std::string& text, const std::string& what) {
-    const Problem bad = problemWith("--" + what + " \"" + text + "\" is no list of " + what,
+    const Problem bad = problemWith("--" + what + " \"" + text + "\" is not a list of " + what,
                                     "Write numbers and ranges, such as 1-2 or 1,3-4");
     NumberRuns runs;
     const std::string plain = withHyphens(text);

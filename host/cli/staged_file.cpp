@@ -1,5 +1,5 @@
-// Temporary files and their end. Their names hold the number of the process, which also locks them, so that
-// the files of one that was killed can be told from those of one at work.
+// Temporary files. Their names hold the number of the process, which also locks them, so that files left by a
+// killed process are distinguished from those of a running one.
 #include "cli/staged_file.h"
 
 #include <fcntl.h>
@@ -40,7 +40,7 @@ std::string besides(const std::string& path) {
            std::string(kPlaceholder);
 }
 
-// The process that a temporary file's name tells; 0 for other files.
+// The process that a temporary file's name gives; 0 for other files.
 pid_t ownerOf(std::string_view name) {
     if (!name.starts_with(kPrefix)) return 0;
     if (name.ends_with(kKeptSuffix)) name.remove_suffix(kKeptSuffix.size());
@@ -103,7 +103,7 @@ int StagedFile::create() {
     if (file_->number() < 0) return errno;
     temporary_ = std::move(name);
     removed_ = std::make_unique<RemovedOnCancel>(temporary_);
-    // Without a lock the file is told by its process alone.
+    // Without a lock only its process identifies the file.
     flock(file_->number(), LOCK_EX | LOCK_NB);
     return 0;
 }
@@ -117,7 +117,7 @@ int StagedFile::takeAttributes(int descriptor) const {
     mode_t mode = old.st_mode & kPermissions;
     struct stat now {};
     if (fstat(descriptor, &now) != 0) return errno;
-    // Only root may give files away; else the file belongs to the user who wrote it.
+    // Only root may give files away; otherwise the file belongs to the user who wrote it.
     if (now.st_uid != old.st_uid) {
         [[maybe_unused]] const int kept = fchown(descriptor, old.st_uid, static_cast<gid_t>(-1));
     }

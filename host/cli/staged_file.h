@@ -1,4 +1,4 @@
-// A file on its way to its place: complete beside it under a name of its own, then there in one step.
+// A file that is first completed beside its place, under a temporary name, and then put there in one step.
 #pragma once
 
 #include <functional>

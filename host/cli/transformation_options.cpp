@@ -36,7 +36,7 @@ constexpr const char* kAccidentalsHelp =
     "as-needed: shown by the rules of the measure\n"
     "always: shown at every note\n"
     "never: hidden at every note; pitches stay\n"
-    "automatic: as needed, also where chosen by hand\n"
+    "automatic: as needed, even where set by hand\n"
     "in-key: removed; raised and lowered notes change pitch";
 
 // A range that is checked and stays out of the help.
@@ -45,15 +45,15 @@ CLI::Validator upTo(int most) {
 }
 
 void defineRetrograde(CLI::App& app, const std::string& group, TransformationTexts& texts) {
-    auto* retrograde =
-        app.add_flag("-r,--retrograde", texts.retrograde, "Turn the music round, its last note first")
-            ->group(group);
+    auto* retrograde = app.add_flag("-r,--retrograde", texts.retrograde,
+                                    "Write the music in retrograde, from its last note to its first")
+                           ->group(group);
     app.add_flag("--mirror-keys", texts.mirrorKeys,
-                 "With --retrograde: the key signatures of the measures change places too")
+                 "With --retrograde: reverse the order of the key signatures too")
         ->needs(retrograde)
         ->group(group);
     app.add_flag("--mirror-spacing", texts.mirrorSpacing,
-                 "With --retrograde: and so do their widths and margins")
+                 "With --retrograde: reverse the order of widths and margins too")
         ->needs(retrograde)
         ->group(group);
     app.add_flag("--repair", texts.repair,
@@ -68,12 +68,12 @@ void defineTransposition(CLI::App& app, const std::string& group, Transformation
                        ->type_name("INTERVAL")
                        ->group(group);
     auto* bySemitone =
-        app.add_option("--semitones", texts.semitones, "Transpose by semitones; below zero is down")
+        app.add_option("--semitones", texts.semitones, "Transpose by semitones; negative is down")
             ->type_name("N")
             ->check(upTo(kMostSemitones))
             ->group(group);
     auto* byStep = app.add_option("--steps", texts.steps,
-                                  "Transpose by steps within the key (a third is 2); below zero is down")
+                                  "Transpose by steps within the key (a third is 2); negative is down")
                        ->type_name("N")
                        ->check(upTo(kMostSteps))
                        ->group(group);
@@ -171,7 +171,7 @@ Result<std::optional<Inversion>> understandInversion(const TransformationTexts& 
         const std::string letter = pitchName({result.axis.step, 0});
         return problemWith(
             "--axis \"" + texts.axis + "\": the axis of a diatonic inversion has no sharp or flat",
-            "Write " + letter + " for the note that the key has there, or take --invert chromatic");
+            "Write " + letter + " for the note of the key, or use --invert chromatic");
     }
     if (result.simplify) {
         return problemWith("--simplify is for --invert chromatic", "A diatonic inversion spells by the key");

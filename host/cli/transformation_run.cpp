@@ -87,7 +87,7 @@ class NotesBefore {
   private:
     [[nodiscard]] std::size_t begin(std::size_t entry) const { return entry == 0 ? 0 : ends_[entry - 1]; }
 
-    // The notes of a chord change places when it is turned over; their numbers stay.
+    // The notes of a chord change places when it is inverted; their numbers stay.
     [[nodiscard]] const Appearance* find(std::size_t entry, std::uint16_t noteId) const {
         for (std::size_t i = begin(entry); i < ends_[entry]; ++i) {
             if (notes_[i].first == noteId) return &notes_[i].second;
@@ -124,7 +124,7 @@ TransformationOutcome failed(ExitCode code, Problem problem) {
 }
 
 // How many of the selection's regions hold a note that the transformation works on. The plug-in has each of
-// these drawn anew, and a region without only if it likes.
+// these redrawn; it may or may not redraw the others.
 int regionsReached(const Document& document, const Selection& selection,
                    const dialogs::Transformation& transformation) {
     const EREGION* last = nullptr;
@@ -158,7 +158,7 @@ std::string findings(const dialogs::ScriptedUserInterface& userInterface, const 
 // What the user interface and the document say about a run that has ended.
 TransformationOutcome judge(const dialogs::ScriptedUserInterface& userInterface,
                             const NotesBefore::Counts& counts, int expectedRedraws,
-                            const std::optional<Problem>& refusal, bool turned) {
+                            const std::optional<Problem>& refusal, bool reversed) {
     if (userInterface.cancelled()) {
         return failed(ExitCode::cancelled, problemWith("cancelled, nothing was written", ""));
     }
@@ -168,10 +168,10 @@ TransformationOutcome judge(const dialogs::ScriptedUserInterface& userInterface,
         return failed(ExitCode::refused, std::move(problem));
     }
     if (!userInterface.alerts().empty()) return failed(ExitCode::refused, {});
-    if (!turned) {
+    if (!reversed) {
         const std::string obstacles = findings(userInterface, {});
         return failed(ExitCode::refused,
-                      problemWith("the music cannot be turned round" +
+                      problemWith("the music cannot be reversed" +
                                       (obstacles.empty() ? "" : ": " + obstacles) + "; nothing was written",
                                   "See where with --check; --repair deletes what can be deleted"));
     }
@@ -193,7 +193,7 @@ TransformationOutcome judge(const dialogs::ScriptedUserInterface& userInterface,
     return {.problem = {}, .notesSelected = counts.selected, .notesChanged = counts.changed};
 }
 
-// All that is to be heard, together: the plug-in asks for each selection by itself. None when that is no
+// Everything to be played, as one request: the plug-in makes one for each selection. None when it is not
 // music of the document.
 std::optional<engine::PlaybackRequest> joined(const std::vector<engine::PlaybackRequest>& requests,
                                               const Document& document) {
@@ -259,8 +259,8 @@ TransformationOutcome transform(Document& document, const Selection& selection,
 
     const NotesBefore before(document);
     // Where notes change places, all of them count as changed.
-    NotesBefore::Counts turned = before.compare(document, selection, false);
-    turned.changed = turned.selected;
+    NotesBefore::Counts reversed = before.compare(document, selection, false);
+    reversed.changed = reversed.selected;
     const int expectedRedraws = transforms ? regionsReached(document, selection, transformation) : 0;
     if (transforms && expectedRedraws == 0) return failed(ExitCode::refused, nothingReached(transformation));
     const std::vector<std::string> left = notesLeft(document, selection, transformation);
@@ -279,7 +279,7 @@ TransformationOutcome transform(Document& document, const Selection& selection,
     for (const std::string& alert : userInterface.alerts()) say(alert);
     TransformationOutcome outcome = judge(
         userInterface,
-        transformation.retrograde ? turned
+        transformation.retrograde ? reversed
                                   : before.compare(document, selection, transformation.isTransposition()),
         expectedRedraws, session.refusal,
         !transforms || !transformation.retrograde ||

@@ -34,7 +34,7 @@ struct RunOptions {
 
 struct TransformationOutcome {
     ExitCode code = ExitCode::ok;
-    engine::Problem problem;        // what to tell the user; no message when the plug-in told it
+    engine::Problem problem;        // for the user; no message when the plug-in gave one
     std::size_t notesSelected = 0;  // notes inside the selection
     std::size_t notesChanged = 0;   // those that are not as they were: for a transposition alone in pitch,
                                     // else in pitch, in showing an accidental or in ties

@@ -36,7 +36,7 @@ class Reader {
         return {.message = "dialog descriptions: " + what,
                 .file = file_,
                 .measure = {},
-                .remedy = "Install the plug-in bundle anew"};
+                .remedy = "Install the plug-in bundle again"};
     }
 
     // True when the object has exactly these members.
@@ -67,12 +67,12 @@ class Reader {
         Item result{.number = *number, .kind = kind->second};
         if (result.kind != ItemKind::popup) {
             if (!hasMembers(source, {"item", "kind"})) {
-                return problem(itemPlace + " has members that its kind does not know");
+                return problem(itemPlace + " has members that its kind does not allow");
             }
             return result;
         }
         if (!hasMembers(source, {"item", "kind", "entries"})) {
-            return problem(itemPlace + " needs a count of entries and nothing more");
+            return problem(itemPlace + " needs a count of entries and nothing else");
         }
         const std::optional<short> entries = numberFrom(source["entries"], 1);
         if (!entries) return problem(itemPlace + " has a count of entries that is not positive");
@@ -82,7 +82,7 @@ class Reader {
 
     engine::Result<DialogDescription> dialog(const json& source) const {
         if (!hasMembers(source, {"number", "items"}) || !source["items"].is_array()) {
-            return problem("a dialog needs a number and a list of items, and nothing more");
+            return problem("a dialog needs a number and a list of items, and nothing else");
         }
         const std::optional<short> number = numberFrom(source["number"], 1);
         if (!number) return problem("a dialog's number is not between 1 and 32767");
@@ -121,7 +121,7 @@ engine::Result<DialogResources> DialogResources::load(const std::string& bundle)
     // A pipe or device may never end.
     const fs::file_status status = fs::status(path, error);
     if (!fs::exists(status)) return reader.problem("the file is missing");
-    if (!fs::is_regular_file(status)) return reader.problem("not an ordinary file");
+    if (!fs::is_regular_file(status)) return reader.problem("not a regular file");
     if (fs::file_size(path, error) > kLargestFile) return reader.problem("larger than any plug-in needs");
     std::ifstream in(path, std::ios::binary);
     if (!in) return reader.problem("the file cannot be read");
@@ -133,7 +133,7 @@ engine::Result<DialogResources> DialogResources::parse(const std::string& text, 
     const json root = json::parse(text, nullptr, false);
     if (root.is_discarded()) return reader.problem("not valid JSON");
     if (!Reader::hasMembers(root, {"dialogs"}) || !root["dialogs"].is_array()) {
-        return reader.problem("the list \"dialogs\" is not there, or not alone");
+        return reader.problem("the list \"dialogs\" is missing, or is not the only member");
     }
     DialogResources resources;
     for (const json& source : root["dialogs"]) {

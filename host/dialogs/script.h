@@ -1,4 +1,4 @@
-// What a scripted hand does in a dialog, step by step.
+// What a scripted user does in a dialog, step by step.
 #pragma once
 
 #include <array>
@@ -20,15 +20,15 @@ struct Set {
 // Presses a button.
 struct Press {
     short item = 0;
-    bool ifEnabled = false;  // a disabled one is passed over, where else it is a fault of the script
+    bool ifEnabled = false;  // a disabled one is passed over; otherwise it is a fault of the script
 };
 
-// Reads a text out.
+// Records a text that the dialog shows.
 struct Read {
     short item = 0;
 };
 
-// From here on answers questions with yes or no; at first with no.
+// Answers questions with yes or no from here on; until then with no.
 struct Answer {
     bool yes = false;
 };

@@ -1,4 +1,4 @@
-// The scripted hand, and the watch over what the plug-in does with its dialogs.
+// The scripted user, and the checks of what the plug-in does with its dialogs.
 #include "dialogs/scripted_user_interface.h"
 
 #include <algorithm>
@@ -74,7 +74,7 @@ std::intptr_t ScriptedUserInterface::runDialog(short resourceId, SXDialogProc pr
 Script ScriptedUserInterface::takeScript(short dialogNumber) {
     const auto found = scripts_.find(dialogNumber);
     if (found == scripts_.end()) {
-        refuse("dialog " + std::to_string(dialogNumber) + " was opened, and no script says what to do there");
+        refuse("dialog " + std::to_string(dialogNumber) + " was opened, but there is no script for it");
         return {};
     }
     return std::move(scripts_.extract(found).mapped());
@@ -128,7 +128,7 @@ void ScriptedUserInterface::press(OpenDialog& dialog, const Press& step) {
     control = reach(dialog, step.item);
     if (control == nullptr) return;
     if (control->item.kind != ItemKind::button) {
-        refuse(itemOf(step.item, dialog.number()) + " is no button but a " +
+        refuse(itemOf(step.item, dialog.number()) + " is not a button but a " +
                std::string(itemKindName(control->item.kind)));
         return;
     }
@@ -139,7 +139,7 @@ void ScriptedUserInterface::read(OpenDialog& dialog, const Read& step) {
     const Control* control = reach(dialog, step.item);
     if (control == nullptr) return;
     if (control->item.kind != ItemKind::text) {
-        refuse(itemOf(step.item, dialog.number()) + " is no text but a " +
+        refuse(itemOf(step.item, dialog.number()) + " is not a text but a " +
                std::string(itemKindName(control->item.kind)));
         return;
     }
@@ -234,7 +234,7 @@ bool ScriptedUserInterface::listenToMidi(std::uint8_t event[3]) {
         heard = midiInput_();
         if (!heard) cancelled_ = true;
     } else {
-        refuse("a MIDI note is waited for, and nobody plays one");
+        refuse("the dialog waits for a MIDI note, but none is played");
     }
     if (heard) std::copy(heard->begin(), heard->end(), event);
     return heard.has_value();

@@ -1,4 +1,4 @@
-// The person in front of the engine, played by a script: works dialogs through the plug-in's own procedures.
+// The user of the host, played by a script, who operates dialogs through the plug-in's own procedures.
 #pragma once
 
 #include <array>
@@ -30,19 +30,19 @@ class ScriptedUserInterface : public engine::UserInterface {
 
     ScriptedUserInterface(const DialogResources& resources, Scripts scripts, ProgressDisplay progressDisplay);
 
-    // Who is listened to when the script strikes no note; without, nobody.
+    // The instrument to listen to when the script plays no note; without one, there is none.
     void listenTo(MidiInput input) { midiInput_ = std::move(input); }
 
-    // The first thing that the script asked for and a hand could not do; the dialogs were closed there.
+    // The first thing that the script asked for and a user could not do; the dialogs were closed there.
     [[nodiscard]] const std::optional<engine::Problem>& problem() const { return problem_; }
-    // Texts of the warnings, in order, for the user to be told.
+    // Texts of the warnings for the user, in order.
     [[nodiscard]] const std::vector<std::string>& alerts() const { return alerts_; }
     // Texts of the questions asked, in order; the script says how they are answered.
     [[nodiscard]] const std::vector<std::string>& questions() const { return questions_; }
     // What the script read out, in order.
     [[nodiscard]] const std::vector<Reading>& readings() const { return readings_; }
     [[nodiscard]] bool cancelled() const { return cancelled_; }
-    // How often the plug-in had changed music to draw anew.
+    // How often the plug-in had changed music redrawn.
     [[nodiscard]] int redraws() const { return redraws_; }
     // What the plug-in asked to be played, in order.
     [[nodiscard]] const std::vector<engine::PlaybackRequest>& playbacks() const { return playbacks_; }
@@ -62,14 +62,14 @@ class ScriptedUserInterface : public engine::UserInterface {
     void play(short startMeasure, short endMeasure, const std::vector<short>& staves) override;
 
   private:
-    // The script goes on while nothing went wrong and nobody cancelled.
+    // The script continues while nothing has gone wrong and nobody has cancelled.
     [[nodiscard]] bool goesOn() const { return !problem_ && !cancelled_; }
     [[nodiscard]] Script takeScript(short dialogNumber);
     void perform(OpenDialog& dialog, const Step& step);
     void set(OpenDialog& dialog, const Set& step);
     void press(OpenDialog& dialog, const Press& step);
     void read(OpenDialog& dialog, const Read& step);
-    // The control that a hand wants to use; null, with the problem kept, when it cannot.
+    // The control that the script wants to use; null, with the problem kept, when a user could not.
     Control* reach(OpenDialog& dialog, short item);
     void refuse(const std::string& what);
 

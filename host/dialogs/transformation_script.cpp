@@ -131,7 +131,7 @@ void chooseInterval(const Transposition& transposition, Script& script, Scripts&
     }
 }
 
-// Reads the report out; a repair closes the dialog by itself.
+// Records the report; a repair closes the dialog by itself.
 Script reportScript(bool repair) {
     using namespace report_dialog;
     Script script{Read{kMeasures}, Read{kReport}};

@@ -13,11 +13,11 @@
 
 namespace rovescio::dialogs {
 
-// The music from its end to its beginning.
+// A retrograde of the music.
 struct Retrograde {
-    bool mirrorKeys = false;     // the key signatures of the measures change places too
-    bool mirrorSpacing = false;  // and so do their widths and margins
-    bool repair = false;         // what stands in the way is deleted; else the plug-in leaves the music alone
+    bool mirrorKeys = false;     // reverses the order of the measures' key signatures too
+    bool mirrorSpacing = false;  // and that of their widths and margins
+    bool repair = false;         // what stands in the way is deleted; otherwise the music is left alone
 
     friend bool operator==(const Retrograde&, const Retrograde&) = default;
 };
@@ -42,7 +42,7 @@ struct Transposition {
     friend bool operator==(const Transposition&, const Transposition&) = default;
 };
 
-// A mirror of notes around an axis, or of chords.
+// An inversion of notes around an axis, or of chords.
 struct Inversion {
     enum class Kind {
         diatonic,   // by steps within the key; the axis is a degree of the key, so its alteration is not used
@@ -53,7 +53,7 @@ struct Inversion {
 
     Kind kind = Kind::diatonic;
     engine::SpelledPitch axis = {};  // not for chords; altered by a semitone at most
-    bool axisIsPlayed = false;       // in place of it the note that the dialog hears when it listens to MIDI
+    bool axisIsPlayed = false;       // instead, it is the note that the dialog gets by MIDI
     bool simplify = false;           // chromatic: respell double accidentals and enharmonic white keys
 
     [[nodiscard]] bool hasAxis() const { return kind == Kind::diatonic || kind == Kind::chromatic; }
@@ -61,10 +61,10 @@ struct Inversion {
 
 // What becomes of the accidentals, in the order of the plug-in's pop-up.
 enum class Accidentals {
-    asNeeded,   // decided anew, choices by hand excepted
+    asNeeded,   // decided afresh, except where set by hand
     always,     // shown by hand
     never,      // hidden by hand
-    automatic,  // decided anew
+    automatic,  // decided afresh
     inKey,      // none, and each note takes the pitch that the key gives it
 };
 

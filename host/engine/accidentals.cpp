@@ -14,7 +14,7 @@ namespace rovescio::engine {
 
 namespace {
 
-// The accidentals that stand in one measure of one staff so far, as a player reads them: what is not shown
+// The accidentals in force in one measure of one staff so far, as a player reads them: what is not shown
 // does not count. Alterations are hundredths of a semitone.
 class MeasureAccidentals {
   public:
@@ -59,8 +59,8 @@ class MeasureReader {
     MeasureReader(const Document& document, const MassEdits& edits)
         : document_(document), edits_(edits), ties_(document, edits) {}
 
-    // Goes through the notes of the measure in time order. judge(visit, index, needed) is told of each note
-    // of each entry whether it needs an accidental, and tells whether it shows one.
+    // Goes through the notes of the measure in time order. judge(visit, index, needed) gets, for each note
+    // of each entry, whether it needs an accidental, and returns whether it shows one.
     template <class Judge>
     void read(short staff, short measure, When when, const Judge& judge) {
         collect(staff, measure, when);

@@ -16,7 +16,7 @@ class MassEdits;
 // kDecideAccidentals by the rules of the measure: the signature, accidentals shown earlier on the same line
 // or space of the same staff in any layer, and ties over the barline. Notes with NOTE_FLAG1 keep what was
 // decided by hand. Accidentals that were shown as reminders stay, whatever becomes of the note, unless they
-// are to be decided anew. Unmarked entries gain an accidental where one became necessary and lose none.
+// are to be decided afresh. Unmarked entries gain an accidental where one became necessary and lose none.
 void decideAccidentals(Document& document, MassEdits& edits, std::span<const FrameAddress> frames);
 
 // A note of the document: the number of its entry, and its own.

@@ -1,4 +1,4 @@
-// Keys and sizes of data records, and the way of each tag.
+// Keys and sizes of data records, and what each tag leads to.
 #include "engine/data_records.h"
 
 #include <algorithm>
@@ -146,7 +146,7 @@ bool DataRecords::save(std::uint32_t tag, const void* key, std::span<const std::
            apply(listOf(tag, place), [&](RecordStore& store) { return store.save(tag, place, content); });
 }
 
-// Puts a number of the host's in place of the one that asks for it.
+// Replaces the number that asks for one with a number of the host's.
 bool DataRecords::chooseNumber(std::uint32_t tag, RecordKey& key) const {
     const RecordStore& store = storeOf(tag);
     if (recordKeyForm(tag) == RecordKeyForm::detail && key.second == RecordStore::kAppend) {

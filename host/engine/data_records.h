@@ -12,7 +12,7 @@
 namespace rovescio::engine {
 
 // Measure specifications are made from the document and saved into it: width, key in concert pitch, space
-// and spacing mode; beats tell the time signature and are not changed by saving. The list that playback reads
+// and spacing mode; beats give the time signature and are not changed by saving. The list that playback reads
 // is temporary and belongs to no mass edit. All other records are the document's own; they are changed inside
 // mass edits, and doing it outside breaks a rule.
 class DataRecords {

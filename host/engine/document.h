@@ -92,7 +92,7 @@ class Document {
     bool addShape(const Shape& shape);
     // Entry numbers count from 1; one that is dropped is not given again.
     std::uint32_t nextEntryNumber() { return ++lastEntryNumber_; }
-    // A new number for an entry that goes on with another one, which a barline cut.
+    // A new number for an entry that continues one that a barline split.
     std::uint32_t continuationOf(std::uint32_t entryNumber);
     // The entry that a continuation began with; any other entry is its own.
     [[nodiscard]] std::uint32_t originOf(std::uint32_t entryNumber) const;

@@ -41,7 +41,7 @@ void settleFrame(Session& session, const FrameAddress& address) {
                    return settle(key, note, session.fractions);
                });
     };
-    // A mirror marks all that it turns.
+    // An inversion marks every frame that it works on.
     if (session.fractions == Fractions::mirrored && !session.massEdits.wasMarked(address)) return;
     if (std::ranges::none_of(document.entries(address), isWanted)) return;
     for (StoredEntry& entry : session.massEdits.editable(address)) {
@@ -63,7 +63,7 @@ void settleFractions(Session& session) {
          numbers(std::max<short>(region.start.slot, 1), std::min(region.end.slot, document.staffCount()))) {
         for (const short measure : numbers(std::max<short>(region.start.measure, 1),
                                            std::min(region.end.measure, document.measureCount()))) {
-            // A mirror passes other keys over.
+            // An inversion leaves other keys alone.
             const bool reached = session.fractions == Fractions::dropped ||
                                  document.staffMeasure(staff, measure).key.isStandard();
             for (short layer = 0; reached && layer < kMaxLayers; ++layer) {

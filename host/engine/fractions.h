@@ -1,4 +1,4 @@
-// What becomes of quarter tones, of which plug-ins know nothing.
+// What becomes of quarter tones, which plug-ins cannot see.
 #pragma once
 
 #include <cstdint>

@@ -67,7 +67,7 @@ bool admitCall(HostFunction function, std::uint32_t version) {
     const auto index = static_cast<std::size_t>(function);
     if (version != kKitVersion) {
         ruleBroken(Rule::versionWord, std::string(kNames[index]) + " was called with version word " +
-                                          std::to_string(version) + " in place of " +
+                                          std::to_string(version) + " instead of " +
                                           std::to_string(kKitVersion));
     }
     return ++state.calls[index] != state.failing[index];

@@ -113,7 +113,7 @@ LoadedFrames::Frame* LoadedFrames::find(EXTGF2005a* record, const char* call, Ru
     Frame* const known = frameOf(record);
     if (known == nullptr) {
         ruleBroken(Rule::frameUnknown,
-                   std::string(call) + " was called with a frame that the host never gave");
+                   std::string(call) + " was called with a frame that the host never supplied");
         return nullptr;
     }
     Frame& frame = *known;
@@ -137,7 +137,7 @@ bool LoadedFrames::insert(EXTGF2005a* record, short index, short count) {
     const auto size = static_cast<int>(frame->entries.size());
     if (index < 0 || index > size || count < 1 || size + count > std::numeric_limits<short>::max())
         return false;
-    // Always into a new buffer: a plug-in that goes on with the old one is noticed at once.
+    // Always into a new buffer: a plug-in that keeps using the old one is noticed at once.
     std::vector<EXENTRY> grown;
     grown.reserve(frame->entries.size() + static_cast<std::size_t>(count));
     grown.assign(frame->entries.begin(), frame->entries.begin() + index);
@@ -166,7 +166,7 @@ bool LoadedFrames::remove(EXTGF2005a* record, short index, short count) {
 }
 
 // What the document keeps of an entry: rests without the placeholder that cleaning gave them, chords sorted
-// upward, unpitched notes where they were, and marks of what changed in place of the plug-in's own. `old` is
+// upward, unpitched notes where they were, and marks of what changed instead of the plug-in's own. `old` is
 // the entry as the document has it; null for a new one.
 LoadedFrames::Change LoadedFrames::normalise(EXENTRY& entry, const StoredEntry* old) {
     Change change;
@@ -220,7 +220,7 @@ bool LoadedFrames::save(EXTGF2005a* record) {
         if (entry.noteCount < 0 || entry.noteCount > kMaxNotes || notesBeyondCount(entry)) {
             ruleBroken(Rule::notesBeyondCount, "an entry of " + place(frame->address) + " was saved with " +
                                                    std::to_string(entry.noteCount) +
-                                                   " notes and more behind");
+                                                   " notes, and more beyond the count");
             return false;
         }
         bytes += PackedEntries::bytesFor(entry.noteCount);

@@ -1,4 +1,4 @@
-// The frames that a plug-in has loaded: their buffers, and the watch over what it does with them.
+// The frames that a plug-in has loaded: their buffers, and checks of what it does with them.
 #pragma once
 
 #include <cstdint>

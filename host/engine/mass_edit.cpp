@@ -106,7 +106,7 @@ void MassEdits::noteSave(const FrameAddress& address, bool marks, bool moves) {
 
 bool MassEdits::decidesAnew(const FrameAddress& address) const {
     const std::optional<bool> moved = open_.back()->walks.moved(index(address));
-    // Entries that were laid out anew are marked by the host.
+    // Entries that were laid out again are marked by the host.
     return moved ? !*moved : !isRebarred(address.staff, address.measure);
 }
 
@@ -178,7 +178,7 @@ bool MassEdits::isRebarred(short staff, short measure) const {
 }
 
 void MassEdits::exchange(Step& step) {
-    // A frame, list or measure stands in a step but once, so the order does not matter.
+    // A frame, list or measure occurs in a step only once, so the order does not matter.
     for (Change& change : step.frames) document_.exchangeEntries(change.address, change.entries);
     for (auto& [place, incidents] : step.records) document_.exchangeRecords(place, incidents);
     for (auto& [measure, state] : step.measures) document_.exchangeMeasure(measure, state);

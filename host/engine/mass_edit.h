@@ -43,10 +43,10 @@ class MassEdits {
     // A frame that was saved before is loaded again: with that the plug-in begins its next step. What follows
     // from the changes so far is added now, so that steps of one edit do what they would do one by one.
     void noteLoad(const FrameAddress& address);
-    // Keeps in mind what a plug-in's saving of a frame tells: whether it marked entries as changed, and
+    // Remembers what a plug-in's saving of a frame shows: whether it marked entries as changed, and
     // whether pitches moved.
     void noteSave(const FrameAddress& address, bool marks, bool moves);
-    // Whether the accidentals of the frame are to be decided anew, reminders included.
+    // Whether the accidentals of the frame are to be decided afresh, reminders included.
     [[nodiscard]] bool decidesAnew(const FrameAddress& address) const;
     void noteDecided(const FrameAddress& address) {
         open_.back()->walks.decided(index(address), frameCount());
@@ -70,7 +70,7 @@ class MassEdits {
     // The key of a measure before the innermost open edit.
     [[nodiscard]] const KeySignature& keyBefore(short staff, short measure) const;
 
-    // The entries of these measures were laid out anew. Half ties there are dropped when the edit ends.
+    // The entries of these measures were laid out again. Half ties there are dropped when the edit ends.
     void markRebarred(const StaffSpan& span);
     [[nodiscard]] bool isRebarred(short staff, short measure) const;
 

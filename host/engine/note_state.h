@@ -1,5 +1,5 @@
 // The host's own bits inside a note record, which travel with the note: the part of a semitone that its
-// alteration cannot tell, and what is known of its accidental.
+// alteration cannot express, and what is known of its accidental.
 #pragma once
 
 #include <cstdint>

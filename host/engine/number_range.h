@@ -1,4 +1,4 @@
-// Numbers of staves and measures one after the other.
+// Consecutive numbers of staves and measures.
 #pragma once
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// The entries of one frame in as few bytes as they need: an entry of one note takes 36 bytes in place of 146.
+// The entries of one frame in as few bytes as they need: an entry of one note takes 36 bytes instead of 146.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,7 @@ namespace rovescio::engine {
 
 #pragma pack(push, 1)
 
-// An entry as the document keeps it: its fields without the unused note slots, its notes right behind it.
+// An entry as the document keeps it: its fields without the unused note slots, its notes right after it.
 struct StoredEntry {
     std::uint32_t entryNumber;
     std::int32_t duration;

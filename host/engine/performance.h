@@ -1,5 +1,4 @@
-// How a score is to sound: tempo, loudness, transposing instruments and sounds, as far as notes alone do not
-// say.
+// How a score is to sound: tempo, loudness, transposing instruments and sounds; what notes alone do not say.
 //
 // Built by a score reader next to the document. Staves and measures count from 1, as in the document.
 #pragma once

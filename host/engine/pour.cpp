@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 
 namespace rovescio::engine {
 
@@ -42,7 +43,7 @@ class Pour {
     }
 
     void add(std::uint32_t item, std::int32_t duration, Fraction start) {
-        if (++inMeasure_ > std::numeric_limits<std::int16_t>::max()) fail("too many notes come together");
+        if (++inMeasure_ > std::numeric_limits<std::int16_t>::max()) fail("too many notes in one measure");
         result_.pieces.push_back({.item = item,
                                   .firstItem = item,
                                   .lastItem = item,
@@ -80,14 +81,14 @@ class Pour {
         do {
             if (position_ == length() && remaining > Fraction(0)) {
                 if (measure_ + 1 == measures_.size())
-                    return fail("the notes are more than the measure holds");
+                    return fail("there are more notes than the measure holds");
                 ++measure_;
                 position_ = 0;
                 inMeasure_ = 0;
             }
             if (!continues) placeWaiting();
             const Fraction room = length() - position_;
-            if (!room.isSound()) return fail("the ratios of its tuplets are beyond what can be counted");
+            if (!room.isSound()) return fail("the ratios of its tuplets are too complex");
             const bool cut = room < remaining;
             const Fraction taken = cut ? room : remaining;
             if (!cut && !continues) {
@@ -112,7 +113,7 @@ class Pour {
                      bool cut) {
         const Fraction nominal = taken.times(state.actual, state.normal);
         if (!nominal.isSound() || !nominal.isWhole()) {
-            fail("a tuplet would be cut by the barline where no note value can tell it");
+            fail("the barline would split a tuplet where no note value can express it");
             return false;
         }
         std::vector<std::int32_t> values = {nominal.floor()};
@@ -154,6 +155,41 @@ PourResult pour(const std::vector<PourItem>& items, const std::vector<Metre>& me
     return Pour(items, measures).run();
 }
 
+namespace {
+
+using Run = std::span<const PourPiece>;
+
+// A run of rests in the values that its metre asks for. A rest with marks of its own, such as a fermata,
+// stays the one that they stand at; empty when two of these would have to share a value.
+std::vector<PourPiece> regrouped(Run run, const std::vector<std::int32_t>& values,
+                                 const std::vector<PourItem>& items) {
+    std::vector<PourPiece> grouped;
+    Fraction position = run.front().start;
+    bool firstIsUsed = false;
+    for (const std::int32_t value : values) {
+        const Fraction end = position + Fraction(value);
+        const PourPiece* marked = nullptr;
+        for (const PourPiece& piece : run) {
+            const bool isHere = piece.start >= position && piece.start < end;
+            if (!isHere || piece.renumbered || !stateOf(items[piece.item]).marked) continue;
+            if (marked != nullptr) return {};
+            marked = &piece;
+        }
+        PourPiece rest = marked != nullptr ? *marked : run.front();
+        if (marked == nullptr || marked == &run.front()) {
+            rest.renumbered = rest.renumbered || firstIsUsed;
+            firstIsUsed = true;
+        }
+        rest.start = position;
+        rest.duration = value;
+        grouped.push_back(rest);
+        position = end;
+    }
+    return grouped;
+}
+
+}  // namespace
+
 void groupRests(std::vector<PourPiece>& pieces, const std::vector<PourItem>& items, const Metre& metre) {
     const auto isPlainRest = [&](const PourPiece& piece) {
         const PourItem& item = items[piece.item];
@@ -172,16 +208,14 @@ void groupRests(std::vector<PourPiece>& pieces, const std::vector<PourItem>& ite
         }
         std::int32_t length = 0;
         for (auto piece = run; piece != end; ++piece) length += piece->duration;
-        std::int32_t position = run->start.floor();
+        const std::int32_t position = run->start.floor();
         const bool wholeMeasure = position == 0 && length == metre.length;
-        PourPiece rest = *run;
-        for (const std::int32_t value :
-             wholeMeasure ? std::vector{length} : splitByMetre(position, length, metre)) {
-            rest.start = position;
-            rest.duration = value;
-            grouped.push_back(rest);
-            rest.renumbered = true;
-            position += value;
+        const std::vector<PourPiece> rests = regrouped(
+            {run, end}, wholeMeasure ? std::vector{length} : splitByMetre(position, length, metre), items);
+        if (rests.empty()) {
+            grouped.insert(grouped.end(), run, end);
+        } else {
+            grouped.insert(grouped.end(), rests.begin(), rests.end());
         }
         run = end;
     }

@@ -18,7 +18,7 @@ Fraction lengthOf(const StoredEntry& entry);
 // One entry of the sequence, which outlives the pour.
 struct PourItem {
     const StoredEntry* entry = nullptr;
-    bool graceOfBefore = false;  // a grace entry that belongs to what stands before it
+    bool graceOfBefore = false;  // a grace entry that belongs to the entry before it
     bool aside = false;          // of a second voice, which keeps its place and takes no time here
 
     [[nodiscard]] bool isRest() const { return (entry->entryFlags & ENTRY_NOTE) == 0; }
@@ -27,7 +27,7 @@ struct PourItem {
 // A whole item or a part of one, in its measure.
 struct PourPiece {
     std::uint32_t item = 0;       // whose notes it has
-    std::uint32_t firstItem = 0;  // whose notes tell what ties arrive
+    std::uint32_t firstItem = 0;  // whose notes say which ties end here
     std::uint32_t lastItem = 0;   // and what ties leave
     std::uint32_t measure = 0;    // from 0
     Fraction start;               // from the start of the measure
@@ -36,7 +36,7 @@ struct PourPiece {
     bool continued = false;
     bool cutBefore = false;   // tied to the piece before by a cut of this rebar or an earlier one
     bool renumbered = false;  // the item's own number belongs to another piece
-    bool loose = false;       // a rest that was cut, to be grouped anew
+    bool loose = false;       // a rest that was cut, to be grouped again
     Silence silence = Silence::rest;
 };
 
@@ -50,7 +50,7 @@ struct PourResult {
 // many pieces as its metre asks for.
 PourResult pour(const std::vector<PourItem>& items, const std::vector<Metre>& measures);
 
-// Groups the rests anew wherever a run of them has a loose one. Pieces are those of one measure, in order.
+// Groups the rests again wherever a run of them has a loose one. Pieces are those of one measure, in order.
 void groupRests(std::vector<PourPiece>& pieces, const std::vector<PourItem>& items, const Metre& metre);
 
 }  // namespace rovescio::engine

@@ -7,7 +7,7 @@
 
 namespace rovescio::engine {
 
-// One problem, told to the user as "file:line:column: message (measure M). remedy".
+// One problem, shown to the user as "file:line:column: message (measure M). remedy".
 struct Problem {
     std::string message;
     std::string file;     // empty when no file is concerned

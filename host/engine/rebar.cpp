@@ -286,7 +286,7 @@ class StaffRebar {
         layer.frames.push_back(std::move(entries));
     }
 
-    // Joins runs of pieces that are one note, as long as one value can tell them.
+    // Joins runs of pieces that are one note, as far as one note value can express them.
     void joinCut(const Layer& layer, std::size_t index, std::vector<PourPiece>& pieces) const {
         std::vector<PourPiece> joined;
         for (std::size_t first = 0; first < pieces.size();) {

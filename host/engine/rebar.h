@@ -1,4 +1,4 @@
-// Pours the music of a region again into its measures, after a transformation has changed what lies where.
+// Distributes the music of a region over its measures again, after a transformation has changed its order.
 #pragma once
 
 #include "contract/records.h"
@@ -12,7 +12,7 @@ class Session;
 // divided are joined again, rests that were cut are grouped by the metre, and grace entries stay with their
 // notes. Layers filled with nothing but silence become empty again where the staff has other music. Ties are
 // mended to have two ends, written pitches stay what they were before the open mass edit in whatever key the
-// notes stand now, and which accidentals show is decided anew.
+// notes stand now, and which accidentals show is decided afresh.
 //
 // False, with the reason in Session::refusal and no entry moved, when a layer does not fill its measures
 // exactly or the region is none.

@@ -1,4 +1,4 @@
-// Host function that pours the music of a region into its measures anew.
+// The host function that rebars a region.
 #include "engine/functions.h"
 #include "engine/rebar.h"
 #include "engine/session.h"

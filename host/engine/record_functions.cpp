@@ -16,7 +16,7 @@ std::span<const std::byte> content(const void* buffer, const std::uint32_t* size
     return {static_cast<const std::byte*>(buffer), *size};
 }
 
-// Copies as much of a record as the caller has room for and tells its whole size.
+// Copies as much of a record as the caller has room for and returns its whole size.
 short deliver(const std::optional<RecordStore::Bytes>& record, void* buffer, std::uint32_t* size) {
     if (!record) return 0;
     if (buffer) std::memcpy(buffer, record->data(), std::min<std::size_t>(*size, record->size()));

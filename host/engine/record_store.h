@@ -28,7 +28,7 @@ struct RecordKey {
 };
 
 // Records of one tag and owner (and second number) are numbered by incident from 0 without gaps: deleting one
-// closes up the numbers behind it.
+// closes up the numbers after it.
 class RecordStore {
   public:
     using Bytes = std::vector<std::byte>;

@@ -1,7 +1,6 @@
-// One run of the host: the document, the selection, the open mass edits and frames, and who sits in front.
+// One run of the host: the document, the selection, the open mass edits and frames, and the user interface.
 //
-// The host functions act on the current session. There is one at a time, and everything happens on one
-// thread.
+// The host functions act on the current session. There is one at a time, and everything runs on one thread.
 #pragma once
 
 #include <array>
@@ -48,7 +47,7 @@ class Session {
     std::int64_t expectedLoads = 0;
     // Why what a transformation asked for could not be done; the document must not be written then.
     std::optional<Problem> refusal;
-    // Regions whose music was laid out anew.
+    // Regions whose music was laid out again.
     int rebars = 0;
     // Text of a string resource of the plug-in, UTF-8; empty when it has none.
     std::function<std::string(std::uint32_t stringId)> pluginString;

@@ -1,4 +1,4 @@
-// What becomes of slurs and lines when the entries at their ends go.
+// What becomes of slurs and lines when the entries at their ends are removed.
 #pragma once
 
 #include <span>

@@ -27,7 +27,7 @@ struct Shape {
     friend bool operator==(const Shape&, const Shape&) = default;
 };
 
-// The shape records of a score that was read: shape n - 1 has the number n. Numbers behind these are given to
+// The shape records of a score that was read: shape n - 1 has the number n. Numbers after these are given to
 // shapes that are made later.
 class SmartShapes {
   public:

@@ -43,7 +43,7 @@ class TieIndex {
     // The entry of a frame, and a note of it; null when it has none such.
     [[nodiscard]] const StoredEntry* find(const FrameAddress& frame, std::uint32_t entryNumber, When when);
     [[nodiscard]] const ENOTE* find(const NotePlace& place, When when);
-    // Has a frame sorted anew, since ties have gone from it.
+    // Has a frame sorted again, since ties have gone from it.
     void forget(const FrameAddress& frame) { frames_.erase(keyOf(frame, When::now)); }
 
   private:

@@ -33,7 +33,7 @@ class TieBreaker {
         }
     }
 
-    // Clears half ties in a frame that was laid out anew.
+    // Clears half ties in a frame that was laid out again.
     void dropHalves(const FrameAddress& frame) {
         dropFrom(frame, [&](const StoredEntry& entry, const ENOTE& note, std::uint32_t flag) {
             return flag == NOTE_TIE_START ? !arrives(frame, entry, note, When::now)
@@ -154,7 +154,7 @@ class TieBreaker {
     Document& document_;
     MassEdits& edits_;
     TieIndex index_;
-    StaffSpan span_;                                           // that was laid out anew
+    StaffSpan span_;                                           // that was laid out again
     std::unordered_map<std::uint32_t, short> measuresBefore_;  // by entry, once they are asked for
 };
 

@@ -1,4 +1,4 @@
-// Ties between notes, and their end when the notes part.
+// Ties between notes, and their removal when the notes part.
 #pragma once
 
 #include <span>

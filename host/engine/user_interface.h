@@ -1,4 +1,4 @@
-// What the engine needs of whoever sits in front of it: dialogs, alerts, progress and cancel, playback.
+// What the engine needs of its user interface: dialogs, alerts, progress and cancel, playback.
 #pragma once
 
 #include <cstdint>
@@ -34,7 +34,7 @@ class UserInterface {
     virtual short alert(SXWindow parent, std::uint16_t style, const std::string& text) = 0;
     // Shows progress; false when the user cancelled.
     virtual bool progress(const Progress& progress) = 0;
-    // The music inside the region was changed and would be drawn anew.
+    // The music inside the region was changed and would be redrawn.
     virtual void redraw() = 0;
     // Waits for one MIDI event and writes status, note and velocity; false when there is no MIDI input.
     virtual bool listenToMidi(std::uint8_t event[3]) = 0;

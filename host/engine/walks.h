@@ -1,4 +1,4 @@
-// Tells by how a plug-in saves frames what it means by marking entries as changed.
+// Infers from the way a plug-in saves frames what it means by marking entries as changed.
 #pragma once
 
 #include <cstddef>
@@ -8,9 +8,9 @@
 
 namespace rovescio::engine {
 
-// A plug-in that marks entries as changed has moved their pitches, or it wishes their accidentals to be
-// decided anew. One note that was mirrored onto itself looks like the second; but a plug-in goes through the
-// selected frames once for each thing that it does, so that the other frames of the same walk tell.
+// A plug-in that marks entries as changed has moved their pitches, or it wants their accidentals to be
+// decided afresh. One note that was mirrored onto itself looks like the second; but a plug-in goes through
+// the selected frames once for each thing that it does, so that the other frames of the same walk decide.
 class Walks {
   public:
     // A frame was saved; `frame` is its place among `count`.

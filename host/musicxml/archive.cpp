@@ -159,7 +159,7 @@ bool looksLikeArchive(const std::string& bytes) {
 engine::Result<ArchivedScore> unpackScore(const std::string& archive, std::size_t maxBytes,
                                           const std::string& file) {
     const Archive opened = open(archive.data(), archive.size(), ZIP_RDONLY);
-    if (!opened.zip) return broken("the compressed score is not a sound zip archive", file);
+    if (!opened.zip) return broken("the compressed score is not a valid zip archive", file);
     std::string container;
     const Unpacked state = unpack(opened.zip.get(), kContainer, kMaxContainerBytes, container);
     if (state != Unpacked::fine) return explain(state, kContainer, kMaxContainerBytes, file);

@@ -156,8 +156,8 @@ TimeSignature readTime(const xml::Element& element, Journal& journal) {
     }
     if (!counted || length > kMaxMeasure) {
         journal.notice("time",
-                       "the time signature cannot be counted; its measures are "
-                       "taken as long as their contents",
+                       "the time signature cannot be interpreted; its measures are "
+                       "taken to be as long as their contents",
                        offset);
         return {};
     }

@@ -98,7 +98,7 @@ engine::Result<DecodedText> decodeText(std::string bytes, const std::string& fil
     }
     Converter converter("UTF-8", decoded.encoding.name.c_str());
     if (!converter.isOpen()) {
-        return engine::Problem{"the encoding \"" + decoded.encoding.name + "\" is not known",
+        return engine::Problem{"the encoding \"" + decoded.encoding.name + "\" is unknown",
                                file,
                                1,
                                {},
@@ -107,17 +107,18 @@ engine::Result<DecodedText> decodeText(std::string bytes, const std::string& fil
     const std::string_view body = std::string_view(bytes).substr(decoded.encoding.byteOrderMark.size());
     if (!converter.convert(body, decoded.text)) {
         const auto line = 1 + std::count(decoded.text.begin(), decoded.text.end(), '\n');
-        return engine::Problem{"the file is not in the encoding " + decoded.encoding.name + " that it names",
-                               file,
-                               static_cast<int>(line),
-                               {},
-                               "Export the score again as UTF-8."};
+        return engine::Problem{
+            "the file is not in the encoding " + decoded.encoding.name + " that it declares",
+            file,
+            static_cast<int>(line),
+            {},
+            "Export the score again as UTF-8."};
     }
     // Encodings with several ways to write the same text cannot promise that the rest of the file stays.
     const engine::Result<std::string> again = encodeText(decoded.text, decoded.encoding, file);
     if (!again || again.value() != bytes) {
         return engine::Problem{
-            "the encoding " + decoded.encoding.name + " does not let the file be written as it was",
+            "the encoding " + decoded.encoding.name + " does not allow the file to be written back unchanged",
             file,
             1,
             {},

@@ -33,8 +33,8 @@ class BeamMender {
 
     void mend() {
         for (GroupMember* const member : members_) {
-            if (!member->mirrored) continue;
-            for (BeamMark& beam : member->groups.beams) beam.value = mirroredPart(beam.value);
+            if (!member->reversed) continue;
+            for (BeamMark& beam : member->groups.beams) beam.value = reversedPart(beam.value);
         }
         findBroken(true);
         findBroken(false);
@@ -83,11 +83,11 @@ class BeamMender {
         breakOpen();
     }
 
-    // Whether each beam inside a group that begins there also ends there. A group of which a part has turned
-    // round is looked at; any other is as it was.
+    // Whether each beam inside a group that begins there also ends there. A group that is reversed
+    // in part is looked at; any other is as it was.
     [[nodiscard]] bool innerBeamsFit(const std::vector<std::size_t>& group) const {
-        const auto isMirrored = [&](std::size_t index) { return members_[index]->mirrored; };
-        if (std::ranges::all_of(group, isMirrored) || std::ranges::none_of(group, isMirrored)) return true;
+        const auto isReversed = [&](std::size_t index) { return members_[index]->reversed; };
+        if (std::ranges::all_of(group, isReversed) || std::ranges::none_of(group, isReversed)) return true;
         std::size_t levels = 0;
         for (const std::size_t index : group) levels = std::max(levels, members_[index]->groups.beams.size());
         for (std::size_t level = 2; level <= levels; ++level) {
@@ -143,7 +143,7 @@ class BracketMender {
 
     void mend() {
         for (GroupMember* const member : members_) {
-            if (!member->mirrored) continue;
+            if (!member->reversed) continue;
             std::vector<TupletMark>& marks = member->groups.tuplets;
             for (TupletMark& mark : marks) mark.start = !mark.start;
             std::reverse(marks.begin(), marks.end());
@@ -184,7 +184,7 @@ class BracketMender {
                 }
                 // The start of a group that is read backwards has the bracket's look with it, so the two
                 // change places.
-                if (members_[index]->mirrored && members_[start->member]->mirrored) {
+                if (members_[index]->reversed && members_[start->member]->reversed) {
                     std::swap(at(*start).text, marks[i].text);
                 }
                 whole_.push_back({start->member, index, marks[i].number});

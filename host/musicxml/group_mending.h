@@ -1,4 +1,4 @@
-// Beams and tuplet brackets of notes that have got new neighbours.
+// Beams and tuplet brackets of notes that have new neighbours.
 #pragma once
 
 #include <cstdint>
@@ -20,16 +20,16 @@ struct GroupMember {
     bool rest = false;
     bool grace = false;
     bool tuplet = false;    // its length is not that of its value
-    bool mirrored = false;  // the order around it has turned round
-    bool cut = false;       // it is a part of what it was
+    bool reversed = false;  // the order around it is reversed
+    bool cut = false;       // it is a part of a longer note
     NoteGroups groups;      // as they were; afterwards as they are to be
 };
 
 // Gives an id that no other element of the score has.
 using IdSource = std::function<std::string()>;
 
-// A beam or bracket that is whole is kept, turned round where the order is. Beams that have lost a member are
-// made anew inside the beat. A bracket that has lost an end is put over its notes in this measure; an end
+// A beam or bracket that is whole is kept, reversed where the order is. Beams that have lost a member are
+// rebuilt within the beat. A bracket that has lost an end is put over its notes in this measure; an end
 // that is made for it has an id, by which it is known and left out when the notes are put together again.
 void mendGroups(std::vector<GroupMember*>& members, const engine::Metre& metre, const IdSource& nextId);
 

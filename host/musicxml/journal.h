@@ -1,5 +1,4 @@
-// What a reader has to say: the problem that stopped it, and notices told once
-// each.
+// What a reader reports: the problem that stopped it, and notices, each once.
 #pragma once
 
 #include <cstddef>

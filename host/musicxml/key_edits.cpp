@@ -22,14 +22,14 @@ struct KeyElement {
     int staff = 0;  // within the part, from 1; 0 for all
 };
 
-// What stands at the start of a measure.
+// What a measure has at its start.
 struct StartText {
     xml::Node attributes = 0;  // the first one
     bool empty = false;        // it holds nothing but keys
     xml::Node before = 0;      // the last child of it that stands before a <key>
     xml::Node print = 0;       // before which nothing of the measure stands
     std::vector<KeyElement> keys;
-    xml::Node lateKey = 0;  // a key behind a step back in time
+    xml::Node lateKey = 0;  // a key after a step back in time
 };
 
 std::string keyText(const KeySignature& key, int staff) {
@@ -112,7 +112,7 @@ class PartKeys {
     bool edit() {
         for (const auto& [measure, old] : document_.changedMeasures()) {
             if (!editMeasure(measure)) return false;
-            // The key of the measure behind begins from what this one ends with.
+            // The key of the next measure begins from what this one ends with.
             if (measure == document_.measureCount()) continue;
             const auto next = static_cast<short>(measure + 1);
             if (!document_.changedMeasures().contains(next) && !editMeasure(next)) return false;
@@ -152,7 +152,7 @@ class PartKeys {
         }
         if (staves.empty()) return true;
         journal_.setMeasure(document_.measure(measure).label);
-        // What the part does not have cannot show a key; the measures behind it do.
+        // A measure that the part lacks cannot show a key; those after it do.
         if (contents == 0) return true;
         const MeasureStart start(edits_, contents);
         if (start.found().lateKey != 0) {
@@ -247,7 +247,7 @@ class PartKeys {
                 edits_.insertFirst(contents, attributes);
             }
         }
-        // The last one is put in first, right behind what comes before keys.
+        // The last one is put in first, right after what comes before keys.
         for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
             if (start.before != 0) {
                 edits_.insertAfter(start.before, *key);

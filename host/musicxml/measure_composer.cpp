@@ -8,6 +8,7 @@
 
 #include "engine/entry_state.h"
 #include "musicxml/note_edits.h"
+#include "musicxml/stem_edits.h"
 #include "musicxml/tag_names.h"
 
 namespace rovescio::musicxml {
@@ -27,7 +28,7 @@ bool isGrace(const Event& event) {
     return engine::entryState(*event.entry).grace != engine::Grace::none;
 }
 
-// Parts of a chord that stands on two staves.
+// Parts of a chord that spans two staves.
 bool shareStem(const Event& first, const Event& second) {
     return first.source != nullptr && second.source != nullptr && first.source->sharesStem &&
            second.source->sharesStem && first.start == second.start && first.length == second.length &&
@@ -118,12 +119,12 @@ void MeasureComposer::mend(Stream& stream) {
         member.rest = isRest(*event);
         member.grace = state.grace != engine::Grace::none;
         member.tuplet = state.actual != state.normal;
-        member.mirrored = event->mirrored;
+        member.reversed = event->reversed;
         member.cut = event->continues || event->continued ||
                      (event->source != nullptr && event->source->duration != event->entry->duration);
         // A bracket begins with the first and ends with the last part of a note that was cut.
         std::erase_if(member.groups.tuplets, [&](const TupletMark& mark) {
-            const bool start = mark.start != event->mirrored;
+            const bool start = mark.start != event->reversed;
             return start ? event->continues : event->continued;
         });
         members.push_back(&member);
@@ -230,7 +231,7 @@ std::size_t MeasureComposer::streamOf(const Fraction& time) const {
     return 0;
 }
 
-// Everything but notes that stands before a time or at it; what stands at the measure's end comes last.
+// Everything but notes up to and including a time; what is at the measure's end comes last.
 void MeasureComposer::emitItemsUntil(const Fraction& time, std::size_t stream) {
     const std::vector<MeasureContents::Item>& items = contents_.items;
     for (std::size_t i = 0; i < items.size(); ++i) {
@@ -248,7 +249,7 @@ NoteShape MeasureComposer::shapeOf(const Event& event, const Stream& stream) con
     const bool grace = isGrace(event);
     if (!grace) shape.duration = units(event.length);
     shape.voice = stream.voice;
-    shape.mirrored = event.mirrored;
+    shape.reversed = event.reversed;
     shape.continuation = event.continues;
     const std::int32_t value = event.entry->duration;
     const xml::Node rest =
@@ -266,8 +267,9 @@ NoteShape MeasureComposer::shapeOf(const Event& event, const Stream& stream) con
     return shape;
 }
 
-bool MeasureComposer::emitEvent(const Event& event, const Stream& stream, bool chord) {
+bool MeasureComposer::emitEvent(Event& event, const Stream& stream, bool chord) {
     NoteShape shape = shapeOf(event, stream);
+    event.changes = changes_.size();
     if (event.notes.empty()) {
         list_.push_back(makeRest(part_.edits, shape, part_.severalStaves ? event.staff + 1 : 0));
         return true;
@@ -291,33 +293,66 @@ bool MeasureComposer::emitNote(const Event& event, std::size_t index, NoteShape&
     shape.ties = record == notes.end() ? 0 : record->noteFlags & NOTE_TIES;
     NoteShape own = shape;
     if (!isGrace(event) && event.source != nullptr && !event.source->statesLength &&
-        !keepOwnDuration(node, own, event.source->duration != event.entry->duration)) {
+        !keepOwnDuration(node, own, event)) {
         return false;
     }
+    NoteChange change;
     if (record != notes.end() && !isRest(event)) {
         const engine::KeySignature& key = *site_.keys[static_cast<std::size_t>(event.staff)];
         const bool unpitched = engine::entryState(*event.entry).unpitched != 0;
-        const NoteChange change =
-            editPitch(part_.edits, part_.scan.of(node), *record, key.spell(*record), unpitched);
+        change = editPitch(part_.edits, part_.scan.of(node), *record, key.spell(*record), unpitched);
         if (!change.possible) return refuseOctave(part_.journal, part_.edits.place(node));
     }
+    changes_.push_back(change);
     placeNote(part_.edits, part_.scan, node, own);
     list_.push_back(node);
     return true;
 }
 
+// The stems of a voice that is alone on its staff follow notes that have another pitch now.
+void MeasureComposer::turnStems() {
+    StemEdits stems(part_.edits);
+    for (const Line& line : lines_) {
+        const bool alone = std::ranges::count(lines_, line.staff, &Line::staff) == 1;
+        const engine::FrameAddress here{static_cast<short>(site_.firstStaff + line.staff), site_.measure,
+                                        line.layer};
+        stems.clear();
+        for (const Event& event : line.events) {
+            const bool hasStem = !event.notes.empty() && !isRest(event) && !isGrace(event) &&
+                                 engine::entryState(*event.entry).unpitched == 0;
+            if (!hasStem) continue;
+            const Clef& clef = clefAt(part_.sources, here, event.start.floor());
+            const Clef& before = clefAt(part_.sources, event.source->address, event.source->elapsed);
+            stems.beginChord(clef, alone && !event.source->sharesStem);
+            for (std::size_t i = 0; i < event.notes.size(); ++i) {
+                const NoteChange& change = changes_[event.changes + i];
+                stems.addNote(part_.scan.of(event.notes[i]),
+                              change.oldStep - before.middleStep + clef.middleStep, change.newStep,
+                              change.moved);
+            }
+        }
+        stems.apply();
+    }
+}
+
 // A note of a chord with a duration of its own keeps it, and so does one whose duration is rounded.
-bool MeasureComposer::keepOwnDuration(xml::Node note, NoteShape& shape, bool isCut) {
+bool MeasureComposer::keepOwnDuration(xml::Node note, NoteShape& shape, const Event& event) {
     const xml::Node said = part_.edits.child(note, tag("duration"));
     const std::optional<Decimal> own = said == 0 ? std::nullopt : parseDecimal(part_.edits.text(said));
     if (!own) return true;
     const std::int64_t scale = ownDivisions_.value * own->scale;
     const bool fits = ownDivisions_.scale == 1 && own->value * divisions_ % scale == 0;
-    if (!isCut && (fits || isInOwnDivisions())) {
+    const bool isCut = event.source->duration != event.entry->duration;
+    // The first note of a chord moves the time on. Rounding is less than a unit.
+    const Fraction lasts = Fraction(own->value)
+                               .times(engine::kQuarter, own->scale)
+                               .times(ownDivisions_.scale, ownDivisions_.value);
+    const bool isInTime = shape.chord || (lasts < event.length + 1 && event.length < lasts + 1);
+    if (!isCut && isInTime && (fits || isInOwnDivisions())) {
         shape.duration = isInOwnDivisions() ? "" : std::to_string(own->value * divisions_ / scale);
         return true;
     }
-    part_.journal.fail("a note has a rounded duration, or another one than its chord, and cannot be kept so",
+    part_.journal.fail("a note has a rounded duration, or not that of its chord, which cannot be kept",
                        part_.edits.place(note), "Correct the duration there, or select other measures.");
     return false;
 }
@@ -325,7 +360,7 @@ bool MeasureComposer::keepOwnDuration(xml::Node note, NoteShape& shape, bool isC
 bool MeasureComposer::emitStream(std::size_t index) {
     const Stream& stream = streams_[index];
     const Event* earlier = nullptr;
-    for (const Event* event : stream.events) {
+    for (Event* const event : stream.events) {
         const bool chord = earlier != nullptr && shareStem(*earlier, *event);
         if (!chord) {
             emitItemsUntil(event->start, index);
@@ -355,6 +390,7 @@ bool MeasureComposer::compose(const Divisions& divisions) {
         emit("<attributes><divisions>" + std::to_string(divisions.own.value) + "</divisions></attributes>");
         divisions_ = divisions.own.value;
     }
+    turnStems();
     part_.edits.setChildren(site_.node, list_);
     return true;
 }

@@ -1,4 +1,4 @@
-// Puts one measure together from the events of its voices and everything else that stands in it.
+// Puts one measure together from the events of its voices and everything else in it.
 #pragma once
 
 #include <map>
@@ -15,6 +15,7 @@
 #include "musicxml/group_mending.h"
 #include "musicxml/journal.h"
 #include "musicxml/measure_contents.h"
+#include "musicxml/note_edits.h"
 #include "musicxml/note_placing.h"
 #include "musicxml/source_map.h"
 
@@ -29,9 +30,10 @@ struct Event {
     engine::Fraction length;
     int staff = 0;           // within the part, from 0
     std::size_t line = 0;    // its line in the measure
-    bool continues = false;  // goes on with a note that was cut
+    bool continues = false;  // is a later part of a note that was cut
     bool continued = false;
-    bool mirrored = false;  // the order around it is reversed
+    bool reversed = false;    // the order around it is reversed
+    std::size_t changes = 0;  // of its notes: the first one of the measure's
     GroupMember member;
 };
 
@@ -52,6 +54,7 @@ using VoiceLabels = std::map<std::tuple<int, short, bool>, std::string>;
 
 // What the measures of a part have in common while they are put together.
 struct PartWriting {
+    const SourceMap& sources;
     xml::Edits& edits;
     NoteScan& scan;
     Journal& journal;
@@ -62,6 +65,8 @@ struct PartWriting {
 // Where a measure is put together.
 struct MeasureSite {
     xml::Node node = 0;
+    short measure = 0;
+    short firstStaff = 0;  // of the part
     engine::Metre metre;
     std::vector<const engine::KeySignature*> keys;  // at its start, by staff within the part
     std::string cutPrefix;  // of the ids of ties that join cut notes; another one in each measure
@@ -73,7 +78,7 @@ class MeasureComposer {
                     Lines& lines);
 
     // Divisions of a quarter in the file: in force before the measure as it is written now, in the measure as
-    // it was, and whether the latter must be in force again behind it.
+    // it was, and whether the latter must be in force again after it.
     struct Divisions {
         Decimal before;
         Decimal own;
@@ -106,9 +111,10 @@ class MeasureComposer {
     void rescale(xml::Node item);
     void moveTo(const engine::Fraction& time);
     bool emitStream(std::size_t index);
-    bool emitEvent(const Event& event, const Stream& stream, bool chord);
+    bool emitEvent(Event& event, const Stream& stream, bool chord);
     bool emitNote(const Event& event, std::size_t index, NoteShape& shape);
-    bool keepOwnDuration(xml::Node note, NoteShape& shape, bool isCut);
+    void turnStems();
+    bool keepOwnDuration(xml::Node note, NoteShape& shape, const Event& event);
     [[nodiscard]] NoteShape shapeOf(const Event& event, const Stream& stream) const;
     [[nodiscard]] std::size_t streamOf(const engine::Fraction& time) const;
     void emitItemsUntil(const engine::Fraction& time, std::size_t stream);
@@ -126,6 +132,7 @@ class MeasureComposer {
     Decimal ownDivisions_;
     engine::Fraction cursor_;
     std::vector<xml::Node> list_;
+    std::vector<NoteChange> changes_;  // of all notes, event by event
 };
 
 }  // namespace rovescio::musicxml

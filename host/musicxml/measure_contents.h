@@ -1,4 +1,4 @@
-// What stands in one measure beside its notes, with the time of each.
+// What one measure holds beside its notes, with the time of each element.
 #pragma once
 
 #include <vector>

@@ -29,7 +29,7 @@ void editWidth(xml::Edits& edits, xml::Node measure, std::int16_t width) {
     }
 }
 
-// Where a <measure-layout> goes: behind the layouts of page, system and staves.
+// Where a <measure-layout> goes: after the layouts of page, system and staves.
 void insertLayout(xml::Edits& edits, xml::Node print, xml::Node layout) {
     std::vector<xml::Node> children;
     edits.children(print, children);

@@ -40,7 +40,7 @@ class PartRewriter {
             }
         }
         NoteScan scan(edits_);
-        PartWriting writing{edits_, scan, journal_, part_.staffCount > 1};
+        PartWriting writing{sources_, edits_, scan, journal_, part_.staffCount > 1};
         for (std::size_t i = 0; i < open_.size(); ++i) {
             if (!write(i, writing)) return false;
         }
@@ -99,7 +99,7 @@ class PartRewriter {
         if (trace.earlier != nullptr) {
             trace.earlier->continued = trace.origin == origin;
             if (origin < trace.origin)
-                trace.earlier->mirrored = trace.firstPiece->mirrored = event.mirrored = true;
+                trace.earlier->reversed = trace.firstPiece->reversed = event.reversed = true;
         }
         if (trace.earlier == nullptr || trace.origin != origin) trace.firstPiece = &event;
         trace.earlier = &event;
@@ -116,8 +116,8 @@ class PartRewriter {
 
     bool refuseAbsent(const OpenMeasure& measure) {
         journal_.setMeasure(document_.measure(measure.number).label);
-        journal_.fail("a part of the selection has no such measure, so that nothing can go there", 0,
-                      "Give all parts as many measures, or select others.");
+        journal_.fail("a part of the selection lacks this measure, so that nothing can be written there", 0,
+                      "Give all parts the same number of measures, or select others.");
         return false;
     }
 
@@ -167,6 +167,8 @@ class PartRewriter {
         const Decimal before = divisionsAt(measure.number - 1);
         const engine::StaffMeasure& time = document_.staffMeasure(part_.firstStaff, measure.number);
         MeasureSite site{.node = measure.node,
+                         .measure = measure.number,
+                         .firstStaff = part_.firstStaff,
                          .metre = {time.duration, time.beat},
                          .keys = {},
                          .cutPrefix = std::string(kCutId) + std::to_string(part_.firstStaff) + "-" +

@@ -1,4 +1,4 @@
-// Puts measures together anew whose entries have changed their order, time or number.
+// Rewrites measures whose entries have changed in order, time or number.
 #pragma once
 
 #include <set>
@@ -15,7 +15,7 @@ namespace rovescio::musicxml {
 using PartMeasure = std::pair<std::size_t, short>;
 
 // Each written note goes where its entry is now; voices follow one another with steps back between them;
-// everything that is no note keeps its time. False, with the problem in the journal, when the notes of a
+// everything that is not a note keeps its time. False, with the problem in the journal, when the notes of a
 // measure do not add up to its length or cannot be written there.
 bool rewriteMeasures(const std::set<PartMeasure>& measures, const SourceMap& sources,
                      const engine::Document& document, Journal& journal, xml::Edits& edits);

@@ -44,14 +44,20 @@ void MeasureTime::pass(const xml::Element& child) {
         case tag("note"): {
             NoteReading note;
             Journal journal({}, {});
-            if (!readNote(child, note, journal) || note.chord || note.grace) break;
+            if (!readNote(child, note, journal)) break;
+            // A chord note that follows no note stands alone.
+            const bool joins = note.chord && inChord_;
+            inChord_ = true;
+            if (joins || note.grace) break;
             clock_.forward(timeOf(note, clock_).span);
             break;
         }
         case tag("backup"):
+            inChord_ = false;
             clock_.back(clock_.span(decimalIn(child.child(tag("duration")))));
             break;
         case tag("forward"):
+            inChord_ = false;
             clock_.forward(clock_.span(decimalIn(child.child(tag("duration")))));
             break;
         case tag("attributes"):

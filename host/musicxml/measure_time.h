@@ -30,6 +30,7 @@ class MeasureTime {
 
   private:
     MeasureClock clock_;
+    bool inChord_ = false;  // whether a note has been passed that a chord note can join
 };
 
 }  // namespace rovescio::musicxml

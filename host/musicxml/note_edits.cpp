@@ -22,7 +22,7 @@ std::string decimalText(const Decimal& number) {
     std::string text = number.value < 0 ? "-" : "";
     text += std::to_string(size / number.scale);
     if (number.scale > 1) {
-        // A leading one keeps the zeros behind the point.
+        // A leading one keeps the zeros after the point.
         std::string fraction = std::to_string(number.scale + size % number.scale);
         fraction[0] = '.';
         while (fraction.ends_with('0')) fraction.pop_back();
@@ -84,7 +84,7 @@ void editTiesOf(xml::Edits& edits, const NoteParts& note, bool notated, std::uin
     for (const TieElement& tie : note.ties) {
         if (tie.notated == notated && (flags & tie.flag) == 0) needless.push_back(tie.node);
     }
-    // A tie that arrives is told before one that leaves.
+    // A tie that ends is written before one that starts.
     for (const std::uint32_t flag : {std::uint32_t{NOTE_TIE_END}, std::uint32_t{NOTE_TIE_START}}) {
         if ((missing & flag) == 0) continue;
         const std::string type = flag == NOTE_TIE_START ? "start" : "stop";
@@ -157,7 +157,7 @@ NoteChange editPitch(xml::Edits& edits, const NoteParts& note, const ENOTE& reco
 }
 
 bool refuseOctave(Journal& journal, std::size_t offset) {
-    journal.fail("a note would leave the octaves 0 to 9, which is all that the file format has", offset,
+    journal.fail("a note would leave the octaves 0 to 9, the only ones that the file format has", offset,
                  "Choose a smaller interval or a nearer axis.");
     return false;
 }

@@ -25,7 +25,7 @@ struct NoteChange {
 NoteChange editPitch(xml::Edits& edits, const NoteParts& note, const ENOTE& record,
                      const engine::SpelledPitch& pitch, bool unpitched);
 
-// Tells that a note would leave the octaves that can be written; false.
+// Reports that a note would leave the octaves that can be written; false.
 bool refuseOctave(Journal& journal, std::size_t offset);
 
 // Gives a note the ties of these flags and no others. A tie that starts where one has ended keeps its look.

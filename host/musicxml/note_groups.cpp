@@ -115,14 +115,14 @@ void writeGroups(xml::Edits& edits, xml::Node note, const NoteGroups& groups) {
     writeTuplets(edits, note, groups.tuplets);
 }
 
-std::string_view mirroredPart(std::string_view value) {
+std::string_view reversedPart(std::string_view value) {
     if (value == "begin") return "end";
     if (value == "end") return "begin";
     if (value == "forward hook") return "backward hook";
     return value == "backward hook" ? "forward hook" : value;
 }
 
-void mirrorType(xml::Edits& edits, xml::Node element) {
+void reverseType(xml::Edits& edits, xml::Node element) {
     const std::string type = edits.attribute(element, "type");
     if (type == "start" || type == "stop") {
         edits.setAttribute(element, "type", type == "start" ? "stop" : "start");

@@ -38,10 +38,10 @@ NoteGroups readGroups(const xml::Edits& edits, xml::Node note);
 // Gives a note these beams and brackets, and no others.
 void writeGroups(xml::Edits& edits, xml::Node note, const NoteGroups& groups);
 
-// What a note is in a beam, or a syllable in its word, now that they are read backwards: begin and end change
-// places.
-std::string_view mirroredPart(std::string_view value);
+// The part that a note plays in a beam, or a syllable in its word, in reversed order: begin and end are
+// exchanged.
+std::string_view reversedPart(std::string_view value);
 // Changes the type of an element from start to stop or the other way.
-void mirrorType(xml::Edits& edits, xml::Node element);
+void reverseType(xml::Edits& edits, xml::Node element);
 
 }  // namespace rovescio::musicxml

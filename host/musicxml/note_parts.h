@@ -46,8 +46,8 @@ class NoteScan {
     std::vector<xml::Node> children_, inner_, marks_;
 };
 
-// Puts an element that stands nowhere into a note, where the format wants it: behind all that it lets come
-// first.
+// Puts an element that has no place yet into a note, where the format wants it: after everything that the
+// format puts before it.
 void insertIntoNote(xml::Edits& edits, xml::Node note, xml::Node added);
 // Puts an element into the first <notations> of a note, which is made where there is none.
 void insertIntoNotations(xml::Edits& edits, xml::Node note, xml::Node added);

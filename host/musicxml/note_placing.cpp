@@ -82,21 +82,21 @@ class Placing {
         if (!says && shape_.measureRest) edits_.setAttribute(rest, "measure", "yes");
     }
 
-    // The second part of a note that was cut has none of its marks; those of a note that is read backwards
-    // change their direction.
+    // The second part of a note that was cut has none of its marks; those of a note in reversed order
+    // change direction.
     void placeMarks() {
-        if (!shape_.continuation && !shape_.mirrored) return;
+        if (!shape_.continuation && !shape_.reversed) return;
         edits_.children(note_, children_);
         for (const xml::Node child : children_) {
             const xml::Name name = edits_.name(child);
             if (name == tag("lyric") && shape_.continuation) {
                 edits_.remove(child);
             } else if (name == tag("lyric")) {
-                mirrorLyric(child);
+                reverseLyric(child);
             } else if (name == tag("notations") && shape_.continuation) {
                 stripNotations(child);
             } else if (name == tag("notations")) {
-                mirrorOrnaments(child);
+                reverseOrnaments(child);
             }
         }
     }
@@ -110,32 +110,32 @@ class Placing {
         }
     }
 
-    void mirrorOrnaments(xml::Node notations) {
+    void reverseOrnaments(xml::Node notations) {
         edits_.children(notations, inner_);
         for (const xml::Node ornaments : inner_) {
             if (edits_.name(ornaments) != tag("ornaments")) continue;
             edits_.children(ornaments, marks_);
             for (const xml::Node mark : marks_) {
                 const xml::Name name = edits_.name(mark);
-                if (name == tag("wavy-line") || name == tag("tremolo")) mirrorType(edits_, mark);
+                if (name == tag("wavy-line") || name == tag("tremolo")) reverseType(edits_, mark);
             }
         }
     }
 
     // A word's first syllable is now read as its last one. Syllables that share the note change places as
     // well.
-    void mirrorLyric(xml::Node lyric) {
+    void reverseLyric(xml::Node lyric) {
         edits_.children(lyric, inner_);
         std::vector<xml::Node> syllables;
         std::vector<std::string> parts;
         for (const xml::Node child : inner_) {
-            if (edits_.name(child) == tag("extend")) mirrorType(edits_, child);
+            if (edits_.name(child) == tag("extend")) reverseType(edits_, child);
             if (edits_.name(child) != tag("syllabic")) continue;
             syllables.push_back(child);
             parts.push_back(edits_.text(child));
         }
         for (std::size_t i = 0; i < syllables.size(); ++i) {
-            const std::string_view part = mirroredPart(parts[parts.size() - 1 - i]);
+            const std::string_view part = reversedPart(parts[parts.size() - 1 - i]);
             if (!edits_.says(syllables[i], part)) edits_.setText(syllables[i], part);
         }
     }

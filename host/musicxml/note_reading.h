@@ -15,7 +15,7 @@ namespace rovescio::musicxml {
 // selection, has come between what belongs together.
 inline constexpr std::string_view kCutId = "rovescio-cut-";
 
-// What a note element says; positions and keys are not its business.
+// What a note element says; positions and keys are not its concern.
 struct NoteReading {
     xml::Element element;
     bool grace = false;

@@ -35,7 +35,7 @@ bool PartReader::numberedStaves(const xml::Element& element, StaffRange& range) 
     const std::optional<int> number = parseInteger(element.attribute("number"));
     range = {0, staves_.size()};
     if (!number || *number < 1) return true;
-    // An element may speak of a staff before the number of staves is told.
+    // An element may name a staff before the number of staves is given.
     if (!needStaves(*number, element.offset())) return false;
     range.last = static_cast<std::size_t>(*number);
     range.first = range.last - 1;

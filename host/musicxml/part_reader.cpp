@@ -12,7 +12,7 @@ namespace rovescio::musicxml {
 
 namespace {
 
-constexpr std::int64_t kMaxParts = 1 << 10;  // of a duration unit that are told exactly
+constexpr std::int64_t kMaxParts = 1 << 10;  // of a duration unit that are exact
 constexpr std::int64_t kMaxDuration = 1 << 30;
 constexpr std::size_t kMaxEntries =
     16'000;  // of a measure; a frame's 16-bit count holds as many gaps besides
@@ -88,7 +88,7 @@ bool PartReader::readMeasure(const xml::Element& element) {
                 if (!isKeptSilently(child.name())) {
                     const std::string name(child.nameText().substr(0, 40));
                     journal_.notice("element " + name,
-                                    "the element <" + name + "> is not known here; it is kept as it is",
+                                    "the element <" + name + "> is unknown; it is kept as it is",
                                     child.offset());
                 }
                 break;
@@ -109,10 +109,8 @@ bool PartReader::move(const xml::Element& element, bool backwards) {
     inChord_ = false;
     const std::size_t offset = element.offset();
     const std::string name(element.nameText());
-    std::string_view text;
-    for (const xml::Element child : element) {
-        if (child.name() == tag("duration")) text = child.text();
-    }
+    const xml::Element stated = element.child(tag("duration"));
+    const std::string_view text = stated.exists() ? stated.text() : "";
     const std::optional<Decimal> duration = parseDecimal(text);
     const MeasureClock::Span span = duration ? clock_.span(*duration) : MeasureClock::Span{};
     if (!span.valid) {
@@ -128,14 +126,14 @@ bool PartReader::move(const xml::Element& element, bool backwards) {
     }
     if (!clock_.back(span)) {
         journal_.notice("backup",
-                        "a <backup> leads before the start of the measure; it is "
-                        "taken to lead to the start",
+                        "a <backup> goes beyond the start of the measure; it is "
+                        "taken to go to the start",
                         offset);
     }
     return true;
 }
 
-// Where the note stands in time. The first note of a chord moves the clock;
+// Where the note is in time. The first note of a chord moves the clock;
 // chord notes sound with it.
 bool PartReader::timeNote(const NoteReading& note) {
     chordState_ = {};
@@ -154,7 +152,7 @@ bool PartReader::timeNote(const NoteReading& note) {
     }
     const auto [span, isNominal] = timeOf(note, clock_);
     if (!span.valid) {
-        journal_.fail("the duration of a note is beyond what can be counted", note.element.offset(),
+        journal_.fail("the duration of a note is too large or too fine", note.element.offset(),
                       "Correct the note's <duration> or the <divisions> of the part.");
         return false;
     }
@@ -188,7 +186,7 @@ bool PartReader::addNote(const xml::Element& element) {
     if (!needStaves(note.staff, note.element.offset())) return false;
     if (note.chord && inChord_) return joinEntry(note);
     if (note.chord) {
-        journal_.notice("chord", "a chord note follows no note; it is taken to stand alone",
+        journal_.notice("chord", "a chord note follows no note; it is taken as a note of its own",
                         note.element.offset());
     }
     if (!timeNote(note)) return false;

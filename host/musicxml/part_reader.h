@@ -55,7 +55,7 @@ class PartReader {
     bool readMeasure(const xml::Element& element);
     // The part has nothing for the next measure.
     void skipMeasure();
-    // To be called behind the last measure; the frames have their final layers then.
+    // To be called after the last measure; the frames have their final layers then.
     void finishLayers() { gathered_.orderLayers(frames_); }
 
     [[nodiscard]] const std::string& name() const { return name_; }
@@ -141,7 +141,7 @@ class PartReader {
     engine::Fraction chordStart_;
     std::int32_t chordDuration_ = 0;
     Decimal chordStated_;          // duration of its first note
-    bool chordIsRounded_ = false;  // the entry cannot tell it exactly
+    bool chordIsRounded_ = false;  // the entry cannot express it exactly
     engine::EntryState chordState_;
     std::string_view chordVoice_;
     std::size_t chordStaff_ = 0;

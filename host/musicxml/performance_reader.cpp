@@ -125,7 +125,7 @@ void PerformanceReader::readDynamics(const xml::Element& element, Direction& dir
     }
 }
 
-// A mark of two note values tells a relation between tempos and has no number.
+// A mark of two note values gives a relation between tempos and has no number.
 void PerformanceReader::readMetronome(const xml::Element& element, Direction& direction) {
     double beat = 0;
     double dot = 0;

@@ -47,7 +47,7 @@ class PerformanceReader {
   public:
     explicit PerformanceReader(PartInstruments instruments) : instruments_(std::move(instruments)) {}
 
-    // Each reads such an element; the clock tells when.
+    // Each reads such an element; the clock says when.
     void readDirection(const xml::Element& element, short measure, MeasureClock& clock);
     void readSound(const xml::Element& element, short measure, MeasureClock& clock);
     // A transposition of the staves from first to before last, which count from 0.

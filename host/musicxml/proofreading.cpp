@@ -1,4 +1,4 @@
-// Counts the parts, measures and time of a text, apart from the reader of scores.
+// Counts the parts, measures and time of a text, independently of the reader of scores.
 #include "musicxml/proofreading.h"
 
 #include <algorithm>
@@ -74,7 +74,7 @@ class Proof {
             document_.staffMeasure(source.firstStaff, static_cast<short>(number)).duration;
         if (time.end() == before || time.end() == wanted) return;
         fault_ = "measure " + document_.measure(static_cast<short>(number)).label + " of part " +
-                 std::to_string(part + 1) + " has another length than before";
+                 std::to_string(part + 1) + " has a different length than before";
     }
 
     void checkCount(std::size_t part) {

@@ -1,4 +1,4 @@
-// Reads a score again that was written, before anyone relies on it.
+// Reads the text of a result again before anyone relies on it.
 #pragma once
 
 #include <optional>
@@ -10,8 +10,9 @@
 
 namespace rovescio::musicxml {
 
-// Parses the text of a score anew and compares its parts, measures and the length of each measure with the
-// document and with what the file had. What is found is a fault of this program, told as part of a sentence.
+// Parses the text of a score again and compares its parts, measures and the length of each measure with the
+// document and with what the file had. A difference is a fault of this program; it is returned as part of a
+// sentence.
 std::optional<std::string> proofread(std::string_view text, const SourceMap& sources,
                                      const engine::Document& document);
 

@@ -14,7 +14,7 @@ namespace rovescio::musicxml {
 
 engine::Result<ScoreFile> ScoreFile::read(std::string bytes, std::string name, engine::Document& document,
                                           const ReadOptions& options) {
-    // Places in the text have 32 bits, and those of new text come behind them.
+    // Places in the text have 32 bits, and those of new text come after them.
     const std::size_t maxBytes =
         std::min<std::size_t>(options.maxBytes, std::numeric_limits<std::int32_t>::max());
     ScoreFile file;
@@ -44,9 +44,9 @@ engine::Result<ScoreFile> ScoreFile::read(std::string bytes, std::string name, e
 engine::Result<WrittenFile> ScoreFile::write(const engine::Document& document, Container container) const {
     engine::Result<ScoreEdits> written = editScore(score_->tree, reading_.sources, document, name_);
     if (!written) return written.problem();
-    const bool isNew = !written->edits.empty();
-    if (!isNew && container == Container::compressed && !archive_.empty()) {
-        return WrittenFile(archive_, std::move(written->notices));
+    const bool isChanged = !written->edits.empty();
+    if (!isChanged && container == Container::compressed && !archive_.empty()) {
+        return WrittenFile(archive_, score_->text, std::move(written->notices), false);
     }
     std::string text;
     reserveInLargePages(text, score_->text.size() + score_->text.size() / 8);
@@ -54,21 +54,26 @@ engine::Result<WrittenFile> ScoreFile::write(const engine::Document& document, C
         text += piece;
         return true;
     });
-    std::optional<std::string> fault;
-    if (isNew) fault = proofread(text, reading_.sources, document);
-    engine::Result<std::string> bytes = encodeText(std::move(text), encoding_, name_);
+    if (container == Container::plain && encoding_.isUtf8()) {
+        return WrittenFile(std::move(text), {}, std::move(written->notices), isChanged);
+    }
+    engine::Result<std::string> bytes = encodeText(text, encoding_, name_);
     if (bytes && container == Container::compressed) {
         bytes = archive_.empty() ? packScore(*bytes, name_) : repackScore(archive_, rootFile_, *bytes, name_);
     }
     if (!bytes) return bytes.problem();
-    WrittenFile file(std::move(*bytes), std::move(written->notices));
-    if (fault) {
-        file.setFault({.message = "the result is not sound, and nothing was written: " + *fault,
-                       .file = name_,
-                       .measure = {},
-                       .remedy = "This is a fault of Rovescio; please report it with the score"});
-    }
-    return file;
+    return WrittenFile(std::move(*bytes), std::move(text), std::move(written->notices), isChanged);
+}
+
+std::optional<engine::Problem> ScoreFile::proofread(const engine::Document& document,
+                                                    const WrittenFile& written) const {
+    if (!written.isChanged()) return std::nullopt;
+    const std::optional<std::string> fault = musicxml::proofread(written.text(), reading_.sources, document);
+    if (!fault) return std::nullopt;
+    return engine::Problem{.message = "the result is not sound, and nothing was written: " + *fault,
+                           .file = name_,
+                           .measure = {},
+                           .remedy = "This is a fault in Rovescio; please report it with the score"};
 }
 
 }  // namespace rovescio::musicxml

@@ -29,27 +29,31 @@ enum class Container { plain, compressed };
 // A file ready to be written.
 class WrittenFile {
   public:
-    WrittenFile(std::string bytes, std::vector<std::string> notices)
-        : bytes_(std::move(bytes)), notices_(std::move(notices)) {}
+    // The text is given where the bytes are something else.
+    WrittenFile(std::string bytes, std::string text, std::vector<std::string> notices, bool isChanged)
+        : bytes_(std::move(bytes)),
+          text_(std::move(text)),
+          notices_(std::move(notices)),
+          isChanged_(isChanged) {}
 
     // Hands all bytes to the sink; false when it refuses them.
     bool writeTo(const ByteSink& sink) const { return sink(bytes_); }
     [[nodiscard]] const std::string& bytes() const { return bytes_; }
+    // The score in UTF-8, and whether it is another one than was read.
+    [[nodiscard]] const std::string& text() const { return text_.empty() ? bytes_ : text_; }
+    [[nodiscard]] bool isChanged() const { return isChanged_; }
     // What the user should know about the writing, each once.
     [[nodiscard]] const std::vector<std::string>& notices() const { return notices_; }
 
-    // What is wrong with the file when it is read again; it must not take the place of any other then.
-    [[nodiscard]] const std::optional<engine::Problem>& fault() const { return fault_; }
-    void setFault(engine::Problem fault) { fault_ = std::move(fault); }
-
   private:
     std::string bytes_;
+    std::string text_;
     std::vector<std::string> notices_;
-    std::optional<engine::Problem> fault_;
+    bool isChanged_;
 };
 
-// Keeps the file's text as it came. Writing changes only the places that belong
-// to changed notes, so everything else comes out byte for byte.
+// Keeps the file's text as it came. Writing edits only the elements of changed
+// notes and measures, so everything else comes out byte for byte.
 class ScoreFile {
   public:
     // Reads the bytes of a file into an empty document; the name is for messages.
@@ -61,6 +65,11 @@ class ScoreFile {
     // change it is the very archive that was read.
     [[nodiscard]] engine::Result<WrittenFile> write(const engine::Document& document,
                                                     Container container) const;
+
+    // Reads what was written again and says what is wrong with it; it must not take the place of any file
+    // then.
+    [[nodiscard]] std::optional<engine::Problem> proofread(const engine::Document& document,
+                                                           const WrittenFile& written) const;
 
     // How the file was stored.
     [[nodiscard]] Container container() const {

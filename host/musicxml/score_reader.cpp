@@ -82,7 +82,7 @@ void ScoreReader::listParts(const xml::Element& list) {
     }
 }
 
-// The reader of a part; null, with the problem told, for an unknown one.
+// The reader of a part; null, with a problem reported, for an unknown one.
 PartReader* ScoreReader::openPart(const xml::Element& element) {
     const std::string_view id = element.attribute("id");
     const auto known = partIndex_.find(id);

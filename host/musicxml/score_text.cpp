@@ -1,4 +1,4 @@
-// What a musician is told about a text that cannot be parsed.
+// The messages for a musician about a text that cannot be parsed.
 #include "musicxml/score_text.h"
 
 #include <algorithm>

@@ -44,7 +44,6 @@ class ScoreWriter {
     bool hasSameNotes(const engine::StoredEntry& entry, const EntrySource& source) const;
     bool checkNotes(const FrameAddress& address);
     bool isAlone(const FrameAddress& address) const;
-    const Clef& clefAt(const FrameAddress& address, std::int32_t position) const;
     [[nodiscard]] PartMeasure partMeasure(const FrameAddress& address) const;
     bool writeFrame(const FrameAddress& address);
     bool writeEntry(const engine::StoredEntry& entry, const FrameAddress& address, bool alone);
@@ -56,7 +55,6 @@ class ScoreWriter {
     xml::Edits& edits_;
     NoteScan scan_;
     StemEdits stems_;
-    Clef treble_;
     std::vector<FrameAddress> sourceFrames_;  // that have entries in the file, in order
 };
 
@@ -151,16 +149,6 @@ bool ScoreWriter::isAlone(const FrameAddress& address) const {
     });
 }
 
-const Clef& ScoreWriter::clefAt(const FrameAddress& address, std::int32_t position) const {
-    const auto wanted = std::tuple(address.staff, address.measure, position);
-    const auto after = std::upper_bound(
-        sources_.clefs.begin(), sources_.clefs.end(), wanted, [](const auto& place, const ClefMark& mark) {
-            return place < std::tuple(mark.staff, mark.measure, mark.position);
-        });
-    if (after == sources_.clefs.begin() || std::prev(after)->staff != address.staff) return treble_;
-    return std::prev(after)->clef;
-}
-
 // Chord symbols and figures are not transformed with the notes, which the user
 // should know.
 void ScoreWriter::noteMove(const FrameAddress& address) {
@@ -191,7 +179,7 @@ bool ScoreWriter::writeEntry(const engine::StoredEntry& entry, const FrameAddres
     // Grace notes have stems by a rule of their own and stand outside of the
     // beams around them.
     const bool hasStem = !grace && !state.unpitched;
-    if (hasStem) stems_.beginChord(clefAt(address, entry.elapsed), alone && !source.sharesStem);
+    if (hasStem) stems_.beginChord(clefAt(sources_, address, entry.elapsed), alone && !source.sharesStem);
     for (std::size_t i = 0; i < notes.size(); ++i) {
         const xml::Node node = sources_.notes[source.firstNote + i];
         const NoteParts& parts = scan_.of(node);

@@ -16,7 +16,7 @@ struct ScoreEdits {
     std::vector<std::string> notices;  // for the user, each once
 };
 
-// Finds the edits that bring the changes of a document into the tree that it was read from, which must
+// Finds the edits that bring the changes of a document into the tree that it was read from; the tree must
 // outlive them. Fails when something cannot be written; the file name is for the message.
 engine::Result<ScoreEdits> editScore(const xml::Tree& tree, const SourceMap& sources,
                                      const engine::Document& document, const std::string& file);

@@ -1,4 +1,4 @@
-// Lines out of the score and into it.
+// Lines removed from the score and written into it.
 #include "musicxml/shape_edits.h"
 
 #include <algorithm>
@@ -89,7 +89,7 @@ class ShapeWriter {
         if (document_.has(1, shape.firstMeasure)) {
             journal_.setMeasure(document_.measure(shape.firstMeasure).label);
         }
-        journal_.fail("a new line cannot be written", 0, "Only slurs and hairpins between notes can be.");
+        journal_.fail("a new line cannot be written", 0, "Only slurs and hairpins between notes can.");
         return false;
     }
 
@@ -178,7 +178,7 @@ class ShapeWriter {
     const engine::Document& document_;
     Journal& journal_;
     xml::Edits& edits_;
-    std::map<xml::Node, xml::Node> behind_;     // the last direction put behind a note
+    std::map<xml::Node, xml::Node> behind_;     // the last direction put after a note
     std::vector<std::pair<Shape, int>> added_;  // new slurs and their numbers
 };
 

@@ -10,7 +10,7 @@ namespace rovescio::musicxml {
 
 // Takes the elements of shapes out of the score that the document's records no longer show, with what is left
 // empty around them, and puts in those of new ones: slurs at the notes of their entries, hairpins as
-// directions before the first note and behind the last. False, with the problem in the journal, for a new
+// directions before the first note and after the last. False, with the problem in the journal, for a new
 // shape that cannot be written.
 bool editShapes(const SourceMap& sources, const engine::Document& document, Journal& journal,
                 xml::Edits& edits);

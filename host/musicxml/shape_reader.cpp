@@ -117,7 +117,7 @@ void ShapeReader::join(const End& start, const End& end) {
     (isNoteLine(start.name) ? onNotes_ : between_).push_back(line);
 }
 
-// Numbers are told apart by voice first. Voices stand one behind the other in the text, so an end in another
+// Numbers are distinguished by voice first. Voices follow one another in the text, so an end in another
 // voice may come before its start.
 void ShapeReader::endMeasure(const std::vector<GatheredEntry>& entries, short measure) {
     if (ends_.empty()) return;

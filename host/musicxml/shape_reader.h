@@ -13,8 +13,8 @@
 
 namespace rovescio::musicxml {
 
-// A line has two ends with the same number. An end without the other is no shape; it stays in the text.
-// Slurs, glissandi and slides stand at notes. Hairpins, brackets and dashes stand between them and are
+// A line has two ends with the same number. An end without the other is not a shape; it stays in the text.
+// Slurs, glissandi and slides belong to notes. Hairpins, brackets and dashes are between them and are
 // attached to the first entry of their staff from their start on and to the last one up to their end.
 class ShapeReader {
   public:

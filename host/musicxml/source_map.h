@@ -71,4 +71,7 @@ struct SourceMap {
     std::vector<ShapeSource> shapes;   // of shape number n at n - 1
 };
 
+// The clef in force at a position; treble where none was written.
+const Clef& clefAt(const SourceMap& sources, const engine::FrameAddress& address, std::int32_t position);
+
 }  // namespace rovescio::musicxml

@@ -83,7 +83,7 @@ void StemEdits::settle(std::size_t first, std::size_t end) {
     }
     if (now.empty() || now == written || (!before.empty() && before != written)) return;
     for (std::size_t i = firstStem; i < stemEnd; ++i) edits_.setText(stems_[i], now);
-    // Where a turned stem ends is wrong too; those of moved notes lost it
+    // The stated end of a flipped stem is wrong too; moved notes lost theirs
     // already.
     for (auto chord = begin; chord != last; ++chord) {
         if (chord->moved) continue;

@@ -10,7 +10,7 @@
 
 namespace rovescio::musicxml {
 
-// The stems of one voice that is alone on its staff, in order. A stem is turned
+// The stems of one voice that is alone on its staff, in order. A stem is flipped
 // only where the directions written before followed the usual rule: away from
 // the side of the middle line on which the note of a chord or beamed group that
 // lies farthest from it stands.
@@ -23,7 +23,7 @@ class StemEdits {
     void beginChord(const Clef& clef, bool movable);
     // Adds a note of the chord, with its steps from middle C before and now.
     void addNote(const NoteParts& note, int oldStep, int newStep, bool moved);
-    // Turns the stems of all chords added since clear().
+    // Flips the stems of the chords added since clear() where they need it.
     void apply();
 
   private:

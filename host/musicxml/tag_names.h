@@ -1,4 +1,4 @@
-// The element names that readers and writers of scores speak of, as numbers to switch on.
+// The element names that readers and writers of scores use, as numbers to switch on.
 #pragma once
 
 #include <algorithm>

@@ -9,7 +9,7 @@ namespace rovescio::playback {
 namespace {
 
 constexpr double kMezzoForte = 80;
-// What a hairpin adds or takes when no mark tells where it leads.
+// What a hairpin adds or takes away when no mark says where it leads.
 constexpr double kOneGrade = 16;
 // A mark that comes at most this much after a hairpin, in quarters, is where it leads.
 constexpr double kGoalDistance = 1;

@@ -36,7 +36,7 @@ std::string bytesOf(std::initializer_list<int> numbers) {
 // Gives the instruments of the parts their channels.
 class Channels {
   public:
-    // The channel, and whether its program is to be told first.
+    // The channel, and whether its program has to be sent first.
     std::pair<int, bool> of(std::size_t part, const SoundingNote& note, const PartPerformance& performance) {
         if (note.percussion) return {kPercussionChannel, false};
         const auto [known, isNew] = channels_.try_emplace({part, note.instrument}, 0);

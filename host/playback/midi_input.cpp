@@ -19,7 +19,7 @@ engine::Problem noPort(std::string message, std::string remedy) {
     return {.message = std::move(message), .file = {}, .measure = {}, .remedy = std::move(remedy)};
 }
 
-// What the system's sound libraries print goes nowhere; the problem that follows says what is to be known.
+// What the system's sound libraries print is dropped; the problem that follows says what matters.
 class QuietErrors {
   public:
     QuietErrors() : kept_(dup(STDERR_FILENO)) {

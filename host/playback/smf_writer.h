@@ -45,7 +45,7 @@ class SmfWriter {
     void replace(std::size_t place, std::uint32_t value, int size);
 
     std::string bytes_;
-    std::size_t trackBegin_ = 0;  // behind the head of the track
+    std::size_t trackBegin_ = 0;  // after the head of the track
     int tick_ = 0;                // of the last event in the track
     std::uint32_t tracks_ = 0;
 };

@@ -18,7 +18,7 @@ using engine::StoredEntry;
 
 constexpr int kMiddleC = 60;
 constexpr int kKeys = 128;
-// The sound of a percussion note of which the score tells no other: a snare drum.
+// The sound of a percussion note for which the score names none: a snare drum.
 constexpr int kSnare = 38;
 // A grace note is a 32nd, or shorter if it is written so; at most half of its neighbour becomes grace notes.
 constexpr std::int32_t kGraceLength = engine::kQuarter / 8;

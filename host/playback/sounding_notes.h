@@ -35,7 +35,7 @@ class TimeGrid {
 };
 
 // The notes of some staves of a part, by staff and start. Layers that are not shown are silent. The grid is
-// told all times but those of grace notes, which are no exact part of anything.
+// told all times but those of grace notes, which are not an exact part of anything.
 std::vector<SoundingNote> soundingNotes(const engine::Document& document,
                                         const engine::Performance& performance,
                                         const engine::PartPerformance& part, std::span<const short> staves,

@@ -81,7 +81,7 @@ std::vector<Check> bundleChecks() {
     return {
         checkApart("information dictionary", hasInformation),
         checkApart("code loads", loads),
-        {"code of a copy loads alone", loadsInAnotherFolder},
+        {"a copy's code loads by itself", loadsInAnotherFolder},
         checkApart("entry points under both names", hasEntryPoints),
         checkApart("exported globals", hasGlobals),
         checkApart("no host function exported", exportsNoHostFunction),

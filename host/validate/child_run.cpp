@@ -108,7 +108,8 @@ Verdict runApart(const std::function<Verdict()>& body, std::chrono::milliseconds
     const Pipe verdicts;
     const Pipe prints;
     const pid_t child = verdicts.usable() && prints.usable() ? fork() : -1;
-    if (child < 0) return failed(std::string("not run, no further process: ") + std::strerror(errno));
+    if (child < 0)
+        return failed(std::string("not run, no other process can be started: ") + std::strerror(errno));
     if (child == 0) beChild(body, verdicts, prints, timeLimit);
     const std::optional<int> status = statusWithin(child, timeLimit);
     if (!status) return failed("did not return within " + std::to_string(timeLimit.count()) + " ms");

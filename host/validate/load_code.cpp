@@ -1,4 +1,4 @@
-// The helper load-code: loads one library and tells by its status, and on standard output, whether the
+// The helper load-code: loads one library and reports by its status, and on standard output, whether the
 // system's loader found all that it needs. It has no library of ours itself, which every plug-in would then
 // share.
 #include <dlfcn.h>

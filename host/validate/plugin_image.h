@@ -1,4 +1,4 @@
-// The code of a plug-in bundle by its exported names, without the conditions of a host that only runs it.
+// The code of a plug-in bundle by its exported names, without what a host that only runs it requires.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

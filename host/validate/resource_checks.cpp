@@ -34,7 +34,7 @@ engine::Result<TablesByLanguage> readTables(const std::string& bundle, const std
         std::ifstream file(folder.path() / (name + ".strings"), std::ios::binary);
         if (!file) return problem("there is no " + place);
         const auto table = parseStrings(std::string(std::istreambuf_iterator<char>(file), {}));
-        if (!table) return problem(place + " is no list of texts, or has a key twice");
+        if (!table) return problem(place + " is not a list of texts, or has a key twice");
         tables[folder.path().stem().string()] = *table;
     }
     if (tables.empty()) return problem("there is no language folder");
@@ -54,7 +54,7 @@ Verdict compareKeys(const TablesByLanguage& tables, const Keys& expected) {
             }
         }
         for (const auto& [key, text] : table) {
-            if (!expected.contains(key)) return wrong(key, " is of no use in ", language);
+            if (!expected.contains(key)) return wrong(key, " is not used in ", language);
         }
     }
     return passed(std::to_string(tables.size()) + " languages");

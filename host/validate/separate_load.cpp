@@ -80,7 +80,8 @@ Verdict load(const Subject& subject, const std::string& bundle) {
     if (code.empty()) return failed("there is no executable");
     std::array<int, 2> ends{};
     const pid_t loader = pipe2(ends.data(), O_CLOEXEC) == 0 ? fork() : -1;
-    if (loader < 0) return failed(std::string("not run, no further process: ") + std::strerror(errno));
+    if (loader < 0)
+        return failed(std::string("not run, no other process can be started: ") + std::strerror(errno));
     if (loader == 0) beLoader(subject, code, ends[1]);
     close(ends[1]);
     const std::string said = allFrom(ends[0]);

@@ -1,4 +1,4 @@
-// A bundle's code away from its folder and from our host.
+// Loading of a bundle's code outside its folder and without our host.
 #pragma once
 
 #include "validate/checks.h"

@@ -29,7 +29,7 @@ constexpr short kPlay = 3;
 constexpr Transposition kSecondInKey = {.kind = Transposition::Kind::diatonic, .steps = 1};
 constexpr Transposition kMajorSecond = {.kind = Transposition::Kind::chromatic, .steps = 1};
 
-// The detail by which a run tells that what it waited for did not come about.
+// The detail by which a run reports that what it waited for did not happen.
 constexpr const char* kNotReached = "not reached";
 
 Scripts mainDialog(Script script) {
@@ -64,9 +64,9 @@ Verdict perform(const std::string& bundle, Scripts scripts, const std::function<
 
 // What is wrong however the dialogs were used.
 std::string wrongInDialogs(const Stage& stage) {
-    const auto& opened = stage.hand.opened();
+    const auto& opened = stage.user.opened();
     if (opened.empty() || opened.front() != kMainDialog) return "the main dialog was not opened";
-    return stage.hand.problem() ? stage.hand.problem()->message : "";
+    return stage.user.problem() ? stage.user.problem()->message : "";
 }
 
 Verdict expectUntouched(const Stage& stage) {
@@ -83,16 +83,16 @@ Verdict opensAndCloses(const std::string& bundle) {
 // One alert, and nothing done.
 Verdict expectAlert(const Stage& stage) {
     if (const std::string wrong = wrongInDialogs(stage); !wrong.empty()) return failed(wrong);
-    const std::size_t alerts = stage.hand.alerts().size();
-    if (alerts != 1) return failed(std::to_string(alerts) + " alerts were shown in place of 1");
+    const std::size_t alerts = stage.user.alerts().size();
+    if (alerts != 1) return failed(std::to_string(alerts) + " alerts were shown instead of 1");
     return expectUntouched(stage);
 }
 
-Verdict tellsNothingChosen(const std::string& bundle) {
+Verdict reportsNothingChosen(const std::string& bundle) {
     return perform(bundle, mainDialog({Press{kApply}, Press{kClose}}), nullptr, expectAlert);
 }
 
-Verdict tellsNoSelection(const std::string& bundle) {
+Verdict reportsNoSelection(const std::string& bundle) {
     return perform(
         bundle, transpositionScripts(kMajorSecond), [](Stage& stage) { stage.session.selection.reset(); },
         expectAlert);
@@ -104,9 +104,9 @@ Verdict transposes(const std::string& bundle, const Transposition& transposition
     return perform(bundle, transpositionScripts(transposition), nullptr, [&](Stage& stage) {
         std::string wrong = wrongInDialogs(stage);
         if (wrong.empty()) wrong = firstWrongNote(smallScore(), stage.score, expected);
-        if (wrong.empty() && stage.hand.redraws() == 0) wrong = "the music was not drawn anew";
+        if (wrong.empty() && stage.user.redraws() == 0) wrong = "the music was not redrawn";
         if (wrong.empty() && (!stage.session.massEdits.undo() || stage.session.massEdits.undo())) {
-            wrong = "it is not one step to undo";
+            wrong = "it is not a single undo step";
         }
         return wrong.empty() ? expectUntouched(stage) : failed(wrong);
     });
@@ -153,7 +153,7 @@ Verdict rollsBackEveryCancel(const Subject& subject) {
             });
     });
     if (verdict.outcome != Outcome::passed) return verdict;
-    return verdict.detail == "0" ? failed("the user was never asked for a cancel")
+    return verdict.detail == "0" ? failed("it never asked whether the user had cancelled")
                                  : passed(verdict.detail + " polls");
 }
 
@@ -205,9 +205,9 @@ Verdict plays(const std::string& bundle) {
     return perform(bundle, mainDialog({Press{kPlay}, Press{kClose}}), nullptr, [](const Stage& stage) {
         if (const std::string wrong = wrongInDialogs(stage); !wrong.empty()) return failed(wrong);
         const EREGION region = smallSelection();
-        const std::vector<Hand::Played> expected = {{region.start.measure, region.end.measure, {1, 2}}};
-        return stage.hand.played() == expected ? expectUntouched(stage)
-                                               : failed("it did not play just the selection");
+        const std::vector<User::Played> expected = {{region.start.measure, region.end.measure, {1, 2}}};
+        return stage.user.played() == expected ? expectUntouched(stage)
+                                               : failed("it did not play exactly the selection");
     });
 }
 
@@ -216,8 +216,8 @@ Verdict plays(const std::string& bundle) {
 std::vector<Check> sessionChecks() {
     return {
         checkApart("main dialog opens and closes", opensAndCloses),
-        checkApart("nothing chosen is told", tellsNothingChosen),
-        checkApart("no selection is told", tellsNoSelection),
+        checkApart("reports that nothing is chosen", reportsNothingChosen),
+        checkApart("reports that nothing is selected", reportsNoSelection),
         checkApart("diatonic transposition", transposesDiatonically),
         checkApart("chromatic transposition", transposesChromatically),
         {"cancel at every poll", rollsBackEveryCancel},

@@ -1,15 +1,15 @@
-// Setting up the stage.
+// Sets up the stage.
 #include "validate/stage.h"
 
 namespace rovescio::validate {
 
-std::intptr_t Hand::runDialog(short resourceId, SXDialogProc procedure, SXWindow parent, short flags,
+std::intptr_t User::runDialog(short resourceId, SXDialogProc procedure, SXWindow parent, short flags,
                               void* userData) {
     opened_.push_back(resourceId);
     return ScriptedUserInterface::runDialog(resourceId, procedure, parent, flags, userData);
 }
 
-void Hand::play(short startMeasure, short endMeasure, const std::vector<short>& staves) {
+void User::play(short startMeasure, short endMeasure, const std::vector<short>& staves) {
     played_.push_back({startMeasure, endMeasure, staves});
 }
 
@@ -17,8 +17,8 @@ Stage::Stage(const engine::PluginBundle& pluginBundle, const dialogs::DialogReso
              dialogs::Scripts scripts)
     : plugin(pluginBundle),
       score(smallScore()),
-      hand(resources, std::move(scripts), [this](const engine::Progress&) { return ++polls != cancelAt; }),
-      session(score, hand) {
+      user(resources, std::move(scripts), [this](const engine::Progress&) { return ++polls != cancelAt; }),
+      session(score, user) {
     session.selection = smallSelection();
     session.pluginString = [this](std::uint32_t id) { return plugin.string(id); };
 }

@@ -1,5 +1,4 @@
-// A plug-in at work: over the small score, with a scripted hand at its dialogs and the engine's rules in
-// force.
+// A plug-in at work: on the small score, with a scripted user at its dialogs and the engine's rules in force.
 #pragma once
 
 #include <functional>
@@ -18,8 +17,8 @@ namespace rovescio::validate {
 // The dialog that the command opens.
 inline constexpr short kMainDialog = 20130;
 
-// The scripted hand with a memory.
-class Hand : public dialogs::ScriptedUserInterface {
+// The scripted user with a memory.
+class User : public dialogs::ScriptedUserInterface {
   public:
     using ScriptedUserInterface::ScriptedUserInterface;
 
@@ -56,7 +55,7 @@ class Stage {
     engine::Document score;
     int polls = 0;     // for a cancel, so far
     int cancelAt = 0;  // the poll at which the user cancels, counted from 1; 0 never
-    Hand hand;
+    User user;
     engine::Session session;
 };
 

@@ -28,7 +28,7 @@ Verdict askStarted(const std::string& bundle, Ask ask) {
             Verdict verdict = ask(image, naming);
             if (verdict.outcome != Outcome::passed) return verdict;
         }
-        if (!stage.hand.alerts().empty()) return failed("an alert: " + stage.hand.alerts().front());
+        if (!stage.user.alerts().empty()) return failed("an alert: " + stage.user.alerts().front());
         return passed();
     });
 }
@@ -46,7 +46,7 @@ Verdict agreesOnVersion(const PluginImage& image, Naming naming) {
     *image.variable<std::uint32_t>("QorVersion") = 0;
     const std::uint32_t version = image.version(naming, kHostVersion);
     if (version != kKitVersion) {
-        return failed("it answers version word " + std::to_string(version) + " in place of " +
+        return failed("it answers version word " + std::to_string(version) + " instead of " +
                       std::to_string(kKitVersion));
     }
     return *image.variable<std::uint32_t>("QorVersion") == kHostVersion
@@ -95,7 +95,7 @@ Verdict enablesMenu(const PluginImage& image, Naming naming) {
     return image.menuStatus(naming) != 0 ? passed() : failed("the command is not enabled");
 }
 
-// A host may stop a plug-in and start it anew without unloading it.
+// A host may stop a plug-in and start it again without unloading it.
 Verdict stopsAndStartsAgain(const std::string& bundle) {
     return onStage(bundle, {}, [&](Stage& stage) {
         const PluginImage image(bundle);

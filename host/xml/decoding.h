@@ -1,4 +1,4 @@
-// What stands between the writing of a value and the value.
+// From the written form of a value to the value.
 #pragma once
 
 #include <string>

@@ -65,7 +65,7 @@ class DocumentType {
         for (const char* q = p + 1; q != end_; ++q) {
             if (*q == quote) return q + 1;
             if (isPublicId && !isPublicIdCharacter(*q)) {
-                return scanner_.malformed(q, "a public identifier holds a character that it may not");
+                return scanner_.malformed(q, "a public identifier contains an illegal character");
             }
         }
         return scanner_.truncated(kThing);
@@ -83,7 +83,7 @@ class DocumentType {
         return p == nullptr ? nullptr : quoted(p, false);
     }
 
-    // From behind the '['.
+    // Starts after the '['.
     const char* internalSubset(const char* p) {
         for (;;) {
             p = scanner_.miscellany(p);
@@ -106,7 +106,7 @@ class DocumentType {
         if (scanner_.startsWith(p, "<!ENTITY")) {
             return scanner_.fail(Kind::entities, p, "the document type declares entities");
         }
-        return scanner_.malformed(p, std::string(kThing) + " holds something that is no declaration");
+        return scanner_.malformed(p, std::string(kThing) + " contains something that is not a declaration");
     }
 
     const char* closed(const char* p) { return p == nullptr ? nullptr : expect(skipSpace(p, end_), ">"); }
@@ -131,7 +131,7 @@ class DocumentType {
         return closed(scanner_.startsWith(q, "#PCDATA") ? mixed(q + 7) : children(p));
     }
 
-    // From behind "#PCDATA".
+    // Starts after "#PCDATA".
     const char* mixed(const char* p) {
         bool hasNames = false;
         for (p = skipSpace(p, end_); p != end_ && *p == '|'; p = skipSpace(p, end_)) {
@@ -145,7 +145,7 @@ class DocumentType {
         return p != end_ && *p == '*' ? p + 1 : p;
     }
 
-    // From behind the first '('. The groups that are open are kept as their separators, a space for one not
+    // Starts after the first '('. The groups that are open are kept as their separators, a space for one not
     // seen yet.
     const char* children(const char* p) {
         std::string open(1, ' ');
@@ -214,7 +214,7 @@ class DocumentType {
         return scanner_.malformed(p, "an attribute is declared with an unknown type");
     }
 
-    // From behind the '('.
+    // Starts after the '('.
     const char* alternatives(const char* p, bool ofNames) {
         for (;;) {
             p = skipSpace(p, end_);

@@ -1,12 +1,11 @@
-// Reads the document type declaration. What it declares is of no use to us, but that it is well-formed is
-// checked.
+// Reads the document type declaration. What it declares is not used, but it must be well-formed.
 #pragma once
 
 #include "xml/scanner.h"
 
 namespace rovescio::xml {
 
-// From behind "<!DOCTYPE"; the place behind it or null, as in Scanner.
+// Starts after "<!DOCTYPE"; the place after it or null, as in Scanner.
 const char* readDocumentType(Scanner& scanner, const char* p);
 
 }  // namespace rovescio::xml

@@ -1,4 +1,4 @@
-// Lists of children, start tags and texts over a tree that stays.
+// Changed lists of children, start tags and texts over an unchanged tree.
 #include "xml/edits.h"
 
 #include <algorithm>
@@ -30,7 +30,7 @@ std::string_view Edits::slice(const Slice& at) const {
     return std::string_view(pool_).substr(at.begin - source.size() - 1, at.end - at.begin);
 }
 
-// Places of the pool count on behind the source, with one between them so that no stretch joins both.
+// Places of the pool count on after the source, with one between them so that no stretch joins both.
 Slice Edits::keep(std::string_view text) {
     if (text.empty()) return {};
     const auto begin = static_cast<std::uint32_t>(tree_->source().size() + 1 + pool_.size());
@@ -53,7 +53,13 @@ std::size_t Edits::place(Node node) const {
 
 std::string Edits::text(Node node) const {
     const Change* const change = changeOf(node);
-    if (change != nullptr && change->hasText) return std::string(trimmed(decoded(slice(change->text))));
+    if (change != nullptr && change->hasList) {
+        std::string text;
+        for (std::uint32_t i = change->first; i != kNone; i = pieces_[i].next)
+            text += decoded(slice(pieces_[i].lead));
+        text += decoded(slice(change->tail));
+        return std::string(trimmed(text));
+    }
     if (node < tree_->size()) return std::string(tree_->text(node));
     const NodeData& at = data(node);
     return at.hasChildren ? std::string()
@@ -143,8 +149,9 @@ Edits::Change& Edits::listOf(Node parent) {
 void Edits::setText(Node node, std::string_view text) {
     openStartTag(node);
     Change& changed = change(node);
-    changed.hasText = true;
-    changed.text = keep(escaped(text));
+    changed.hasList = true;
+    changed.first = kNone;
+    changed.tail = keep(escaped(text));
 }
 
 // The start tag of an element that gets a content must not end the element as well.
@@ -212,10 +219,32 @@ Slice Edits::indentation(const Slice& lead) const {
     return {lead.begin + static_cast<std::uint32_t>(begin), lead.end};
 }
 
+// The rest of it.
+Slice Edits::commentsOf(const Slice& lead) const {
+    return {lead.begin, lead.end - static_cast<std::uint32_t>(slice(indentation(lead)).size())};
+}
+
 Slice Edits::firstIndentation(Node parent) const {
     const NodeData& at = data(parent);
     if (at.hasChildren) return indentation({at.contentBegin, data(parent + 1).begin});
     return {};
+}
+
+// What stands before an element, with the comments that others left to it.
+Slice Edits::leadOf(Node node) const {
+    const auto changed = leads_.find(node);
+    if (changed != leads_.end()) return changed->second;
+    if (node >= tree_->size()) return {};
+    const NodeData& at = data(node);
+    // The number before a first child's is its parent's, another's belongs into the sibling before.
+    Node before = node - 1;
+    if (before == at.parent) return {data(before).contentBegin, at.begin};
+    while (data(before).parent != at.parent) before = data(before).parent;
+    return {data(before).end, at.begin};
+}
+
+bool Edits::saysSomething(const Slice& lead) const {
+    return slice(lead).find_first_not_of(kSpace) != std::string_view::npos;
 }
 
 void Edits::insertAfter(Node sibling, Node added) {
@@ -271,32 +300,32 @@ void Edits::remove(Node node) {
     const Piece gone = pieces_[*link];
     *link = gone.next;
     // Comments and text before it stay, before what is next.
-    const Slice kept{gone.lead.begin,
-                     gone.lead.end - static_cast<std::uint32_t>(slice(indentation(gone.lead)).size())};
+    const Slice kept = commentsOf(gone.lead);
     if (kept.empty()) return;
     Slice& after = gone.next == kNone ? list.tail : pieces_[gone.next].lead;
     const std::string joined = std::string(slice(kept)) + std::string(slice(after));
     after = keep(joined);
+    if (gone.next != kNone) leads_[pieces_[gone.next].node] = after;
 }
 
 void Edits::setChildren(Node parent, std::span<const Node> list) {
     openStartTag(parent);
     listOf(parent);
     const Slice usual = firstIndentation(parent);
-    // Comments of elements that were there before.
-    std::vector<std::pair<Node, Slice>> comments;
     for (std::uint32_t i = changeOf(parent)->first; i != kNone; i = pieces_[i].next) {
-        if (slice(pieces_[i].lead).find_first_not_of(kSpace) != std::string_view::npos) {
-            comments.emplace_back(pieces_[i].node, pieces_[i].lead);
-        }
+        const Node node = pieces_[i].node;
+        if (!saysSomething(leadOf(node)) || std::ranges::find(list, node) != list.end()) continue;
+        strays_[parent].insert(node);
+        const auto home = homes_.find(node);
+        if (home != homes_.end() && home->second == parent) homes_.erase(home);
     }
     std::uint32_t last = kNone;
     for (const Node node : list) {
         if (node >= tree_->size()) addedData(node).parent = parent;
-        const auto commented = std::find_if(comments.begin(), comments.end(),
-                                            [&](const auto& comment) { return comment.first == node; });
-        const Slice lead = commented == comments.end() ? usual : commented->second;
-        pieces_.push_back({lead, node, kNone});
+        const Slice own = leadOf(node);
+        const bool commented = saysSomething(own);
+        if (commented) homes_[node] = parent;
+        pieces_.push_back({commented ? own : usual, node, kNone});
         const auto here = static_cast<std::uint32_t>(pieces_.size() - 1);
         (last == kNone ? changes_[changeOf_[parent]].first : pieces_[last].next) = here;
         last = here;
@@ -319,13 +348,12 @@ class Edits::Printer {
             return;
         }
         put(change->startTag.empty() ? Slice{at.begin, at.contentBegin} : change->startTag);
-        if (change->hasText) {
-            put(change->text);
-        } else if (change->hasList) {
+        if (change->hasList) {
             for (std::uint32_t i = change->first; i != kNone; i = edits_.pieces_[i].next) {
                 put(edits_.pieces_[i].lead);
                 element(edits_.pieces_[i].node);
             }
+            strays(node);
             put(change->tail);
         } else {
             std::uint32_t reached = at.contentBegin;
@@ -358,6 +386,14 @@ class Edits::Printer {
         } else if (!change.startTag.empty() && !edits_.slice(change.startTag).ends_with("/>")) {
             flush();
             send("</" + std::string(edits_.tree_->names().text(at.name)) + ">");
+        }
+    }
+    // Comments of elements that are nowhere any more stay where these were.
+    void strays(Node parent) {
+        const auto found = edits_.strays_.find(parent);
+        if (found == edits_.strays_.end()) return;
+        for (const Node stray : found->second) {
+            if (!edits_.homes_.contains(stray)) put(edits_.commentsOf(edits_.leadOf(stray)));
         }
     }
     void flush() {

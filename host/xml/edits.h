@@ -1,12 +1,14 @@
 // Changes to a tree, and the changed text.
 //
-// A layer over a tree that stays as it is: it holds the nodes that are new and what has become of those that
-// are not. What it does not speak of is printed byte for byte as it stood. White space and comments before an
-// element belong to it and go where it goes.
+// A layer over a tree that stays as it is: it holds the new nodes and the changes to the others. What it does
+// not mention is printed byte for byte as it was. White space and comments before an element belong to it and
+// go where it goes.
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -50,21 +52,23 @@ class Edits {
     void setAttribute(Node node, std::string_view name, std::string_view value);
     void removeAttribute(Node node, std::string_view name);
 
-    // An element that stands nowhere yet, out of text that is well-formed and whose names the tree knows.
+    // An element that has no place yet, made from text that is well-formed and whose names the tree knows.
     Node make(std::string_view text);
     // A copy of an element of the tree as it was parsed.
     Node copy(Node original);
 
-    // Puts an element that stands nowhere behind or before another, on a line of its own where the other has
-    // one; before the first child, where there is one; and behind the last.
+    // Puts an element that has no place yet after or before another, on a line of its own where the other has
+    // one; before the first child, where there is one; and after the last.
     void insertAfter(Node sibling, Node added);
     void insertBefore(Node sibling, Node added);
     void insertFirst(Node parent, Node added);
     void append(Node parent, Node added);
     // Takes an element out, with the white space before it.
     void remove(Node node);
-    // Gives an element new children: some of its own, copies and new ones in any order. Each begins on a line
-    // of its own with the white space that the first child had; comments stay before their elements.
+    // Gives an element new children: its own or those of others, copies and new ones in any order. Each
+    // begins on a line of its own with the white space that the first child had. Comments stay before their
+    // elements, also where these come from another list; those of an element that comes nowhere stay at the
+    // parent's end.
     void setChildren(Node parent, std::span<const Node> list);
 
     // Hands the changed text to a sink, piece by piece; false as soon as the sink refuses one.
@@ -75,20 +79,18 @@ class Edits {
   private:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-    // A child in a list of its own, with what stands before it.
+    // A child in a list of its own, with the text before it.
     struct Piece {
         Slice lead;
         Node node = 0;
         std::uint32_t next = kNone;
     };
-    // What has become of an element; without anything set, something inside has changed.
+    // The change to an element; with nothing set, something inside it has changed.
     struct Change {
         Slice startTag;  // empty: as it stood
-        Slice text;      // instead of the content
-        bool hasText = false;
         bool hasList = false;
         std::uint32_t first = kNone;  // pieces
-        Slice tail;                   // behind the last child
+        Slice tail;                   // after the last child, or all there is
     };
     class Printer;
 
@@ -105,7 +107,10 @@ class Edits {
     Change& listOf(Node parent);
     void markAround(Node node);
     Slice keep(std::string_view text);
+    [[nodiscard]] Slice leadOf(Node node) const;
+    [[nodiscard]] bool saysSomething(const Slice& lead) const;
     [[nodiscard]] Slice indentation(const Slice& lead) const;
+    [[nodiscard]] Slice commentsOf(const Slice& lead) const;
     [[nodiscard]] Slice firstIndentation(Node parent) const;
     void openStartTag(Node node);
     void replaceStartTag(Node node, std::string_view tag) { change(node).startTag = keep(tag); }
@@ -114,8 +119,12 @@ class Edits {
     std::vector<std::uint32_t> changeOf_;  // by node; 0 for none
     std::vector<Change> changes_;          // the first one is none
     std::vector<Piece> pieces_;
-    std::vector<NodeData> added_;  // new nodes; their places count on behind the source
+    std::vector<NodeData> added_;  // new nodes; their places count on after the source
     std::string pool_;             // new text
+    // Of the few elements with comments before them:
+    std::map<Node, Slice> leads_;            // these, where those of removed elements have joined them
+    std::map<Node, Node> homes_;             // by element, in whose list it has been put
+    std::map<Node, std::set<Node>> strays_;  // by parent, what its list has no more
 };
 
 }  // namespace rovescio::xml

@@ -73,7 +73,7 @@ const char* Parser::prolog(const char* p) {
     }
     if (p == nullptr) return nullptr;
     if (p == end_) return scanner_.fail(Kind::noElement, p, "the text has no element");
-    if (*p != '<') return scanner_.malformed(p, "text stands before the first element");
+    if (*p != '<') return scanner_.malformed(p, "there is text before the first element");
     return p;
 }
 
@@ -134,16 +134,16 @@ const char* Parser::dataMarkup(const char* p) {
     return rest.data() + close + 3;
 }
 
-// A '<' that begins nothing that may stand here.
+// A '<' that does not begin anything allowed here.
 const char* Parser::noTag(const char* p) {
     const std::string_view rest = between(p, end_);
     for (const std::string_view known : {"<!--", "<![CDATA[", "<!DOCTYPE"}) {
         if (known.starts_with(rest)) return truncatedElement();
     }
     if (rest.starts_with("<!DOCTYPE")) {
-        return scanner_.malformed(p, "a document type declaration may only stand once, before the elements");
+        return scanner_.malformed(p, "a document type declaration may occur only once, before the elements");
     }
-    return scanner_.malformed(p, "the sign < does not begin a tag");
+    return scanner_.malformed(p, "the character < does not begin a tag");
 }
 
 const char* Parser::startTag(const char* p) {
@@ -183,7 +183,7 @@ const char* Parser::elementName(const char* p, Name& name) {
     if (q == end_) return scanner_.truncated("a tag");
     if (q == p + 1) return noTag(p);
     if (!numberOf(between(p + 1, q), name)) {
-        return tooLarge(p, "there are more names of elements than " + std::to_string(Names::kMost));
+        return tooLarge(p, "there are more element names than " + std::to_string(Names::kMost));
     }
     if (growing_ != nullptr) {
         followers_.resize(names_.size());
@@ -229,7 +229,8 @@ const char* Parser::attributes(const char* p) {
         if (*q == '/') {
             if (q + 1 == end_) return scanner_.truncated("a tag");
             if (q[1] == '>') return q;
-            return scanner_.malformed(q, "the sign / does not end the tag <" + shown(nameOf(current_)) + ">");
+            return scanner_.malformed(
+                q, "the character / does not end the tag <" + shown(nameOf(current_)) + ">");
         }
         if (q == p) {
             return scanner_.malformed(q,
@@ -254,7 +255,7 @@ const char* Parser::attribute(const char* p) {
                         "an element has more attributes than " + std::to_string(limits_.attributesOfElement));
     }
     if (!isNewAttribute(name)) {
-        return scanner_.malformed(p, "the attribute " + shown(name) + " stands twice" + inTag());
+        return scanner_.malformed(p, "the attribute " + shown(name) + " occurs twice" + inTag());
     }
     ++attributes_;
     if (*q != '=') q = skipSpace(q, end_);
@@ -326,7 +327,7 @@ const char* Parser::characterData(const char* p) {
             continue;
         }
         // Before the first character data stands the end of markup, so that these two bytes are there.
-        if (p[-1] == ']' && p[-2] == ']') return scanner_.malformed(p - 2, "character data holds ]]>");
+        if (p[-1] == ']' && p[-2] == ']') return scanner_.malformed(p - 2, "character data contains ]]>");
         ++p;
     }
 }
@@ -336,9 +337,9 @@ bool Parser::epilog(const char* p) {
     if (p == nullptr) return false;
     if (p == end_) return true;
     if (*p != '<') {
-        scanner_.malformed(p, "text stands behind the last element");
+        scanner_.malformed(p, "there is text after the last element");
     } else if (nameEnd(p + 1, end_) != p + 1) {
-        scanner_.malformed(p, "a second element stands behind <" +
+        scanner_.malformed(p, "there is a second element after <" +
                                   shown(names_.text(target_.nodes[target_.first - shift_].name)) + ">");
     } else {
         noTag(p);

@@ -86,7 +86,7 @@ const char* Scanner::comment(const char* p) {
     const std::string_view rest(p, static_cast<std::size_t>(end_ - p));
     const std::size_t dashes = rest.find("--");
     if (dashes == std::string_view::npos || dashes + 2 == rest.size()) return truncated("a comment");
-    if (rest[dashes + 2] != '>') return malformed(p + dashes, "a comment holds --");
+    if (rest[dashes + 2] != '>') return malformed(p + dashes, "a comment contains --");
     return p + dashes + 3;
 }
 
@@ -96,7 +96,7 @@ const char* Scanner::instruction(const char* p) {
     if (q == p) return malformed(p, "a processing instruction has no name");
     const std::string_view target(p, static_cast<std::size_t>(q - p));
     if (isXml(target)) {
-        return malformed(p - 2, "an XML declaration may only stand at the very start");
+        return malformed(p - 2, "an XML declaration may occur only at the very start");
     }
     const std::string_view rest(q, static_cast<std::size_t>(end_ - q));
     const std::size_t close = rest.find("?>");
@@ -115,9 +115,9 @@ const char* Scanner::reference(const char* p) {
     const bool ofCharacter = rest.starts_with("&#");
     const char* const last = ofCharacter ? tokenEnd(p + 2, end_) : nameEnd(p + 1, end_);
     if (last == end_) return truncated("a reference");
-    if (*last != ';' || last == p + 1) return malformed(p, "the sign & does not begin a reference");
+    if (*last != ';' || last == p + 1) return malformed(p, "the character & does not begin a reference");
     const std::string whole = shown({p, static_cast<std::size_t>(last + 1 - p)});
-    if (ofCharacter) return malformed(p, "the reference " + whole + " stands for no legal character");
+    if (ofCharacter) return malformed(p, "the reference " + whole + " does not stand for a legal character");
     return malformed(p, "the reference " + whole + " is not defined");
 }
 
@@ -142,7 +142,7 @@ const char* Scanner::attributeValue(const char* p) {
         while (q != end_ && !isOf(*q, kEndsValue)) ++q;
         if (q == end_) return truncated("an attribute");
         if (*q == quote) return q + 1;
-        if (*q == '<') return malformed(q, "an attribute's value holds <");
+        if (*q == '<') return malformed(q, "an attribute's value contains <");
         if (*q != '&') {
             ++q;
             continue;

@@ -1,4 +1,4 @@
-// Reads the parts of XML that stand in several places: names, comments, instructions, references and quoted
+// Reads the parts of XML that occur in several places: names, comments, instructions, references and quoted
 // values.
 #pragma once
 
@@ -16,12 +16,12 @@ std::string shown(std::string_view text);
 
 // A character or predefined reference at the start of text that begins with '&'.
 struct Reference {
-    std::size_t length = 0;  // up to behind the ';'; 0 when there is none that means something
+    std::size_t length = 0;  // including the ';'; 0 when there is no meaningful one
     std::uint32_t character = 0;
 };
 Reference referenceAt(std::string_view text);
 
-// Its functions take a place in the text and return the place behind what they read, or null after a fault.
+// Its functions take a place in the text and return the place after what they read, or null after a fault.
 // The characters of the text are known to be legal.
 class Scanner {
   public:
@@ -42,9 +42,9 @@ class Scanner {
     // The text is over before the thing named is.
     const char* truncated(std::string_view thing);
 
-    // From behind "<!--".
+    // Starts after "<!--".
     const char* comment(const char* p);
-    // From behind "<?".
+    // Starts after "<?".
     const char* instruction(const char* p);
     // From the '&'.
     const char* reference(const char* p);

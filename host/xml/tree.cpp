@@ -37,14 +37,14 @@ ParseFault illegalCharacter(std::string_view text, std::size_t offset) {
     const auto byte = static_cast<unsigned char>(text[offset]);
     const bool isControl = byte < 0x20;
     return {Kind::malformed, offset,
-            isControl ? "there is a control character" : "there are bytes that are no character"};
+            isControl ? "there is a control character" : "there are bytes that are not a character"};
 }
 
 // Parses what stands before the first illegal character, and finds fault with that when nothing comes before
 // it.
 ParseFault parseDocument(std::string_view text, const Limits& limits, Names& names,
                          std::vector<NodeData>& nodes, std::uint32_t base) {
-    if (!looksLikeXml(text)) return {Kind::noElement, 0, "this is no XML"};
+    if (!looksLikeXml(text)) return {Kind::noElement, 0, "this is not XML"};
     const std::size_t legal = firstIllegal(text);
     Parser parser(text.substr(0, legal), limits, names, &names, {nodes, 1, base});
     parser.document();
@@ -60,7 +60,7 @@ Tree::Tree(std::string_view text, std::span<const std::string_view> vocabulary, 
     : text_(text), names_(vocabulary) {
     if (text.size() > kMostBytes) {
         nodes_.emplace_back();
-        fault_ = {Kind::tooLarge, 0, "the text has 2 GiB or more"};
+        fault_ = {Kind::tooLarge, 0, "the text is 2 GiB or larger"};
         return;
     }
     const std::size_t mark = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;

@@ -1,8 +1,8 @@
-// A lossless tree of an XML text: its elements with their places. It knows nothing of what the text says.
+// A lossless tree of an XML text: its elements and their places. What the text means is not its concern.
 //
-// The text itself is the tree's storage. A node is six places in it and a name; character data and attributes
-// are looked up and decoded when someone asks. Nothing of the tree changes after parsing: edits are a layer
-// of their own (edits.h), so that one tree can be written in many ways.
+// The text itself is the tree's storage. A node is four places in it, two links and a name; character data
+// and attributes are looked up and decoded when someone asks. Nothing in the tree changes after parsing:
+// edits are a layer of their own (edits.h), so that one tree can be written in many ways.
 #pragma once
 
 #include <cstdint>
@@ -32,9 +32,9 @@ struct Slice {
 // An element. Its children follow it directly in the order of numbers.
 struct NodeData {
     std::uint32_t begin = 0;         // of its '<'
-    std::uint32_t contentBegin = 0;  // behind the '>' of its start tag
+    std::uint32_t contentBegin = 0;  // after the '>' of its start tag
     std::uint32_t contentEnd = 0;    // of the '<' of its end tag; of <a/> this and contentBegin are its end
-    std::uint32_t end = 0;           // behind its last '>'
+    std::uint32_t end = 0;           // after its last '>'
     Node next = 0;                   // the next sibling; 0 for the last one
     Node parent = 0;                 // 0 for the root
     Name name = 0;
@@ -46,7 +46,7 @@ struct NodeData {
 struct ParseFault {
     enum class Kind {
         none,
-        noElement,  // this is no XML at all
+        noElement,  // this is not XML at all
         truncated,  // the text ends before the root element does
         malformed,  // it is not well-formed; the description says why
         tooLarge,   // more elements, attributes or names than allowed, nested too deep, or too long
@@ -89,7 +89,7 @@ class Tree {
     [[nodiscard]] const Names& names() const { return names_; }
 
     // Character data of an element without that of its children and without surrounding white space,
-    // references and sections resolved, line ends as they stand. The view lasts as long as the tree.
+    // references and sections resolved, line ends as they are. The view lasts as long as the tree.
     [[nodiscard]] std::string_view text(Node node) const;
     // The value of an attribute with references resolved; empty when there is none of that name. The view
     // lasts as long as the tree.
@@ -113,10 +113,10 @@ class Tree {
     mutable std::deque<std::string> decoded_;
 };
 
-// Where an attribute stands in the text of a start tag, as places in that text.
+// Where an attribute is in the text of a start tag, as places in that text.
 struct AttributePlace {
     std::size_t begin = 0;  // of the white space before it
-    std::size_t end = 0;    // behind the closing quote
+    std::size_t end = 0;    // after the closing quote
     std::size_t valueBegin = 0;
     std::size_t valueEnd = 0;
 

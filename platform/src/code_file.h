@@ -1,4 +1,4 @@
-// A look at a library before the loader maps it.
+// Checks a library before the loader maps it.
 #pragma once
 
 #include <filesystem>

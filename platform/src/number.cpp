@@ -14,7 +14,7 @@ using rovescio::platform::required;
 
 namespace {
 
-/// The variable types of the interface told apart by what they hold; kinds of one width share a row.
+/// The variable types of the interface distinguished by what they hold; kinds of one width share a row.
 enum class Storage { kInt8, kInt16, kInt32, kInt64, kFloat, kDouble, kUnknown };
 
 Storage storageOf(CFNumberType type) {

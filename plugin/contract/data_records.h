@@ -10,11 +10,11 @@
 
 #include "contract/records.h"
 
-// Given to SX_CreateEData in place of the number that the host is to choose: the incident, for a center shape
+// Given to SX_CreateEData instead of the number that the host is to choose: the incident, for a center shape
 // its own number, for records with one to each number that number. The host writes what it chose into the
 // key.
 //
-// Incidents count from 0 without gaps; the host closes them up behind a deletion. SX_SaveEData replaces a
+// Incidents count from 0 without gaps; the host closes them up after a deletion. SX_SaveEData replaces a
 // record, or adds the one with the next free incident.
 inline constexpr std::uint16_t kAppendNumber = 0xFFFF;
 
@@ -51,7 +51,7 @@ struct EDTMeasureSpec2014 {
 // A slur, hairpin or other line. The old layout is the same without the last eight bytes.
 struct EDTOldSmartShape {
     std::uint16_t kind;               // 0: SHAPE_ kind
-    std::uint32_t flags;              // 2: SHAPE_ bits; the byte at 5 tells how the shape is attached
+    std::uint32_t flags;              // 2: SHAPE_ bits; the byte at 5 says how the shape is attached
     std::int16_t firstStaff;          // 6: staff (instrument) number
     std::int16_t firstMeasure;        // 8: measure, from 1
     std::int32_t firstEntry;          // 10: entry number, of shapes attached to entries
@@ -73,7 +73,7 @@ struct EDTOldSmartShape {
 // Size of that old layout in bytes.
 inline constexpr std::uint32_t kOldSmartShapeSize = 84;
 
-// Tells a measure that a shape runs through it.
+// Marks in a measure that a shape runs through it.
 struct MeasureMarkRecord {
     std::uint16_t shapeNumber;   // 0
     std::uint16_t centerNumber;  // 2: center shape of this measure, 0 in the shape's first and last measure
@@ -85,7 +85,7 @@ struct CenterShapeRecord {
     std::uint16_t hostPrivate[11];  // 0: the host's
 };
 
-// Tells an entry that a shape starts or ends on it.
+// Marks on an entry that a shape starts or ends there.
 struct EntryMarkRecord {
     std::uint16_t shapeNumber;   // 0
     std::uint16_t reserved2[4];  // 2: zero
@@ -147,7 +147,7 @@ struct EDTTextExpression {
     std::uint16_t reserved10[3];  // 10: zero
 };
 
-// A text that stands on pages.
+// A text on pages.
 struct EDTPageText {
     std::uint16_t textBlock;  // 0: number of the text block
     std::int16_t horizontal;  // 2: from the margin, hundredths of a staff space
@@ -198,7 +198,7 @@ inline constexpr std::uint16_t SHAPE_LINE = 4;
 // EDTOldSmartShape::flags
 inline constexpr std::uint32_t SHAPE_ON_ENTRIES = 0x40000000;  // its ends are attached to entries
 
-// Tags. The first character tells the form of the key: D three words (EDETAILKEY), E an entry number and a
+// Tags. The first character gives the form of the key: D three words (EDETAILKEY), E an entry number and a
 // word (EENTRYKEY), whatever its case; all others two words (EDATAKEY).
 inline constexpr std::uint32_t kMeasureSpecTag = 0x534F4D53;     // (measure, 0)
 inline constexpr std::uint32_t kSmartShapeTag = 0x4F085378;      // (shape number, 0)

@@ -6,7 +6,7 @@
 // Stands for any note of the entry.
 inline constexpr std::uint16_t kAnyNote = 0xFFFF;
 
-// Each finds the first record of the entry that belongs to the note and tells its incident; false when none
+// Each finds the first record of the entry that belongs to the note and gives its incident; false when none
 // of the first thousand does or the host fails. Loading may change the record even so.
 bool sx_loadaccidentalmod(std::uint32_t entryNumber, std::uint16_t noteId, EDTAccidentalMods2012* record,
                           std::uint16_t& incident);

@@ -83,7 +83,7 @@ bool sx_nextentrydetail(std::uint32_t tag, std::uint32_t& entryNumber, std::uint
     bool sx_next##name(std::uint32_t& entryNumber, std::uint16_t& inci, Record* record);
 #include "kit/record_families.def"
 
-// Tag and size of smart-shape records: those of the current layout until the old one is turned on for good.
+// Tag and size of smart-shape records: those of the current layout until the old one is chosen for good.
 extern std::uint32_t ot_smartshape;
 extern std::uint32_t sizeofsmartshape;
 void TurnOnEDTSmartShapeCompatibilityForScorix2000_2003();

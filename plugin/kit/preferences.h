@@ -35,7 +35,7 @@ enum PreferenceConversion : std::int32_t {
 // Where one field of a scattered record lies.
 struct PreferenceRow {
     std::uint16_t loaded;       // 0: set while a walk over the table has done this row
-    char subTag[2];             // 2: behind "ot"
+    char subTag[2];             // 2: after "ot"
     std::uint16_t number;       // 4: of the sub-record, 0 for kGlobalNumber
     std::uint16_t incident;     // 6: of the sub-record
     std::uint16_t destination;  // 8: byte in the preference record
@@ -59,7 +59,7 @@ PreferenceRun mapPrefTag(std::uint32_t tag, std::uint16_t incident);
 // the host keeps it in one piece.
 std::optional<std::uint32_t> preferenceSize(std::uint32_t tag, std::uint16_t incident);
 
-// Fill or store such a record, which must be as large as preferenceSize tells. False when a sub-record is
+// Fill or store such a record, which must be as large as preferenceSize says. False when a sub-record is
 // missing, in which case loading leaves the record alone, or is not accepted.
 bool loadPreferences(std::uint32_t tag, std::uint16_t incident, void* record);
 bool savePreferences(std::uint32_t tag, std::uint16_t incident, const void* record);

@@ -19,7 +19,7 @@ std::uint16_t incidentOf(const void* key) {
     return copy.inci;
 }
 
-// Older hosts fill in the record and tell of no success: what they wrote counts.
+// Older hosts fill in the record but report no success: what they wrote counts.
 short loadFretInstrument(void* key, void* buffer, std::uint32_t* size) {
     assert(*size >= sizeof(EDTFretInstrument25_3));
     if (!buffer) return kit::bound::SX_LoadEData(kFretInstrumentTag, key, buffer, size);

@@ -118,7 +118,7 @@ char16_t* PlugIn_GetStringResource(std::uint32_t id, char16_t* buffer, std::uint
 
 char* PlugIn_GetStringResource(std::uint32_t id, char* buffer, std::uint16_t capacity) {
     if (capacity == 0) return nullptr;
-    // One byte more than a length-prefixed string takes, for the terminator behind 255 bytes.
+    // One byte more than a length-prefixed string takes, for the terminator after 255 bytes.
     unsigned char prefixed[257] = {};
     if (const PlatformOwned<CFStringRef> text(CopyPlugInStringResource(id)); text) {
         if (!CFStringGetPascalString(text.get(), prefixed, 256, GetApplicationTextEncoding()))

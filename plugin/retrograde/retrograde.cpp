@@ -36,7 +36,7 @@ void exchangeAttributes(EDTMeasureSpec2014& first, EDTMeasureSpec2014& second, u
 }
 
 // From the outside inward; a measure in the middle is its own partner. False after a cancel.
-bool mirrorMeasures(const EREGION& region, unsigned int options, CProgress& progress) {
+bool reverseAttributes(const EREGION& region, unsigned int options, CProgress& progress) {
     const int distance = region.end.measure - region.start.measure;
     if ((options & (kMirrorKeySignatures | kMirrorMeasureSpacing)) == 0 || distance < -1) return true;
     for (int i = 0; i <= distance / 2; ++i) {
@@ -63,7 +63,7 @@ short Retrograde(EREGION* region, unsigned int options, CProgress* progress) {
         for (short layer = 0; layer < layers; ++layer) {
             if (SX_GetShowLayer(layer) && !reverseLayer(*region, slot, layer, *progress)) return 0;
         }
-        if (!mirrorMeasures(*region, options, *progress)) return 1;
+        if (!reverseAttributes(*region, options, *progress)) return 1;
     }
     SX_RebarRegion(region, 4, 1, 0, 1);
     return 1;

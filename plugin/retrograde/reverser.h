@@ -1,11 +1,11 @@
-// Turns the entries of one staff slot and layer back to front over the measures of a region.
+// Reverses the order of the entries of one staff slot and layer over the measures of a region.
 #pragma once
 
 #include <vector>
 
 #include "contract/records.h"
 
-// Ties that left a note arrive at it and the other way round.
+// Ties that started at the entry's notes end there, and the other way round.
 void ReverseTieFlags(EXENTRY* entry);
 
 // Reverses step by step: while NextEntry() says that there is a pair, ReverseEntries() exchanges it. The

@@ -42,7 +42,7 @@ class SelectionCheck {
                     problems_ |= kSecondVoices;
                 } else if (deleteEntry(*frame, static_cast<short>(i))) {
                     entriesDeleted = true;
-                    // Goes on with the entry before, which so has its shapes looked at once more.
+                    // Continues with the entry before, whose shapes are thus looked at once more.
                     --i;
                 }
             }

@@ -26,7 +26,7 @@ EDTSmartShapeNative forHost(EDTSmartShapeNative shape) {
     return shape;
 }
 
-// Walks the marks of one owner and erases those that belong to the shape. The marks behind an erased one move
+// Walks the marks of one owner and erases those that belong to the shape. The marks after an erased one move
 // up, so the walk stays; one that the host did not erase is passed over. Each step is one mark, so that the
 // walk ends whatever the host answers.
 template <class Mark, class Owner, class Erase>

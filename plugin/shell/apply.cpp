@@ -164,6 +164,6 @@ void playSelection(SXWindow dialog) {
         SX_CreateEData(kPlaybackStaffTag, &key, &record, &size);
     }
     SX_Playback(start.measure, selection.region.end.measure, 0, kPlaybackStaffList);
-    // The host closes up the incident numbers behind each deletion, so the first one empties the list.
+    // The host closes up the incident numbers after each deletion, so the first one empties the list.
     for (int i = 0; i < slots; ++i) sx_deleteother(kPlaybackStaffTag, kPlaybackStaffList, 0);
 }

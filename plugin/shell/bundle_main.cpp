@@ -1,6 +1,6 @@
 // The start routine that a host calls once after loading the bundle.
 //
-// It stands apart from the entry points so that programs with a start routine of their own can link those.
+// It is separate from the entry points so that programs with a start routine of their own can link those.
 #include "kit/engine_bundle.h"
 
 // Returns 1 when the engine bundle was found, 0 when not or when called without arguments.

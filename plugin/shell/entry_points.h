@@ -2,9 +2,9 @@
 //
 // A host calls main first (see bundle_main.cpp), then version, init and enumerate; for every use of the
 // command menu status and invoke; terminate at the end. All on its main thread. There is one command, with
-// index 0; an index above is refused with 0 and one below counts as 0. Results that are one 16-bit value are
-// given int-wide, so that a host may read either width. None lets an exception out: what one breaks off
-// fails.
+// index 0; a greater index is refused with 0 and a smaller one counts as 0. Results that are one 16-bit value
+// are given int-wide, so that a host may read either width. None lets an exception out: a function that one
+// interrupts fails.
 #pragma once
 
 #include <cstdint>

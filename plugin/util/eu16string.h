@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-// Counts code units, not characters; text in 8 bits is in the application's encoding unless told otherwise.
+// Counts code units, not characters; text in 8 bits is in the application's encoding unless stated otherwise.
 class eu16string {
   public:
     eu16string() = default;

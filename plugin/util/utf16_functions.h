@@ -16,7 +16,7 @@ int sx_strncmp(const char16_t* left, const char16_t* right, std::size_t count);
 
 const char16_t* sx_strstr(const char16_t* haystack, const char16_t* needle);
 
-// Fills up with zeros behind a short source; leaves no terminator behind a source of `count` units or more.
+// Fills up with zeros after a short source; leaves no terminator after a source of `count` units or more.
 char16_t* sx_strncpy(char16_t* target, const char16_t* source, std::size_t count);
 
 // Returns the last unit copied, which is always the terminator 0, not the target.

@@ -62,11 +62,11 @@ TEST(IntervalNames, AreUnderstoodInWordsAndLetters) {
 
 TEST(IntervalNames, UnknownOnesNameTheNearestAndWhatIsUnderstood) {
     const std::pair<const char*, std::vector<const char*>> cases[] = {
-        {"perhaps you mean \"up minor third\"", {"up minr third"}},
-        {"perhaps you mean \"perfect fifth\"", {"prefect fifth"}},
+        {"did you mean \"up minor third\"", {"up minr third"}},
+        {"did you mean \"perfect fifth\"", {"prefect fifth"}},
         // More than one interval, or none, is near.
-        {"is no interval known here", {"minor fifth", "whole note", "majr", "quarter tone", "big third"}},
-        {"is no interval", {"third", "up m-3", "M4", "p5", "P0", "P5x", "m99999999999", "up", ""}},
+        {"is not a known interval", {"minor fifth", "whole note", "majr", "quarter tone", "big third"}},
+        {"is not a known interval", {"third", "up m-3", "M4", "p5", "P0", "P5x", "m99999999999", "up", ""}},
         {"cannot be diminished", {"diminished unison"}},
     };
     for (const auto& [message, names] : cases) {

@@ -25,10 +25,10 @@ TEST(PitchNames, AreReadInSignsAndInWords) {
 
 TEST(PitchNames, ThatAreNoneAreToldWithWhatIsUnderstood) {
     const std::pair<const char*, const char*> cases[] = {
-        {"", "no pitch known"},     {"H4", "no pitch known"},   {"E", "no pitch known"},
-        {"4", "no pitch known"},    {"Bbb3", "no pitch known"}, {"F##4", "no pitch known"},
-        {"C4 4", "no pitch known"}, {"Eb4b", "no pitch known"}, {"E sharpish 4", "no pitch known"},
-        {"E10", "octaves 0 to 9"},  {"C-1", "octaves 0 to 9"},  {"Bb-3", "octaves 0 to 9"},
+        {"", "not a known pitch"},     {"H4", "not a known pitch"},   {"E", "not a known pitch"},
+        {"4", "not a known pitch"},    {"Bbb3", "not a known pitch"}, {"F##4", "not a known pitch"},
+        {"C4 4", "not a known pitch"}, {"Eb4b", "not a known pitch"}, {"E sharpish 4", "not a known pitch"},
+        {"E10", "octaves 0 to 9"},     {"C-1", "octaves 0 to 9"},     {"Bb-3", "octaves 0 to 9"},
     };
     for (const auto& [written, told] : cases) {
         const auto pitch = parsePitch(written);

@@ -62,7 +62,8 @@ TEST_F(Playing, HandsTheMusicToTheSynthesiser) {
     run = this->run(kInstalled + "rovescio -q score.musicxml --play");
     EXPECT_EQ(run.code, 4);
     EXPECT_EQ(run.err,
-              "rovescio: FluidSynth could not play (status 3): no sound card. Check that sound works here, "
+              "rovescio: FluidSynth could not play (status 3): no sound card. Check that sound works on this "
+              "system, "
               "or write a MIDI file with --midi\n");
 
     install("trap 'touch stopped; exit' TERM; touch started; while :; do sleep 0.01; done");

@@ -18,7 +18,7 @@ TEST_F(Refusals, OfCommandLinesThatAreWrong) {
         {"rovescio greensleeves.musicxml", 2, "nothing to do"},
         {"rovescio greensleeves.musicxml -t M2", 2, "Give it with -o"},
         {"rovescio greensleeves.musicxml -t 'up minr third' -o new.xml", 2,
-         "perhaps you mean \"up minor third\""},
+         "did you mean \"up minor third\""},
         {"rovescio greensleeves.musicxml -t M2 --steps 1 -o new.xml", 2, "excludes"},
         {"rovescio greensleeves.musicxml --semitones 3000 -o new.xml", 2, "--semitones"},
         {"rovescio greensleeves.musicxml --invert sideways --axis E4 -o new.xml", 2, "sideways"},
@@ -158,7 +158,7 @@ TEST_F(Refusals, OfDamagedInstallations) {
     expectRefused(line, 5, "dialog descriptions");
     for (const char* make : {"mkfifo", "ln -s /dev/zero", "mkdir"}) {
         ASSERT_EQ(run(std::string("d=") + descriptions + "; rm $d; " + make + " $d").code, 0);
-        expectRefused(line, 5, descriptions + ": dialog descriptions: not an ordinary file");
+        expectRefused(line, 5, descriptions + ": dialog descriptions: not a regular file");
     }
     fs::remove_all(path("home/Rovescio.bundle/Contents/MacOS"));
     expectRefused(line, 5, "the plug-in's executable is missing");

@@ -49,6 +49,22 @@ TEST_F(RetrogradeRun, TwiceGivesTheFileBack) {
     }
 }
 
+TEST_F(RetrogradeRun, MirrorsKeysOrSpacingWhereThatIsAskedFor) {
+    std::string score =
+        scoreOf({note("c4:w"), "<attributes><key><fifths>2</fifths></key></attributes>" + note("d4:w")});
+    score.insert(score.find(" number=\"1\"") + 11, " width=\"90\"");
+    write("score.musicxml", score);
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"", "<fifths>0", "\"1\" width"},
+        {"--mirror-keys", "<fifths>2", "\"1\" width"},
+        {"--mirror-spacing", "<fifths>0", "\"2\" width"}};
+    for (const auto& [options, firstKey, wide] : cases) {
+        const std::string out = run(std::string("rovescio score.musicxml -r -q -o - ") + options).out;
+        EXPECT_EQ(out.find("<fifths>"), out.find(firstKey)) << options << out;
+        EXPECT_NE(out.find(wide), std::string::npos) << options << out;
+    }
+}
+
 TEST_F(RetrogradeRun, ChecksRefusesAndRepairs) {
     const auto slur = [](const std::string& type) {
         return "<notations><slur type=\"" + type + "\"/></notations>";

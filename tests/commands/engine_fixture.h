@@ -60,9 +60,9 @@ class EngineFixture {
         return run([&](CProgress* progress) { return command(&region, parameter(arguments)..., progress); });
     }
 
-    // Opens the plug-in's main dialog for a hand.
-    void workMainDialog(const std::function<void(MemoryDialog&)>& hand) {
-        front.hands[20130] = hand;
+    // Opens the plug-in's main dialog for a user.
+    void workMainDialog(const std::function<void(MemoryDialog&)>& user) {
+        front.users[20130] = user;
         EXPECT_EQ(SUDialog(nullptr, nullptr, nullptr), 0);
     }
 

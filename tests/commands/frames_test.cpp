@@ -77,7 +77,7 @@ TEST(Frames, AreCountedAndCleanedBeforeTheHostSeesThem) {
     EXTGF2005a* frame = SX_LoadTGF(0, 1, 1, 0, 0);
     ASSERT_NE(frame, nullptr);
     const auto cleanedBy = [&](auto call) {
-        frame->entries[0].notes[5].displacement = 3;  // left over behind the notes in use
+        frame->entries[0].notes[5].displacement = 3;  // left over after the notes in use
         return call() == 1 && frame->entries[0].notes[5].displacement == 0;
     };
     EXPECT_TRUE(cleanedBy([&] { return SX_InsertEXENTRY(frame, 1, 1); }));

@@ -143,37 +143,5 @@ RC_GTEST_PROP(Inversions, TwiceGivesTheSameNotes, ()) {
     RC_ASSERT(diatonic.first.step == 2 * axis - pitch.step);
 }
 
-// All chords of different steps within an octave; wider ones need not come back.
-TEST(InvChords, UpAndDownAsOftenGivesTheSameChord) {
-    for (const std::string key : {"C", "d", "Gb", "f#"}) {
-        for (unsigned steps = 1; steps < 1U << 7; ++steps) {
-            if (std::has_single_bit(steps)) continue;
-            std::string chord;
-            for (unsigned step = 0; step < 7; ++step) {
-                if (steps >> step & 1)
-                    chord += (chord.empty() ? "<" : " ") + std::string(1, "cdefgab"[step]) + "4";
-            }
-            EngineFixture engine({key + " 4/4 " + chord + ">:w"});
-            const auto pitches = [&] {
-                std::string text = textOf(engine.document);
-                std::erase(text, '!');
-                return text;
-            };
-            const auto invert = [&](auto command) {
-                engine.transform(engine.everything(), command, kSingleNotesInSteps, 0, 0);
-            };
-            std::vector<std::string> inversions;
-            for (int i = 0; i < 5; ++i) {
-                inversions.push_back(pitches());
-                invert(InvChordUp);
-            }
-            for (; !inversions.empty(); inversions.pop_back()) {
-                invert(InvChordDown);
-                ASSERT_EQ(pitches(), inversions.back()) << key << " " << chord;
-            }
-        }
-    }
-}
-
 }  // namespace
 }  // namespace rovescio::test

@@ -12,7 +12,7 @@ class MainDialogTest : public testing::Test {
     MainDialogTest() { SUItems = {}; }
     // Up a major second, by the transposition dialog.
     void chooseTransposition(MemoryDialog& dialog) {
-        engine.front.hands[20150] = [](MemoryDialog& sub) {
+        engine.front.users[20150] = [](MemoryDialog& sub) {
             sub.choose(3, 3);
             sub.choose(6, 5);
             sub.press(1);
@@ -75,43 +75,6 @@ TEST_F(MainDialogTest, ApplyStaysOpenAndSettingsStayFromOneInvocationToTheNext) 
         EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{{4, 5}, {6, 3}, {8, 1}, {9, 1}, {11, 0}}));
     });
     EXPECT_EQ(SUItems.retrogradeOptions, 3U);
-}
-
-TEST_F(MainDialogTest, EachKindRunsItsTransposition) {
-    const std::pair<short, const char*> cases[] = {
-        {1, "c4:w | d4:w"}, {2, "g5:w | a5:w"}, {3, "g5:w | a5:w"}, {4, "g5:w | a5:w"}, {5, "c4:w | d4:w"}};
-    engine.session.selection = EngineFixture::region(1, 1, 1, 2);
-    for (const auto& [kind, after] : cases) {
-        SUItems = {};
-        SUItems.transpose.octaves = 1;
-        SUItems.transpose.steps = 4;
-        engine.workMainDialog([&](MemoryDialog& dialog) {
-            dialog.values[6] = kind;
-            EXPECT_EQ(dialog.press(1), 1);
-        });
-        EXPECT_EQ(textOf(engine.document, 1), after) << "kind " << kind;
-        engine.session.massEdits.undo();
-    }
-}
-
-TEST_F(MainDialogTest, PlayHandsTheStavesOverInATemporaryList) {
-    const struct {
-        EREGION selection;
-        std::vector<short> staves;
-    } cases[] = {{EngineFixture::region(1, 2, 1, 2), {1, 2}}, {EngineFixture::region(2, 2, 2, 2), {2}}};
-    for (const auto& c : cases) {
-        engine.session.selection = c.selection;
-        engine.workMainDialog([&](MemoryDialog& dialog) {
-            const CallTrace trace;
-            EXPECT_EQ(dialog.press(3), 1);
-            EXPECT_NE(trace.text().find("reserved=0, staffList=65529"), std::string::npos) << trace.text();
-            EXPECT_EQ(trace.text().find("SX_StartMassEdit"), std::string::npos);
-        });
-        ASSERT_FALSE(engine.front.played.empty());
-        EXPECT_EQ(engine.front.played.back().staves, c.staves);
-        EXPECT_EQ(engine.front.played.back().startMeasure, c.selection.start.measure);
-        EXPECT_EQ(engine.session.records.count(0x534F4975), 0U);
-    }
 }
 
 }  // namespace

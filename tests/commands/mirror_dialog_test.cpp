@@ -34,7 +34,7 @@ TEST_F(MirrorDialogTest, ShowsAndTakesTheAxis) {
         {{3, 1, 0, 4}, 12, 4, 1, {{3, 22}, {5, 5}, {6, 1}}, 10, 1, 1},
     };
     for (const auto& c : cases) {
-        engine.front.hands[20140] = [&](MemoryDialog& dialog) {
+        engine.front.users[20140] = [&](MemoryDialog& dialog) {
             EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{
                                          {3, c.entry}, {5, c.octave}, {6, c.axis.simplifySpelling}}));
             for (const auto& [item, value] : c.chosen) dialog.values[item] = value;
@@ -50,7 +50,7 @@ TEST_F(MirrorDialogTest, ShowsAndTakesTheAxis) {
 
 TEST_F(MirrorDialogTest, ListeningTakesNoteOns) {
     MirrorAxis axis;
-    engine.front.hands[20140] = [&](MemoryDialog& dialog) {
+    engine.front.users[20140] = [&](MemoryDialog& dialog) {
         const short entries[12] = {2, 3, 5, 6, 8, 11, 12, 14, 15, 17, 18, 20};
         for (std::uint8_t note = 48; note < 72; ++note) {
             engine.front.midi = {0x93, note, 64};
@@ -67,36 +67,6 @@ TEST_F(MirrorDialogTest, ListeningTakesNoteOns) {
         dialog.press(2);
     };
     editMirrorAxis(nullptr, axis);
-}
-
-TEST_F(MirrorDialogTest, ApplyRunsInTheFixedOrderWithinOneEdit) {
-    engine.session.selection = engine.everything();
-    engine.front.hands[20140] = [](MemoryDialog& dialog) {
-        dialog.values[3] = 8;  // E
-        dialog.values[6] = 1;
-        dialog.press(1);
-    };
-    const std::tuple<short, short, const char*> cases[] = {{2, 1, "<b3 d4 f4>:w"},
-                                                           {3, 1, "<b3 d#4! f#4!>:w"},
-                                                           {4, 1, "<f4 a4 d5>:w"},
-                                                           {5, 3, "<a3!+ d4!+ f4!+>:w"},
-                                                           {1, 6, "<d4 f4 a4>:w"}};
-    for (const auto& [inversion, option, after] : cases) {
-        SUItems = {};
-        SUItems.transpose.kind = 2;
-        SUItems.transpose.steps = 1;
-        engine.workMainDialog([&, inversion = inversion, option = option](MemoryDialog& dialog) {
-            EXPECT_EQ(dialog.press(5), 1);
-            EXPECT_EQ(SUItems.mirrorAxisStep, 2);
-            EXPECT_EQ(SUItems.mirrorCheck, 1);
-            dialog.values[4] = inversion;
-            dialog.values[8] = option;
-            EXPECT_EQ(dialog.press(1), 1);
-        });
-        EXPECT_EQ(textOf(engine.document), after) << "inversion " << inversion;
-        EXPECT_TRUE(engine.session.massEdits.undo());
-        EXPECT_EQ(textOf(engine.document), "<c4 e4 g4>:w");
-    }
 }
 
 }  // namespace

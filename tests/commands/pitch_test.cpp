@@ -51,13 +51,6 @@ TEST(TransposeSingleNoteEntry, HasTheSameSizeFromEveryNoteOfEveryKey) {
     }
 }
 
-TEST(ModeOfKey, ReadsTheKeySignatureWord) {
-    const std::pair<int, int> cases[] = {{0, 0},         {0xFF, 0},        {0x1FD, 1},      {0x200, 2},
-                                         {0x3FFF, 0x3F}, {0x4000, 0xFFFF}, {0xFFFF, 0xFFFF}};
-    for (const auto& [word, mode] : cases)
-        EXPECT_EQ(pitch::modeOfKey(static_cast<short>(word)), mode) << word;
-}
-
 // A negative divisor is added all the same.
 TEST(UtilModDiv, FloorsForPositiveDivisors) {
     const struct {

@@ -1,4 +1,4 @@
-// Quarter tones and reminders of accidentals, of which the plug-in knows nothing, through its
+// Quarter tones and reminders of accidentals, which the plug-in cannot see, through its
 // transformations.
 #include "engine_fixture.h"
 #include "shell/note_options.h"

@@ -44,7 +44,7 @@ TEST_F(RetrogradeDialogsTest, OptionsComeBackFromTheCheckBoxes) {
     };
     int parent = 0;
     for (const auto& [options, boxes, button, after] : cases) {
-        engine.front.hands[20190] = [&, boxes = boxes, button = button](MemoryDialog& dialog) {
+        engine.front.users[20190] = [&, boxes = boxes, button = button](MemoryDialog& dialog) {
             EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{{3, boxes[0]}, {4, boxes[1]}}));
             EXPECT_EQ(std::pair(dialog.flags, dialog.parent), std::pair(short{0x3001}, SXWindow{&parent}));
             EXPECT_EQ(dialog.set(3, boxes[2]) + dialog.set(4, boxes[3]), 0);
@@ -54,7 +54,7 @@ TEST_F(RetrogradeDialogsTest, OptionsComeBackFromTheCheckBoxes) {
         };
         EXPECT_EQ(RetrogradeOptionsDialog(&parent, options), after) << options;
     }
-    engine.front.hands[20190] = [](MemoryDialog& dialog) {
+    engine.front.users[20190] = [](MemoryDialog& dialog) {
         dialog.values[3] = 0;
         dialog.press(1);
     };
@@ -74,7 +74,7 @@ TEST_F(RetrogradeDialogsTest, ReportNamesEveryProblemAndOffersRepairWhereItHelps
     engine.session.selection = EngineFixture::region(1, 1, 1, 2);
     for (const auto& [problems, repairable, report] : cases) {
         short button = 2;
-        engine.front.hands[20230] = [&, repairable = repairable, report = report](MemoryDialog& dialog) {
+        engine.front.users[20230] = [&, repairable = repairable, report = report](MemoryDialog& dialog) {
             EXPECT_EQ(dialog.texts, (std::map<short, std::string>{{2, "1 to 2"}, {3, report}}));
             EXPECT_EQ(dialog.enabled, (std::map<short, bool>{{7, repairable}}));
             EXPECT_EQ(dialog.press(button), 1);
@@ -120,7 +120,7 @@ TEST_F(RetrogradeDialogsTest, ApplyReversesFirstAndStopsWhereItCannot) {
         engine.front.polls = 0;
         engine.front.cancelAfter = c.cancelAfter;
         engine.front.alertAnswer = c.repair;
-        engine.front.hands[20230] = [](MemoryDialog& dialog) {
+        engine.front.users[20230] = [](MemoryDialog& dialog) {
             EXPECT_EQ(dialog.press(7), 1);
             if (dialog.open) dialog.press(1);
         };

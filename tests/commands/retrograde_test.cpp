@@ -19,7 +19,7 @@ class RetrogradeTest : public testing::Test {
         makeSpecs(false);
     }
 
-    // Gives every measure a specification that tells which one it was made for.
+    // Gives every measure a specification that shows which one it was made for.
     void makeSpecs(bool withKeys) {
         engine.run([&](CProgress*) {
             for (short measure = 1; measure <= 4; ++measure) {

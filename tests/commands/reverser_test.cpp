@@ -43,7 +43,7 @@ TEST(Reverser, ExchangesTheSelectedEntriesAcrossBarlines) {
          "c4:q a4:q g4:q f4:q | e4:q d4:q b4:q c5:q"},
         {"C 4/4 c4:q d4:q e4:q f4:q", {0, 1, 1, 1023}, {0, 1, 1, 2047}, "c4:q d4:q e4:q f4:q"},
         {"C 4/4 c4:q d4:q e4:q f4:q", {0, 1, 1, 1025}, {0, 1, 1, 4000}, "c4:q d4:q f4:q e4:q"},
-        // No two entries are selected: both ends inside one entry, crossed, behind the last, before the
+        // No two entries are selected: both ends inside one entry, crossed, after the last, before the
         // first.
         {"C 2/4 c4:q d4:q", {0, 1, 1, 100}, {0, 1, 1, 900}, "c4:q d4:q"},
         {"C 2/4 c4:q d4:q", {0, 1, 1, 1024}, {0, 1, 1, 0}, "c4:q d4:q"},

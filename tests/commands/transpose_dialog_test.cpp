@@ -1,4 +1,4 @@
-// The transposition dialog worked as by hand.
+// The transposition dialog as a user operates it.
 #include "transform/transpose_dialog.h"
 
 #include <algorithm>
@@ -13,9 +13,9 @@ constexpr short kDown = 2;
 
 class TransposeDialogTest : public testing::Test {
   protected:
-    // Opens the dialog, lets a hand work it and returns steps, alteration and octaves.
-    std::vector<int> work(const std::function<void(MemoryDialog&)>& hand) {
-        engine.front.hands[20150] = hand;
+    // Opens the dialog, lets a user operate it and returns steps, alteration and octaves.
+    std::vector<int> work(const std::function<void(MemoryDialog&)>& user) {
+        engine.front.users[20150] = user;
         TransposeDialog(&parent, &settings);
         return {settings.steps, settings.alteration, settings.octaves};
     }
@@ -30,7 +30,7 @@ class TransposeDialogTest : public testing::Test {
         });
     }
     void otherInterval(short steps, short alteration, short button) {
-        engine.front.hands[20180] = [=](MemoryDialog& dialog) {
+        engine.front.users[20180] = [=](MemoryDialog& dialog) {
             dialog.set(4, steps);
             if (!dialog.hidden.contains(6)) dialog.set(6, alteration);
             dialog.press(button);

@@ -42,7 +42,7 @@ TEST(DialogResources, RefusesDescriptionsThatAreNotExact) {
         {R"({"dialogs": [{"number": 1, "items": [{"item": 2, "kind": "popup", "entries": 0}]}]})",
          "not positive"},
         {R"({"dialogs": [{"number": 1, "items": [{"item": 2, "kind": "check", "entries": 3}]}]})",
-         "does not know"},
+         "does not allow"},
         {R"({"dialogs": [{"number": 1, "items": [{"item": 2, "kind": "text"}, {"item": 2, "kind": "text"}]}]})",
          "item 2 of dialog 1 is described twice"},
     };

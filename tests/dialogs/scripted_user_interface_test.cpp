@@ -1,4 +1,4 @@
-// The scripted hand against dialog procedures made up for each test.
+// The scripted user with dialog procedures made for each test.
 #include "dialogs/scripted_user_interface.h"
 
 #include <gtest/gtest.h>
@@ -84,7 +84,7 @@ TEST_F(ScriptedDialog, RefusesWhatAHandCannotDo) {
         {{Set{2, 2}, Press{1}}, "a check, cannot be set to 2"},
         {{Set{4, 40000}, Press{1}}, "a number, cannot be set to 40000"},
         {{Set{1, 1}, Press{1}}, "a button, cannot be set"},
-        {{Press{5}, Press{1}}, "item 5 of dialog 100 is no button but a text"},
+        {{Press{5}, Press{1}}, "item 5 of dialog 100 is not a button but a text"},
         {{Press{6}, Press{1}}, "there is no item 6 of dialog 100"},
         {{Set{2, 1}}, "dialog 100 was left open"},
     };
@@ -93,7 +93,7 @@ TEST_F(ScriptedDialog, RefusesWhatAHandCannotDo) {
         ASSERT_TRUE(after.problem()) << problem;
         EXPECT_NE(after.problem()->message.find(problem), std::string::npos) << after.problem()->message;
     }
-    EXPECT_TRUE(broken.empty()) << "what the hand cannot do is not the plug-in's fault";
+    EXPECT_TRUE(broken.empty()) << "what the user cannot do is not the plug-in's fault";
 }
 
 TEST_F(ScriptedDialog, CannotReachItemsHiddenOrDisabled) {

@@ -37,7 +37,7 @@ TEST(Accidentals, FollowTheRulesOfTheMeasure) {
         {"C 4/4 e4':q e4':q e4:q e4':q", "e4'!:q e4':q e4!:q e4'!:q"},
         {"D 2/4 f4':q f#4:q", "f4'!:q f#4!:q"},
         // Inside a chord, and in grace notes.
-        {"C 4/4 <c4 c#5 f#5>:h /f#5:e f5:h", "<c4 c#5! f#5!>:h /f#5:e f5!:h"},
+        {"C 4/4 <c#5 f#5>:h /f#5:e f5:h", "<c#5! f#5!>:h /f#5:e f5!:h"},
         // What was decided by hand stays; a sign that is hidden does not count for the notes after it.
         {"C 4/4 c4!+:q f#4+:q f#4:q f4:q", "c4!+:q f#4+:q f#4!:q f4!:q"},
         // Accidentals that are not needed any more go.

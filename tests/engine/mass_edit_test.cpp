@@ -26,6 +26,7 @@ TEST_F(MassEditTest, IsOneExactUndoStepAndAnythingNewEndsWhatCouldBeRedone) {
         const SXMassEdit edit = edits.start();
         moveFirstNote(1, steps);
         moveFirstNote(2, steps);
+        EXPECT_FALSE(edits.undo()) << "while it is open";
         edits.end(edit, false);
     }
     EXPECT_EQ(text(), "f4:w | g4:w | e4:w");
@@ -33,6 +34,7 @@ TEST_F(MassEditTest, IsOneExactUndoStepAndAnythingNewEndsWhatCouldBeRedone) {
     EXPECT_EQ(text(), "d4:w | e4:w | e4:w");
     ASSERT_TRUE(edits.redo());
     EXPECT_EQ(text(), "f4:w | g4:w | e4:w");
+    edits.end(edits.start(), false);  // changes nothing
     ASSERT_TRUE(edits.undo() && edits.undo());
     EXPECT_EQ(text(), original);
     EXPECT_FALSE(edits.undo());

@@ -24,7 +24,7 @@ constexpr std::int32_t kThree = 3072;
 struct Rebarred {
     explicit Rebarred(const std::vector<std::string>& lines) : document(scoreFromText(lines)) {}
 
-    bool turn() { return turnStaff(session, 1); }
+    bool reverse() { return reverseStaff(session, 1); }
 
     Document document;
     MemoryUserInterface front;
@@ -35,8 +35,8 @@ struct Case {
     const char* name;
     const char* score;
     std::vector<std::int32_t> durations;  // of the measures where the time signature does not hold
-    const char* turned;
-    bool restored = true;  // turned twice it is the first score again
+    const char* reversed;
+    bool restored = true;  // reversed twice it is the first score again
 };
 
 class Rebar : public testing::TestWithParam<Case> {};
@@ -47,9 +47,9 @@ TEST_P(Rebar, PoursReversedEntriesIntoTheirMeasures) {
         run.document.staffMeasure(1, static_cast<short>(i + 1)).duration = GetParam().durations[i];
     }
     const std::string before = textOf(run.document);
-    ASSERT_TRUE(run.turn()) << run.session.refusal->text();
-    EXPECT_EQ(textOf(run.document), GetParam().turned);
-    ASSERT_TRUE(run.turn());
+    ASSERT_TRUE(run.reverse()) << run.session.refusal->text();
+    EXPECT_EQ(textOf(run.document), GetParam().reversed);
+    ASSERT_TRUE(run.reverse());
     if (GetParam().restored) {
         EXPECT_EQ(textOf(run.document), before);
     }
@@ -81,14 +81,18 @@ INSTANTIATE_TEST_SUITE_P(
              {5120, kThree},
              "r:h d4:q r:q r:q | r:h c4:q",
              false},
-        Case{"graceStaysWithItsNote", "C 2/4 c4:h | /d4:e e4:h", {}, "e4:h /d4:e | c4:h"},
+        Case{"graceStaysWithItsNote",
+             "C 2/4 c4:h | <c4 f4>:q /d4:e <e4 g4>:q",
+             {},
+             "<e4 g4>:q /d4:e <c4 f4>:q | c4:h"},
+        Case{"reminderAtTheStart", "C 4/4 c4:h | e4!:h d4:q", {2048, kThree}, "d4:q e4~!:q | e4^:q c4:h"},
         Case{"keepsAccidentals", "G 2/4 f4!:q f#4!:q | f#4:h", {}, "f#4:h | f#4:q f4!:q", false}),
     [](const auto& test) { return std::string(test.param.name); });
 
 TEST(Rebar, DropsTiesOfNotesThatPartInTheSameEdit) {
     Rebarred run({"C 4/4 c4~:q c4^:q d4:h"});
     const SXMassEdit edit = run.session.massEdits.start();
-    ASSERT_TRUE(run.turn());
+    ASSERT_TRUE(run.reverse());
     for (ENOTE& note : run.session.massEdits.editable({1, 1, 0})[1].notes()) ++note.displacement;
     run.session.massEdits.end(edit, false);
     EXPECT_EQ(textOf(run.document), "d4:h d4:q c4:q");
@@ -127,7 +131,7 @@ TEST(Rebar, RefusesLayersThatDoNotFillTheirMeasures) {
     for (const char* score : {"C 4/4 c4:q | d4:w", "C 4/4 c4:w e4:q | d4:w"}) {
         Rebarred run({score});
         const std::string before = textOf(run.document);
-        EXPECT_FALSE(run.turn()) << score;
+        EXPECT_FALSE(run.reverse()) << score;
         ASSERT_TRUE(run.session.refusal);
         EXPECT_NE(run.session.refusal->text().find("staff 1, layer 1"), std::string::npos);
         EXPECT_EQ(textOf(run.document), before);

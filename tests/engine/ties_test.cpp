@@ -35,7 +35,7 @@ TEST(Ties, BreakOnlyWhereTheNotesDiffer) {
         {"C 4/4 c4:h c4~:h | c4^~:h c4^:h", {{2, 0, 1}, {2, 1, 1}}, "c4:h c4:h | d4~:h d4^:h"},
         {"C 4/4 c4~:w | c4^:w", {{1, 0, 2}}, "e4:w | c4:w"},
         {"C 4/4 <c4~ e4~>:w | <c4^ e4^>:w", {{2, 0, 1}}, "<c4 e4>:w | <d4 f4>:w"},
-        // A tie that led nowhere before is none of the engine's business.
+        // A tie that had no other end before is not the engine's concern.
         {"C 4/4 c4~:h d4:h", {{1, 0, 1}}, "d4~:h d4:h"},
         // Enharmonic ties join the same sound.
         {"C 4/4 c#4~:h db4^:h", {}, "c#4~:h db4^:h"},

@@ -97,7 +97,7 @@ TEST(CompressedScore, badArchivesAreRefused) {
     const std::string again = ". Get the file again, or export the score uncompressed.";
     const std::tuple<const char*, std::string, std::string> cases[] = {
         {"cut off", good.substr(0, good.size() / 2),
-         "the compressed score is not a sound zip archive" + again},
+         "the compressed score is not a valid zip archive" + again},
         {"no container", zipOf({{"s.xml", smallScore()}}),
          "the compressed score lacks its member META-INF/container.xml" + again},
         {"empty container", zipOf({{"META-INF/container.xml", "<container/>"}}),

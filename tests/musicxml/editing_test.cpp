@@ -33,6 +33,13 @@ void expectEdits(const std::vector<Edit>& edits) {
     }
 }
 
+std::string stem(const std::string& direction, const std::string& more = "") {
+    return "<stem" + more + ">" + direction + "</stem>";
+}
+std::string beam(const std::string& value) {
+    return "<beam number=\"1\">" + value + "</beam>";
+}
+
 TEST(NoteEdits, pitch) {
     const auto whole = [](const std::string& pitch, const std::string& more = "") {
         return "<note>" + pitch + "<duration>16</duration><type>whole</type>" + more + "</note>";
@@ -67,6 +74,18 @@ TEST(NoteEdits, pitch) {
         {"marks inside of quotes and comments", whole(comment + before.substr(7)),
          whole(comment + after.substr(7)), "d4"},
         {"lyrics, articulations and comments stay", whole(before, more), whole(after, more), "d4"},
+        {"a stem that turns ends elsewhere", note("c5:w", stem("down", " default-y=\"3\"")),
+         note("a4:w", stem("up")), "a4"},
+        {"and so do those that turn with it",
+         note("e5:e", stem("down") + beam("begin")) +
+             note("b4:e", stem("down", " default-y=\"3\"") + beam("end")),
+         note("d4:e", stem("up") + beam("begin")) + note("b4:e", stem("up") + beam("end")), "d4"},
+        {"stems of both directions stay",
+         note("e5:e", stem("down") + beam("begin")) + note("b4:e", stem("up") + beam("end")),
+         note("d4:e", stem("down") + beam("begin")) + note("b4:e", stem("up") + beam("end")), "d4"},
+        {"the stem of a grace note ends elsewhere too",
+         graceNote("C", 5, stem("up", " default-y=\"3\"")) + note("c4:w"),
+         graceNote("D", 5, stem("up")) + note("c4:w"), "d5"},
     });
 }
 
@@ -177,6 +196,11 @@ TEST(StemEdits, followTheRuleWhereTheyDidBefore) {
         {"bass clef", clef("F", 4) + stemmed("c3:w", "up"), 0, "f3", "down"},
         {"the clef inside the measure", stemmed("c5:h", "down") + clef("F", 4) + stemmed("c3:h", "up"), 1,
          "f3", "down down"},
+        {"a clef that sounds an octave lower",
+         "<attributes><clef><sign>G</sign><line>2</line><clef-octave-change>-1</clef-octave-change></clef>"
+         "</attributes>" +
+             stemmed("c4:w", "down"),
+         0, "a3", "up"},
         {"tablature has other rules", clef("TAB", 5) + stemmed("c5:w", "down"), 0, "a4", "down"},
         {"two voices", stemmed("c5:w", "up") + backup(4) + voice("2", "r:w"), 0, "a4", "up"},
         {"two voices, by the rule", stemmed("c5:w", "down") + backup(4) + voice("2", "r:w"), 0, "a4", "down"},
@@ -210,7 +234,7 @@ TEST(ScoreWriting, whatDoesNotMoveWithTheNotesIsTold) {
 
 // What cannot be written is refused as a whole.
 TEST(ScoreWriting, refusals) {
-    const std::string bytes = scoreOf({note("c4:h") + note("d4:h"), note("e4:w")});
+    const std::string bytes = scoreOf({note("c4:h") + note("d4:h") + chordNote("f4:h"), note("e4:w")});
     const std::string short_ =
         "test.musicxml:4: the notes of staff 1 do not add up to the measure's length (measure 1). Correct "
         "the durations there, or select other measures.";
@@ -233,8 +257,9 @@ TEST(ScoreWriting, refusals) {
          },
          chord},
         {"note ids", [](Entries& entries) { entries[0].notes[0].noteId = 2; }, chord},
+        {"a note id twice", [](Entries& entries) { entries[1].notes[1].noteId = 1; }, chord},
         {"octave", [](Entries& entries) { entries[0].notes[0].displacement = -29; },
-         "test.musicxml:4: a note would leave the octaves 0 to 9, which is all that the file format has "
+         "test.musicxml:4: a note would leave the octaves 0 to 9, the only ones that the file format has "
          "(measure 1). Choose a smaller interval or a nearer axis."},
     };
     for (const auto& refusal : cases) {

@@ -9,7 +9,7 @@
 namespace rovescio::musicxml {
 namespace {
 
-// A note to each word: "t" for one of a tuplet, "m" for one that has turned round, "<" and ">" for the ends
+// A note to each word: "t" for one of a tuplet, "r" for one in reversed order, "<" and ">" for the ends
 // of its brackets, then after "/" its beams, outermost first: begin, continue, end, forward or backward hook.
 constexpr std::string_view kBeams[] = {"begin", "continue", "end", "forward hook", "backward hook"};
 
@@ -23,7 +23,7 @@ std::string beamNamed(char letter) {
 }
 
 // The notes with their brackets and beams mended; "*" is an end that was made. Notes of the tuplet last a
-// third of a quarter, others a quarter, and with beams what two levels or one tell.
+// third of a quarter, others a quarter, and with beams what one or two levels say.
 std::string mended(const std::string& notes) {
     std::vector<GroupMember> members;
     std::istringstream words(notes);
@@ -34,7 +34,7 @@ std::string mended(const std::string& notes) {
         const std::string beams = word.substr(std::min(word.size(), head.size() + 1));
         for (const char c : head) {
             member.tuplet |= c == 't';
-            member.mirrored |= c == 'm';
+            member.reversed |= c == 'r';
             if (c != '<' && c != '>') continue;
             const std::string type = c == '<' ? "start" : "stop";
             member.groups.tuplets.push_back({"1", c == '<', "<tuplet type=\"" + type + "\"/>"});
@@ -70,24 +70,24 @@ std::string mended(const std::string& notes) {
 TEST(GroupMending, KeepsWhatIsWholeAndClosesWhatIsCut) {
     const std::pair<const char*, const char*> cases[] = {
         {"t< t t>", "<. . >."},
-        {"tm> tm tm<", "<. . >."},
-        {"tm<> tm<>", "<>. <>."},
-        {"tm> tm< tm> tm<", "<. >. <. >."},
-        // A part of the tuplet has turned round: one bracket, and what fits of the old ends.
-        {"tm tm< t>", "<*. . >."},
-        {"t< tm> tm", "<. . >*."},
+        {"tr> tr tr<", "<. . >."},
+        {"tr<> tr<>", "<>. <>."},
+        {"tr> tr< tr> tr<", "<. >. <. >."},
+        // A part of the tuplet is reversed: one bracket, and what fits of the old ends.
+        {"tr tr< t>", "<*. . >."},
+        {"t< tr> tr", "<. . >*."},
         // The rest of it is in another measure.
-        {". tm> tm", ". <. >*."},
-        {"tm< . .", "<*>. . ."},
-        {"t< t t> tm>", "<. . >. <>*."},
+        {". tr> tr", ". <. >*."},
+        {"tr< . .", "<*>. . ."},
+        {"t< t t> tr>", "<. . >. <>*."},
         // No tuplet, no bracket.
         {"> .", ". ."},
-        {"m/e m/c m/b", "/b /c /e"},
+        {"r/e r/c r/b", "/b /c /e"},
         {"/b /c .", "/b /e ."},
-        // Half of a beamed group has turned round, and the second beam with it.
-        {"/bb m/c m/ce /e", "/bf /c /ek ."},
+        // Half of a beamed group is reversed, and the second beam with it.
+        {"/bb r/c r/ce /e", "/bf /c /ek ."},
         // Faults that were in the text stay there.
-        {"m/e m/cb m/b", "/b /ce /e"},
+        {"r/e r/cb r/b", "/b /ce /e"},
     };
     for (const auto& [before, after] : cases) EXPECT_EQ(mended(before), after) << before;
 }

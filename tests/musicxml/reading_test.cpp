@@ -29,9 +29,10 @@ std::vector<ReadingCase> readingCases() {
     }
     return {
         {"notes, rests and written accidentals",
-         note("c4:q") + note("f#4:q", "<accidental>sharp</accidental>") +
+         note("c4:e") + note("g#4:e", "<accidental cautionary=\"yes\">sharp</accidental>") +
+             note("f#4:q", "<accidental>sharp</accidental>") +
              note("bb3:q", "<accidental parentheses=\"yes\">flat</accidental>") + note("r:q"),
-         {{1, 0, "c4:q f#4!:q bb3!+:q r:q"}}},
+         {{1, 0, "c4:e g#4!+:e f#4!:q bb3!+:q r:q"}}},
         {"chords are sorted upward",
          note("e5:h") + chordNote("c4:h") + chordNote("g4:h") + note("r:h"),
          {{1, 0, "<c4 g4 e5>:h r:h"}}},
@@ -51,9 +52,11 @@ std::vector<ReadingCase> readingCases() {
          {{1, 0, "c4:w"}}},
         {"grace notes take no time, cue notes do",
          "<note><grace slash=\"yes\"/><pitch><step>D</step><octave>5</octave></pitch></note>" + note("c5:h") +
+             "<note><grace/><pitch><step>E</step><octave>5</octave></pitch><type>16th</type></note>"
              "<note><cue/><pitch><step>E</step><octave>5</octave></pitch><duration>8</duration>"
              "<type>half</type></note>",
-         {{1, 0, "/d5:e c5:h e5:h"}}},
+         {{1, 0, "/d5:e c5:h /e5:s e5:h"}}},
+        {"a note without a voice is of the first", note("c4:h") + voice("1", "d4:h"), {{1, 0, "c4:h d4:h"}}},
         {"voices in order of their numbers",
          voice("10", "c4:w") + backup(4) + voice("2", "e4:w") + backup(4) + voice("x", "g4:w"),
          {{1, 0, "e4:w"}, {1, 1, "c4:w"}, {1, 2, "g4:w"}, {1, 3, ""}}},
@@ -153,6 +156,7 @@ TEST(ScoreReading, keysBecomeWordsByTheirThird) {
         {"<fifths>2</fifths>", 0x0002},
         {"<fifths>-3</fifths><mode>minor</mode>", 0x01FD},
         {"<fifths>-1</fifths><mode>dorian</mode>", 0x01FF},
+        {"<fifths>-1</fifths><mode>phrygian</mode>", 0x01FF},
         {"<fifths>1</fifths><mode>lydian</mode>", 0x0001},
         {"<fifths>0</fifths><mode>mixolydian</mode>", 0x0000},
         {"<fifths>3</fifths><mode>locrian</mode>", 0x0103},
@@ -227,12 +231,12 @@ TEST(ScoreReading, measuresAreAsLongAsTheirTime) {
 TEST(ScoreReading, percussionIsOffTheScales) {
     const std::string drum =
         "<note><unpitched><display-step>E</display-step><display-octave>4</display-octave></unpitched>"
-        "<duration>16</duration></note>";
+        "<duration>8</duration></note><note><unpitched/><duration>8</duration></note>";
     const OpenScore score = open(
         scoreOf({drum}, "<attributes><divisions>4</divisions><key><fifths>2</fifths></key></attributes>"));
     EXPECT_TRUE(score.document.staff(1).unpitched);
     EXPECT_EQ(score.document.staffMeasure(1, 1).key.word(), 0x4000);
-    EXPECT_EQ(textOf(score.document), "e4:w");
+    EXPECT_EQ(textOf(score.document), "e4:h b4:h");
     EXPECT_EQ(engine::entryState(score.document.entries({1, 1, 0})[0]).unpitched, 1);
 
     const OpenScore clef = open(
@@ -280,10 +284,10 @@ TEST(ScoreReading, strangeThingsAreToldOnce) {
     EXPECT_EQ(
         score.file.notices(),
         (std::vector<std::string>{
-            "test.musicxml:4: a <backup> leads before the start of the measure; it is taken to lead to the "
+            "test.musicxml:4: a <backup> goes beyond the start of the measure; it is taken to go to the "
             "start (measure 1)",
-            "test.musicxml:4: the element <odd> is not known here; it is kept as it is (measure 1)",
-            "test.musicxml:5: a chord note follows no note; it is taken to stand alone (measure 1)"}));
+            "test.musicxml:4: the element <odd> is unknown; it is kept as it is (measure 1)",
+            "test.musicxml:5: a chord note follows no note; it is taken as a note of its own (measure 1)"}));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Measures written anew after their notes have changed places.
+// Measures written again after their notes have changed places.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -12,20 +12,40 @@
 namespace rovescio::test {
 namespace {
 
-// A score with its first staff turned round, as it is written.
-std::string turned(const std::string& score) {
+// A score with its first staff reversed, as it is written.
+std::string retrogradeOf(const std::string& score) {
     OpenScore file = open(score);
     MemoryUserInterface front;
     engine::Session session(file.document, front);
-    EXPECT_TRUE(turnStaff(session, 1)) << (session.refusal ? session.refusal->text() : "");
+    EXPECT_TRUE(reverseStaff(session, 1)) << (session.refusal ? session.refusal->text() : "");
     return file.written();
 }
+
+const std::string kFourFour = "<time><beats>4</beats><beat-type>4</beat-type></time>";
 
 std::string attributes(const std::string& divisions, const std::string& time) {
     return "<attributes><divisions>" + divisions + "</divisions>" + time + "</attributes>";
 }
 std::string beam(const std::string& value) {
     return "<beam number=\"1\">" + value + "</beam>";
+}
+std::string hook(const std::string& side) {
+    return "<beam number=\"2\">" + side + " hook</beam>";
+}
+std::string ornaments(const std::string& tremolo, const std::string& wave) {
+    return "<notations><ornaments><tremolo type=\"" + tremolo + "\">3</tremolo><wavy-line type=\"" + wave +
+           "\"/></ornaments></notations>";
+}
+std::string twoSyllables(const std::string& first, const std::string& second) {
+    return "<lyric><syllabic>" + first + "</syllabic><text>a</text><elision/><syllabic>" + second +
+           "</syllabic><text>e</text></lyric>";
+}
+std::string inChord(std::string noteXml) {
+    return noteXml.insert(noteXml.find('>') + 1, "<chord/>");
+}
+std::string offsets(int own, int ofSound) {
+    return "<direction><direction-type><words>dolce</words></direction-type><offset>" + std::to_string(own) +
+           "</offset><sound><offset>" + std::to_string(ofSound) + "</offset></sound></direction>";
 }
 std::string bracket(const std::string& type, const std::string& look = "") {
     return "<notations><tuplet type=\"" + type + "\"" + look + "/></notations>";
@@ -40,6 +60,10 @@ std::string syllable(const std::string& place, const std::string& extend = "") {
 // An eighth of a triplet.
 std::string third(const std::string& step, const std::string& notations) {
     return timedNote(step, "2", "<type>eighth</type>" + tuplet(3, 2) + notations);
+}
+std::string tripletOf(const std::string& duration) {
+    const std::string one = timedNote("F", duration, "<type>eighth</type>" + tuplet(3, 2));
+    return one + one + one;
 }
 std::string ties(const std::string& end, const std::string& sign, const std::string& more) {
     return "<tie type=\"" + end + "\"/><type>quarter</type>" +
@@ -86,6 +110,7 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
     const std::string harmony =
         "<harmony><root><root-step>C</root-step></root><kind>major</kind><offset>2</offset></harmony>";
     const std::string grace = graceNote("A", 4);
+    const std::string fermata = "<notations><fermata/></notations>";
     const std::vector<Case> cases = {
         {"what belongs to a note goes with it",
          {note("c4:q", sung) + note("d4:q") + note("e4:h")},
@@ -95,8 +120,8 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
           note("e4:q", extension("stop"))},
          {note("e4:q", extension("start")) + note("d4:q", syllable("begin", "stop")) +
           note("c4:h", syllable("end"))}},
-        {"directions and harmony keep their time",
-         {note("c4:h") + words + note("d4:q") + harmony + note("e4:q")},
+        {"directions and harmony keep their time, also behind a chord note that follows none",
+         {chordNote("c4:h") + words + note("d4:q") + harmony + note("e4:q")},
          {note("e4:q") + note("d4:q") + words + note("c4:h") + "<backup><duration>4</duration></backup>" +
           harmony + "<forward><duration>4</duration></forward>"},
          kCommonAttributes,
@@ -104,7 +129,10 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
         {"chords stay together",
          {note("c4:q") + chordNote("e4:q") + note("r:q") + note("d4:h")},
          {note("d4:h") + note("r:q") + note("c4:q") + chordNote("e4:q")}},
-        {"ties turn round",
+        {"comments go with their notes",
+         {"<!--c-->" + note("c4:w"), "<!--d-->" + note("d4:w")},
+         {"<!--d-->" + note("d4:w"), "<!--c-->" + note("c4:w")}},
+        {"ties are reversed",
          {tiedNote("C", "start") + tiedNote("C", "stop") + note("d4:h")},
          {note("d4:h") + tiedNote("C", "start") + tiedNote("C", "stop")}},
         {"a note over the barline is cut and joined again",
@@ -119,9 +147,12 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
          {inKey(1) + note("c4:h"), inKey(-2) + note("eb4:h") + note("d4:q")},
          {inKey(1) + note("d4:q") + alteredTie("E", -1, "start", "flat"),
           inKey(-2) + alteredTie("E", -1, "stop", "", " id=\"rovescio-cut-1-2-1\"") + note("c4:h")}},
+        {"a fermata stays with its rest, cut or joined again",
+         {note("c4:q") + note("r:q", fermata), note("r:h") + note("d4:q")},
+         {note("d4:q") + note("r:q"), note("r:h", fermata) + note("c4:q")}},
         {"a note of a chord keeps a duration of its own",
-         {note("c4:q") + chordNote("e4:e") + note("d4:h.")},
-         {note("d4:h.") + note("c4:q") + chordNote("e4:e")}},
+         {note("c4:q") + chordNote("e4:e") + note("d4:h")},
+         {note("d4:h") + note("c4:q") + chordNote("e4:e")}},
         {"durations with decimals mean what the notes say",
          {kCommonAttributes + timedNote("C", "1.333333", "<type>eighth</type>" + tuplet(3, 2)) +
           timedNote("D", "1.333333", "<type>eighth</type>" + tuplet(3, 2)) +
@@ -142,7 +173,7 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
           onStaff("d3:h", 2)},
          kCommonAttributes,
          false},
-        {"a tie turns round on a note that keeps its measure",
+        {"a tie is reversed on a note that keeps its measure",
          {note("c4:q") + tiedNote("D", "start"), tiedNote("D", "stop") + note("e4:q"), note("f4:h")},
          {note("f4:h"), note("e4:q") + tiedNote("D", "start"), tiedNote("D", "stop") + note("c4:q")}},
         {"brackets are closed at a barline that cuts, and are whole again",
@@ -154,9 +185,56 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
           sixth("stop", "<tuplet type=\"start\" id=\"rovescio-cut-1-2-1\"/>") + third("C", bracket("stop")) +
               timedNote("F", "9", "<type>quarter</type><dot/>")},
          attributes("6", "<time><beats>2</beats><beat-type>4</beat-type></time>")},
-        {"whole beams are mirrored",
-         {note("c4:e", beam("begin")) + note("d4:e", beam("end")) + note("e4:q") + note("f4:h")},
-         {note("f4:h") + note("e4:q") + note("d4:e", beam("begin")) + note("c4:e", beam("end"))}},
+        {"whole beams are reversed, with their hooks",
+         {timedNote("C", "3", "<type>eighth</type><dot/>" + beam("begin")) + chordNote("e4:e") +
+          note("d4:s", beam("end") + hook("backward")) + note("e4:q") + note("f4:h")},
+         {note("f4:h") + note("e4:q") + note("d4:s", beam("begin") + hook("forward")) +
+          timedNote("C", "3", "<type>eighth</type><dot/>" + beam("end")) + chordNote("e4:e")}},
+        {"beams end at the barline",
+         {note("g4:e"), note("c4:h.") + note("d4:e", beam("begin")) + note("e4:e", beam("end"))},
+         {note("e4:e"), note("d4:e") + note("c4:h.") + note("g4:e")},
+         kCommonAttributes,
+         false},
+        {"what has a direction points the other way, and places on the page are forgotten",
+         {"<note default-x=\"20\" relative-x=\"1\">" +
+          note("c4:h", ornaments("start", "stop") + twoSyllables("begin", "middle")).substr(6) +
+          note("d4:h")},
+         {note("d4:h") + note("c4:h", ornaments("stop", "start") + twoSyllables("middle", "end"))},
+         kCommonAttributes,
+         false},
+        {"a measure's rest that is cut has values where it fills none",
+         {note("c4:q"), "<note><rest measure=\"yes\"/><duration>16</duration></note>"},
+         {"<note><rest measure=\"yes\"/><duration>4</duration></note>",
+          "<note><rest/><duration>12</duration><type>half</type><dot/></note>" + note("c4:q")},
+         kCommonAttributes,
+         false},
+        {"a chord that is cut is marked once",
+         {note("c4:h"), note("d4:h") + chordNote("a4:h") + note("e4:q")},
+         {note("e4:q") + tiedNote("D", "start") + inChord(tiedNote("A", "start")),
+          tiedNote("D", "stop", " id=\"rovescio-cut-1-2-1\"") + inChord(tiedNote("A", "stop")) +
+              note("c4:h")}},
+        {"the mark of a cut stays with the later part",
+         {note("e4:q") + tiedNote("D", "start"),
+          tiedNote("D", "stop", " id=\"rovescio-cut-1-2-1\"") + note("c4:q")},
+         {note("c4:q") + tiedNote("D", "start"),
+          tiedNote("D", "stop", " id=\"rovescio-cut-1-2-1\"") + note("e4:q")}},
+        {"offsets count in the divisions that are needed, and barlines stay last",
+         {attributes("2", kFourFour) + offsets(2, 1) + timedNote("C", "8", "<type>whole</type>") +
+              "<barline location=\"right\"/>",
+          "<attributes><divisions>3</divisions></attributes>" + tripletOf("1") +
+              timedNote("G", "9", "<type>half</type><dot/>")},
+         {attributes("6", kFourFour) + offsets(6, 3) + timedNote("G", "18", "<type>half</type><dot/>") +
+              tripletOf("2") + "<barline location=\"right\"/>",
+          "<attributes><divisions>3</divisions></attributes>" + timedNote("C", "12", "<type>whole</type>")},
+         "",
+         false},
+        {"divisions that changed inside hold from the start",
+         {attributes("4", kFourFour) + note("c4:h") + "<attributes><divisions>8</divisions></attributes>" +
+          timedNote("D", "16", "<type>half</type>")},
+         {attributes("8", kFourFour) + timedNote("D", "16", "<type>half</type>") +
+          timedNote("C", "16", "<type>half</type>")},
+         "",
+         false},
         {"brackets keep their look at their start",
          {third("C", bracket("start", " bracket=\"yes\"")) + third("D", "") + third("E", bracket("stop")) +
           "<note><rest/><duration>6</duration><type>quarter</type></note>"},
@@ -169,7 +247,7 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
         {"voices follow each other",
          {voice("1", "c5:h d5:h") + backup(4) + voice("2", "e4:q f4:h r:q")},
          {voice("1", "d5:h c5:h") + backup(4) + voice("2", "r:q f4:h e4:q")}},
-        {"an absent voice stays absent at the mirrored time",
+        {"an absent voice stays absent at the reversed time",
          {voice("1", "c5:h d5:h") + backup(1) + voice("2", "e4:q")},
          {voice("1", "d5:h c5:h") + backup(4) + voice("2", "e4:q") +
           "<forward><duration>12</duration></forward>"},
@@ -179,12 +257,24 @@ TEST(Rewriting, putsNotesInTheirNewPlaces) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const std::string before = scoreOf(c.before, c.attributes);
-        const std::string after = turned(before);
+        const std::string after = retrogradeOf(before);
         EXPECT_EQ(after, scoreOf(c.after, c.attributes));
         if (c.restored) {
-            EXPECT_EQ(turned(after), before);
+            EXPECT_EQ(retrogradeOf(after), before);
         }
     }
+}
+
+TEST(Rewriting, refusesToCutChordsOfSeveralDurations) {
+    OpenScore score = open(scoreOf({note("c4:h"), note("d4:h") + chordNote("a4:q") + note("e4:q")}));
+    MemoryUserInterface front;
+    engine::Session session(score.document, front);
+    ASSERT_TRUE(reverseStaff(session, 1));
+    const auto written = score.file.write(score.document, musicxml::Container::plain);
+    ASSERT_FALSE(written.ok());
+    EXPECT_NE(written.problem().text().find("not that of its chord, which cannot be kept (measure 1)"),
+              std::string::npos)
+        << written.problem().text();
 }
 
 }  // namespace

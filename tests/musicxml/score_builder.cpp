@@ -110,7 +110,7 @@ std::string voice(const std::string& number, const std::string& notes, const std
     std::string text;
     for (std::string token; in >> token;) {
         std::string xml = note(token, more);
-        // A voice is told between the duration and the type.
+        // A voice is given between the duration and the type.
         xml.insert(xml.find("<type>"), "<voice>" + number + "</voice>");
         text += xml;
     }
@@ -133,9 +133,10 @@ void OpenScore::setFlags(std::uint32_t cleared, std::uint32_t set, std::size_t e
 }
 
 std::string OpenScore::written() const {
-    const auto written = file.write(document, musicxml::Container::plain);
-    if (written) return written.value().bytes();
-    ADD_FAILURE() << written.problem().text();
+    auto written = file.write(document, musicxml::Container::plain);
+    const auto fault = written ? file.proofread(document, *written) : written.problem();
+    if (!fault) return written->bytes();
+    ADD_FAILURE() << fault->text();
     return {};
 }
 

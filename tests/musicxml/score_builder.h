@@ -22,11 +22,11 @@ std::string scoreOf(const std::vector<std::string>& measures,
 std::string scoreOfParts(const std::vector<std::vector<std::string>>& parts,
                          const std::string& attributes = kCommonAttributes);
 
-// A note such as "f#4:q" (value w h q e s) or rest "r:h", with more children behind its type.
+// A note such as "f#4:q" (value w h q e s) or rest "r:h", with more children after its type.
 std::string note(const std::string& text, const std::string& more = "");
 // The same as a further note of the chord before it.
 std::string chordNote(const std::string& text, const std::string& more = "");
-// A note in the fourth octave whose duration is given as it stands, with more children behind that.
+// A note in the fourth octave with the duration as it is given, and with more children after that.
 std::string timedNote(const std::string& step, const std::string& duration, const std::string& more = "");
 // A grace note of such a pitch, with more children in front of its type.
 std::string graceNote(const std::string& step, int octave, const std::string& more = "");

@@ -248,25 +248,32 @@ TEST(Shapes, goWithTheEntriesAtTheirEnds) {
 
 TEST(Shapes, enterTheText) {
     const std::string lyric = "<lyric><text>la</text></lyric>";
-    Records score(scoreOf({note("c4:h", slur("start", "1") + lyric) + note("d4:h"),
-                           note("e4:h", slur("stop", "1")) + note("f4:h") + chordNote("a4:h", lyric)}));
+    Records score(scoreOf({note("c4:h", slur("start") + lyric) + note("d4:h"),
+                           note("e4:h", slur("stop")) + note("f4:h") + chordNote("a4:h", lyric)}));
     score.edit([&] {
         score.make(SHAPE_SLUR, 1, 4, 2);
+        score.make(SHAPE_SLUR, 2, 3, 2);
         score.make(SHAPE_CRESCENDO, 2, 4, 2);
     });
-    EXPECT_EQ(score.open.written(),
-              scoreOf({note("c4:h",
-                            "<notations><slur type=\"start\" number=\"1\"/><slur type=\"start\" "
-                            "number=\"2\"/></notations>" +
-                                lyric) +
-                           wedge("crescendo") + note("d4:h"),
-                       note("e4:h", slur("stop", "1")) + note("f4:h", slur("stop", "2")) +
-                           chordNote("a4:h", lyric) + wedge("stop")}));
-    EXPECT_EQ(test::open(score.open.written()).document.shapes().asRead().size(), 3U);
+    EXPECT_EQ(
+        score.open.written(),
+        scoreOf(
+            {note("c4:h",
+                  "<notations><slur type=\"start\"/><slur type=\"start\" "
+                  "number=\"2\"/></notations>" +
+                      lyric) +
+                 wedge("crescendo") + note("d4:h", slur("start", "3")),
+             note("e4:h", "<notations><slur type=\"stop\"/><slur type=\"stop\" number=\"3\"/></notations>") +
+                 note("f4:h", slur("stop", "2")) + chordNote("a4:h", lyric) + wedge("stop")}));
+    EXPECT_EQ(test::open(score.open.written()).document.shapes().asRead().size(), 4U);
 }
 
 std::string keyed(int fifths, const std::string& more = "") {
     return "<key><fifths>" + std::to_string(fifths) + "</fifths>" + more + "</key>";
+}
+
+std::string change(const std::string& contents) {
+    return "<attributes>" + contents + "</attributes>";
 }
 
 TEST(MeasureSpecifications, bringKeysAndSpacingIntoTheText) {
@@ -289,7 +296,6 @@ TEST(MeasureSpecifications, bringKeysAndSpacingIntoTheText) {
     const auto first = [](const std::string& key, const std::string& more = "") {
         return "<attributes><divisions>4</divisions>" + key + more + "</attributes>";
     };
-    const auto change = [](const std::string& key) { return "<attributes>" + key + "</attributes>"; };
     const std::string transpose = "<transpose><diatonic>-1</diatonic><chromatic>-2</chromatic></transpose>";
     const std::string staves = "<staves>1</staves>";
     const std::string text =
@@ -347,6 +353,47 @@ TEST(MeasureSpecifications, bringKeysAndSpacingIntoTheText) {
             {first(keyed(1), transpose), "", change(keyed(1, "<mode>minor</mode>")), change(keyed(4))}));
 }
 
+// The key of the second measure becomes that of two sharps.
+TEST(MeasureSpecifications, putKeysWhereTheyBelong) {
+    const std::string two = keyed(2);
+    const std::string dorian = change(keyed(-1, "<mode>dorian</mode>"));
+    const std::string print = "<print new-system=\"yes\"/>";
+    const std::string footnote = "<footnote>by hand</footnote>";
+    const struct {
+        const char* name;
+        std::string before, after;
+        std::string behind, behindAfter = change(keyed(0));
+        int first = 0;
+    } cases[] = {
+        {"behind the layout", print, print + change(two), ""},
+        {"behind what comes first", change(footnote + "<staves>1</staves>"),
+         change(footnote + two + "<staves>1</staves>"), ""},
+        {"in the place of another, without what that one cancelled",
+         change("<key><cancel>1</cancel><fifths>-1</fifths><mode>minor</mode></key>"),
+         change(keyed(2, "<mode>major</mode>")), "", change(keyed(-1, "<mode>minor</mode>"))},
+        {"behind a grace note", graceNote("C", 5) + change(keyed(-1)), graceNote("C", 5) + change(two), "",
+         change(keyed(-1))},
+        {"nowhere, where it is the same as before", change(keyed(-1)), "", "", change(keyed(-1)), 2},
+        {"a mode that says the same stays behind it", "", change(two), dorian, dorian},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto scoreWith = [&](const std::string& second, const std::string& third) {
+            const std::string first =
+                "<attributes><divisions>4</divisions>" + keyed(c.first) + "</attributes>";
+            return scoreOf({note("c4:w"), second + note("c4:w"), third + note("c4:w")}, first);
+        };
+        Records score(scoreWith(c.before, c.behind));
+        EDATAKEY second{2, 0};
+        auto spec = *score.load<EDTMeasureSpec2014>(kMeasureSpecTag, second);
+        spec.keySignature = 2;
+        score.edit([&] {
+            EXPECT_TRUE(score.records.save(kMeasureSpecTag, &second, std::as_bytes(std::span(&spec, 1))));
+        });
+        EXPECT_EQ(score.open.written(), scoreWith(c.after, c.behindAfter));
+    }
+}
+
 TEST(DataRecords, refuseWhatCannotBe) {
     Records score(scoreOf({note("c4:w")}));
     const std::vector<std::byte> bytes(92);
@@ -380,6 +427,8 @@ TEST(DataRecords, refuseWhatCannotBe) {
                     score.records.step(kCenterShapeTag, &center, true));
         EXPECT_EQ(center.cmper2, 3);
         EXPECT_FALSE(score.records.step(kCenterShapeTag, &center, true));
+        EXPECT_TRUE(score.records.step(kCenterShapeTag, &center, false));
+        EXPECT_EQ(center.cmper2, 1);
     });
 }
 

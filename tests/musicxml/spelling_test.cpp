@@ -105,12 +105,12 @@ std::string reversedMusic(const std::string& bytes) {
     OpenScore score = open(bytes);
     MemoryUserInterface front;
     engine::Session session(score.document, front);
-    const bool isReversed = turnStaff(session, 1);
+    const bool isReversed = reverseStaff(session, 1);
     RC_LOG() << (session.refusal ? session.refusal->text() : "");
     RC_ASSERT(isReversed);
     auto written = score.file.write(score.document, musicxml::Container::plain);
     RC_ASSERT(written.ok());
-    RC_ASSERT(!written->fault());
+    RC_ASSERT(!score.file.proofread(score.document, *written));
     const std::string music = musicOf(score.document);
     RC_ASSERT(musicOf(open(written->bytes()).document) == music);
     return music;
@@ -122,8 +122,8 @@ RC_GTEST_PROP(Spelling, changesNoMusic, ()) {
     static const std::vector<std::string> scores = [&] {
         std::vector<std::string> list = {
             scoreOf({voice("1", "c5:h f#5:h") + backup(4) + voice("2", "e4:q eb4:h r:q")}),
-            scoreOf({note("d4:h.") + note("e4:q"),
-                     "<note><rest measure=\"yes\"/><duration>16</duration></note>"}),
+            scoreOf(
+                {note("d4:h") + note("e4:q"), "<note><rest measure=\"yes\"/><duration>16</duration></note>"}),
             scoreOf({note("c4:q") + timedNote("D", "4", tied),
                      timedNote("D", "4", "<tie type=\"stop\"/><type>quarter</type>") + note("f#4:h"),
                      "<direction><direction-type><words>a &lt; b</words></direction-type></direction>" +

@@ -47,8 +47,8 @@ std::string keysOfCalls(std::uint32_t tag) {
     return text;
 }
 
-// Adds two records, then loads, saves, steps to and deletes the second, and tells the keys that the host saw.
-// `last` is the number of the key that tells the two apart.
+// Adds two records, then loads, saves, steps to and deletes the second, and returns the keys that the host
+// saw. `last` is the number of the key that distinguishes the two.
 template <class Last, class Add, class Load, class Save, class Next, class Delete>
 std::string tryFamily(std::uint32_t tag, Last& last, Add add, Load load, Save save, Next next, Delete erase) {
     recordHost = {};
@@ -321,7 +321,7 @@ TEST_F(DataRecords, TextsThatAHostDoesNotTakeOrGiveFail) {
     recordHost.answer = [](const std::string& call) -> short { return call != "save 6f745858 4.1"; };
     EXPECT_FALSE(sx_saveotherstring(kTag, 4, 0, text.c_str()));
     EXPECT_EQ(recordHost.records[kTag].size(), 1U);
-    // Three records need three incidents, of which the last one has none behind it.
+    // Three records need three incidents, of which the last one has none after it.
     recordHost = {};
     EXPECT_TRUE(sx_saveotherstring(kTag, 4, 65532, text.c_str()));
     EXPECT_FALSE(sx_saveotherstring(kTag, 4, 65533, text.c_str()));
@@ -408,7 +408,7 @@ TEST_F(DataRecords, OldHostsKeepTheHalvesOfSmartShapesTheOtherWayRound) {
     }
 }
 
-TEST_F(DataRecords, TheOldLayoutOfSmartShapesIsTurnedOnByTheSizeOfTheCurrentOne) {
+TEST_F(DataRecords, TheOldLayoutOfSmartShapesIsSelectedByTheSizeOfTheCurrentOne) {
     EDTSmartShape shape;
     std::uint16_t number = 0;
     EXPECT_TRUE(shape.CreateShapeOnly(number));
@@ -460,29 +460,6 @@ TEST_F(DataRecords, ASmartShapeIsMadeAndErasedWithItsMarks) {
     EXPECT_FALSE(center.FullCreate(3, number, centerNumber)) << "without its mark";
     EXPECT_TRUE(center.Load(number, centerNumber) && center.Save(number, centerNumber));
     EXPECT_TRUE(center.EraseShapeOnly(number, centerNumber) && !center.EraseShapeOnly(number, centerNumber));
-}
-
-TEST_F(DataRecords, ASmartShapeIsDrawnAnew) {
-    EXPECT_FALSE(TSmartShape(1).exists());
-    EDTSmartShape shape;
-    std::uint16_t number = 0;
-    ASSERT_TRUE(shape.CreateShapeOnly(number));
-    TSmartShape drawn(number);
-    ASSERT_TRUE(drawn.exists());
-    drawn.SetVertical(TSmartShape::kLastPoint, 50);
-    drawn.SetVertical(TSmartShape::kFirstPoint, 10);
-    drawn.SetKind(SHAPE_LINE);
-    drawn.SetText(5);
-    const std::vector<int> expected{SHAPE_LINE, 5, 10, 50};
-    EXPECT_TRUE(drawn.Save() && shape.Load(number));
-    EXPECT_EQ((std::vector<int>{shape.kind, shape.text, shape.firstVertical, shape.lastVertical}), expected);
-    const TSmartShape again(number);
-    EXPECT_EQ((std::vector<int>{again.GetKind(), again.GetText(), again.GetVertical(TSmartShape::kFirstPoint),
-                                again.GetVertical(TSmartShape::kLastPoint)}),
-              expected);
-    drawn.Straighten();
-    EXPECT_TRUE(drawn.Save() && shape.Load(number));
-    EXPECT_EQ(+shape.lastVertical, 10);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A host's data records in memory, served by the test program itself: incidents close up behind a deletion,
+// A host's data records in memory, served by the test program itself: incidents close up after a deletion,
 // and a save may be of the next free incident.
 #pragma once
 

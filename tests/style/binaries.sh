@@ -23,6 +23,6 @@ while IFS= read -r -d '' file; do
     [[ $file == */load-code || $(nm --dynamic --undefined-only "$file") == *__stack_chk_fail* ]] ||
         complain "does not guard its stack"
 done < <(find "$1"/{rovescio,Rovescio.bundle,NotationEngine.bundle} -type f -print0)
-[[ $checked -eq 5 ]] || { echo "There are $checked programs and libraries in place of 5."; exit 1; }
+[[ $checked -eq 5 ]] || { echo "There are $checked programs and libraries instead of 5."; exit 1; }
 nm --dynamic --undefined-only "$1/rovescio" | grep -q '_chk@' || { echo "The program does not check its copies."; exit 1; }
 exit $found

@@ -19,8 +19,8 @@ for path in usr/bin/rovescio usr/lib/rovescio/rovescio \
     [[ -e root/$path ]] || { echo "$path is not in the package"; exit 1; }
 done
 depends=$(dpkg-deb --field rovescio_*.deb Depends)
-for library in libc6 libstdc++6 libpugixml1v5 libzip4 libplist3 libicu72; do
-    [[ $depends == *$library* ]] || { echo "$library is no dependency: $depends"; exit 1; }
+for library in libc6 libstdc++6 libzip4 libplist3 libicu72; do
+    [[ $depends == *$library* ]] || { echo "$library is not a dependency: $depends"; exit 1; }
 done
 # The build tree must not be needed: nothing in the package may name it.
 if grep -rlF "$build_dir" root; then

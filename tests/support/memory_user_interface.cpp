@@ -30,7 +30,7 @@ std::intptr_t MemoryUserInterface::runDialog(short resourceId, SXDialogProc proc
     dialog.userData = userData;
     opened.push_back(resourceId);
     procedure(&dialog, kDialogInit, 0, 0, userData);
-    if (const auto hand = hands.find(resourceId); hand != hands.end()) hand->second(dialog);
+    if (const auto user = users.find(resourceId); user != users.end()) user->second(dialog);
     return 0;
 }
 

@@ -25,7 +25,7 @@ struct MemoryDialog {
     std::map<short, bool> enabled;
     std::map<short, std::string> texts;
 
-    // What a hand does: each returns what the procedure answered.
+    // What a user does: each returns what the procedure answered.
     int press(short item);
     int choose(short item, std::intptr_t entry);  // with the notification of a changed pop-up
     int set(short item, std::intptr_t value);     // a check box or number field
@@ -33,8 +33,8 @@ struct MemoryDialog {
 
 class MemoryUserInterface : public engine::UserInterface {
   public:
-    // Works a dialog after it is initialised, by its number. A dialog without a hand is closed at once.
-    std::map<short, std::function<void(MemoryDialog&)>> hands;
+    // Operates a dialog after it is initialised, by its number. A dialog without a user is closed at once.
+    std::map<short, std::function<void(MemoryDialog&)>> users;
     // The number of progress polls after which the user cancels; negative: never.
     int cancelAfter = -1;
     int polls = 0;

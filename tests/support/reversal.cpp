@@ -34,7 +34,7 @@ void reverse(engine::Session& session, short staff, short layer) {
     }
 }
 
-bool turnStaff(engine::Session& session, short staff) {
+bool reverseStaff(engine::Session& session, short staff) {
     const SXMassEdit edit = session.massEdits.start();
     for (short layer = 0; layer < engine::kMaxLayers; ++layer) reverse(session, staff, layer);
     const bool done =

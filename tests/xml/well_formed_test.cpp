@@ -82,7 +82,7 @@ std::vector<std::string> partsOf(std::string_view list) {
     return parts;
 }
 
-// The sign ^ stands before the byte at which the fault lies.
+// The sign ^ is put before the byte with the fault.
 TEST(WellFormed, FaultsHaveTheirPlace) {
     const std::pair<Kind, std::vector<std::string>> table[] = {
         {Kind::noElement,
@@ -108,7 +108,7 @@ TEST(WellFormed, FaultsHaveTheirPlace) {
     }
 }
 
-// The beginning of a document is no other fault than that its end is missing.
+// The beginning of a document has no fault but its missing end.
 TEST(WellFormed, EveryBeginningIsTruncated) {
     const std::string text =
         "<?xml version='1.0' encoding='UTF-8' standalone='no'?><!--c--><?p q?>"
@@ -128,7 +128,7 @@ TEST(WellFormed, EveryBeginningIsTruncated) {
 TEST(WellFormed, DescriptionsNameWhatIsWrong) {
     const std::pair<std::string, std::string> table[] = {
         {"<a><b></a>", "the end tag </a> does not belong to <b>"},
-        {"<a b='1' b='2'/>", "the attribute b stands twice in the tag <a>"},
+        {"<a b='1' b='2'/>", "the attribute b occurs twice in the tag <a>"},
         {"<a>&eacute;</a>", "the reference &eacute; is not defined"},
         {"<a>", "the text ends inside <a>"},
         {"<a>\x1B[2J</a>", "there is a control character"},
@@ -174,7 +174,7 @@ TEST(WellFormed, LimitsAreNamed) {
     }
     std::string twice = withAttributes(19);
     twice.insert(twice.size() - 2, " b18=''");
-    EXPECT_EQ(Tree(twice, {}).fault().description, "the attribute b18 stands twice in the tag <a>");
+    EXPECT_EQ(Tree(twice, {}).fault().description, "the attribute b18 occurs twice in the tag <a>");
 }
 
 TEST(WellFormed, NeitherDepthNorNamesOverflow) {
@@ -185,7 +185,7 @@ TEST(WellFormed, NeitherDepthNorNamesOverflow) {
     for (std::size_t i = 1; i < Names::kMost; ++i) names += "<name-number-" + std::to_string(i) + "/>";
     EXPECT_EQ(Tree(names + "</a>", {}).fault().description, "");
     const ParseFault fault = Tree(names + "<b/></a>", {}).fault();
-    EXPECT_EQ(fault.description, "there are more names of elements than 65535");
+    EXPECT_EQ(fault.description, "there are more element names than 65535");
     EXPECT_EQ(fault.offset, names.size());
 }
 

@@ -1,0 +1,56 @@
+// Written scores are read again: what a proof finds in texts that are not those of the document.
+#include "musicxml/proofreading.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "musicxml/score_builder.h"
+#include "musicxml/score_reader.h"
+#include "musicxml/tag_names.h"
+#include "xml/tree.h"
+
+namespace rovescio::musicxml {
+namespace {
+
+using test::note;
+using test::scoreOfParts;
+
+TEST(Proofreading, TellsWhatIsNotAsItShouldBe) {
+    using Part = std::vector<std::string>;
+    const auto part = [](int number) { return "part " + std::to_string(number); };
+    const Part whole = {note("c4:h") + note("d4:h"), note("e4:w")};
+    const std::string faster = "<attributes><divisions>8</divisions></attributes>";
+    const std::string sound = scoreOfParts({whole, {note("f4:w"), note("g4:w")}});
+    const std::pair<std::string, std::string> cases[] = {
+        {sound, ""},
+        {scoreOfParts({whole, {note("f4:h") + note("r:h"), faster + test::timedNote("G", "32")}}), ""},
+        {sound.substr(0, sound.rfind("</part>")), "its XML is not well-formed: the text ends inside <part>"},
+        {scoreOfParts({whole}), "it has 1 parts instead of 2"},
+        {scoreOfParts({whole, whole, whole}), "it has 3 parts instead of 2"},
+        {scoreOfParts({whole, {note("f4:w")}}), part(2) + " has 1 measures instead of 2"},
+        {scoreOfParts({whole, {note("f4:w"), note("g4:h")}}),
+         "measure 2 of " + part(2) + " has a different length than before"},
+        {scoreOfParts({{faster + whole[0], whole[1]}, whole}),
+         "measure 1 of " + part(1) + " has a different length than before"},
+        // Divisions hold in the measures behind.
+        {scoreOfParts({{whole[0] + faster, whole[1]}, whole}),
+         "measure 2 of " + part(1) + " has a different length than before"},
+    };
+    engine::Document document;
+    const xml::Tree tree(sound, kVocabulary);
+    auto reading = readScore(tree, "test.musicxml", document);
+    ASSERT_TRUE(reading);
+    for (const auto& [text, fault] : cases) {
+        EXPECT_EQ(proofread(text, reading->sources, document).value_or(""), fault) << text;
+    }
+    // A measure that the document makes shorter may have its new length as well as its old one.
+    document.staffMeasure(2, 2).duration = 2048;
+    for (const char* last : {"g4:h", "g4:w"}) {
+        EXPECT_FALSE(
+            proofread(scoreOfParts({whole, {note("f4:w"), note(last)}}), reading->sources, document));
+    }
+}
+
+}  // namespace
+}  // namespace rovescio::musicxml
