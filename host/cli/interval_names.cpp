@@ -355,6 +355,29 @@ Transposition bySteps(int steps) {
     return result;
 }
 
+Transposition withOctaves(Transposition interval, int octaves) {
+    if (octaves >= 0) {
+        interval.octaves += octaves;
+        return interval;
+    }
+    constexpr int kMajor[] = {0, 2, 4, 5, 7, 9, 11, 12};  // semitones of major and perfect intervals
+    const bool down = interval.down;
+    const int added = interval.octaves + octaves;
+    const int steps = interval.steps + 7 * added;
+    if (interval.kind == Transposition::Kind::diatonic) return bySteps(down ? -steps : steps);
+    if (interval.kind == Transposition::Kind::semitones) {
+        const int semitones = interval.semitones + 12 * added;
+        return bySemitones(down ? -semitones : semitones, interval.spelling);
+    }
+    const int semitones = kMajor[interval.steps] + interval.alteration + 12 * added;
+    const bool turns = steps < 0 || (steps == 0 && semitones < 0);
+    const int distance = std::abs(steps);
+    const int size = turns ? -semitones : semitones;
+    Transposition result = chromatic(distance + 1, size - kMajor[distance % 7] - 12 * (distance / 7));
+    result.down = down != turns;
+    return result;
+}
+
 Transposition byOctaves(int octaves) {
     Transposition result;
     result.down = octaves < 0;

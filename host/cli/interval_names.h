@@ -20,6 +20,10 @@ dialogs::Transposition bySemitones(int semitones, dialogs::Transposition::Spelli
 // Diatonic steps within the key, negative for down.
 dialogs::Transposition bySteps(int steps);
 
+// The interval with octaves more in its direction. Negative ones are taken off it, and the rest goes in the
+// other direction: a major seventh up without an octave is a minor second down.
+dialogs::Transposition withOctaves(dialogs::Transposition interval, int octaves);
+
 // Octaves alone, negative for down.
 dialogs::Transposition byOctaves(int octaves);
 

@@ -141,7 +141,7 @@ Result<std::optional<Transposition>> understandTransposition(const Transformatio
     } else if (texts.octaves) {
         return std::optional(byOctaves(*texts.octaves));
     }
-    if (result) result->octaves += texts.octaves.value_or(0);
+    if (result) result = withOctaves(*result, texts.octaves.value_or(0));
     return result;
 }
 

@@ -20,6 +20,23 @@ std::string shown(const Transposition& interval) {
     return text;
 }
 
+TEST(IntervalNames, AreTakenWithOctaves) {
+    const struct {
+        const char* interval;
+        int octaves;
+        const char* shown;
+    } cases[] = {{"m3", 1, "up 2-1 8va1"},    {"M7", -1, "down 1-1"},    {"P5", -1, "down 3+0"},
+                 {"m3", -2, "down 5+0 8va1"}, {"down m3", -1, "up 5+0"}, {"aug4", -1, "down 4-1"},
+                 {"P8", -1, "up 0+0"},        {"P8", -2, "down 7+0"},    {"two octaves", -1, "up 7+0"}};
+    for (const auto& [interval, octaves, text] : cases) {
+        EXPECT_EQ(shown(withOctaves(parseInterval(interval).value(), octaves)), text) << interval << octaves;
+    }
+    EXPECT_EQ(withOctaves(bySteps(10), -1), bySteps(3));
+    EXPECT_EQ(withOctaves(bySteps(-2), -1), bySteps(5));
+    const auto sharps = Transposition::Spelling::sharps;
+    EXPECT_EQ(withOctaves(bySemitones(11, sharps), -1), bySemitones(-1, sharps));
+}
+
 TEST(IntervalNames, AreUnderstoodInWordsAndLetters) {
     const std::pair<const char*, std::vector<const char*>> cases[] = {
         {"up 2-1", {"up minor third", "min 3rd", "min3", "Min. 3", "min.3"}},
