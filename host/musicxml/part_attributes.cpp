@@ -12,10 +12,13 @@ namespace rovescio::musicxml {
 // there, silent, from the start.
 bool PartReader::needStaves(int count, std::size_t offset) {
     const auto wanted = std::max(static_cast<std::size_t>(std::max(count, 1)), staves_.size());
-    if (wanted > static_cast<std::size_t>(std::numeric_limits<short>::max()) ||
-        wanted * static_cast<std::size_t>(measureCount_) > kMaxCells) {
-        journal_.fail("the part \"" + name_ + "\" has too many staves and measures", offset,
-                      "Split the score, or correct the staff numbers.");
+    constexpr std::size_t kMostStaves = std::numeric_limits<short>::max();
+    const bool isWide = wanted > kMostStaves;
+    if (isWide || wanted * static_cast<std::size_t>(measureCount_) > kMaxCells) {
+        journal_.fail("the part \"" + name_ + "\" has more than " +
+                          (isWide ? std::to_string(kMostStaves) + " staves"
+                                  : std::to_string(kMaxCells) + " measures on all of its staves together"),
+                      offset, "Split the score, or correct the staff numbers.");
         return false;
     }
     while (staves_.size() < wanted) {

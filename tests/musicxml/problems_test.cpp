@@ -112,7 +112,7 @@ std::vector<ProblemCase> scoreProblems() {
         {"staff", withNote(pitch + "<duration>4</duration><staff>0</staff>"),
          "5: the staff \"0\" is not a staff number (measure 1). Number the staves of a part from 1."},
         {"too many staves", withAttributes("<staves>99999</staves>"),
-         "5: the part \"Flute\" has too many staves and measures (measure 1). Split the score, or correct "
+         "5: the part \"Flute\" has more than 32767 staves (measure 1). Split the score, or correct "
          "the staff numbers."},
         {"too many notes", scoreOf({manyNotes}),
          "5: a measure of part \"Flute\" has more than 16000 notes and rests (measure 1). Divide the "
