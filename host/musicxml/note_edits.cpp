@@ -108,21 +108,13 @@ void editTiesOf(xml::Edits& edits, const NoteParts& note, bool notated, std::uin
 
 // Gives the id to the tie that arrives, and takes it from all others.
 void markCut(xml::Edits& edits, xml::Node note, std::string_view cutId) {
-    std::vector<xml::Node> children;
-    std::vector<xml::Node> inner;
-    edits.children(note, children);
-    for (const xml::Node notations : children) {
-        if (edits.name(notations) != tag("notations")) continue;
-        edits.children(notations, inner);
-        for (const xml::Node tied : inner) {
-            if (edits.name(tied) != tag("tied")) continue;
-            const std::string id = edits.attribute(tied, "id");
-            const bool arrives = edits.attribute(tied, "type") == "stop";
-            if (arrives && !cutId.empty() && (id.empty() || id.starts_with(kCutId))) {
-                if (id != cutId) edits.setAttribute(tied, "id", cutId);
-            } else if (id.starts_with(kCutId)) {
-                edits.removeAttribute(tied, "id");
-            }
+    for (const xml::Node tied : inNotations(edits, note, tag("tied"))) {
+        const std::string id = edits.attribute(tied, "id");
+        const bool arrives = edits.attribute(tied, "type") == "stop";
+        if (arrives && !cutId.empty() && (id.empty() || id.starts_with(kCutId))) {
+            if (id != cutId) edits.setAttribute(tied, "id", cutId);
+        } else if (id.starts_with(kCutId)) {
+            edits.removeAttribute(tied, "id");
         }
     }
 }

@@ -12,21 +12,6 @@ namespace rovescio::musicxml {
 
 namespace {
 
-// The children of a name of all <notations> of a note.
-std::vector<xml::Node> tupletsOf(const xml::Edits& edits, xml::Node note) {
-    std::vector<xml::Node> found;
-    std::vector<xml::Node> children;
-    std::vector<xml::Node> inner;
-    edits.children(note, children);
-    for (const xml::Node notations : children) {
-        if (edits.name(notations) != tag("notations")) continue;
-        edits.children(notations, inner);
-        std::ranges::copy_if(inner, std::back_inserter(found),
-                             [&](xml::Node node) { return edits.name(node) == tag("tuplet"); });
-    }
-    return found;
-}
-
 void writeBeams(xml::Edits& edits, xml::Node note, const std::vector<BeamMark>& wanted) {
     std::vector<xml::Node> children;
     edits.children(note, children);
@@ -58,7 +43,7 @@ xml::Node makeTuplet(xml::Edits& edits, const TupletMark& mark) {
 }
 
 void writeTuplets(xml::Edits& edits, xml::Node note, const std::vector<TupletMark>& wanted) {
-    const std::vector<xml::Node> there = tupletsOf(edits, note);
+    const std::vector<xml::Node> there = inNotations(edits, note, tag("tuplet"));
     for (std::size_t i = 0; i < std::max(there.size(), wanted.size()); ++i) {
         if (i >= wanted.size()) {
             removeFromNotations(edits, edits.parent(there[i]), there[i]);
@@ -100,7 +85,7 @@ NoteGroups readGroups(const xml::Edits& edits, xml::Node note) {
         }
     }
     if (!notations) return groups;
-    for (const xml::Node tuplet : tupletsOf(edits, note)) {
+    for (const xml::Node tuplet : inNotations(edits, note, tag("tuplet"))) {
         if (edits.attribute(tuplet, "id").starts_with(kCutId)) continue;
         const std::string number = edits.attribute(tuplet, "number");
         groups.tuplets.push_back({.number = number.empty() ? "1" : number,

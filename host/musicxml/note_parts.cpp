@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "contract/records.h"
 #include "musicxml/tag_names.h"
@@ -134,6 +135,20 @@ void insertIntoNotations(xml::Edits& edits, xml::Node note, xml::Node added) {
 void removeFromNotations(xml::Edits& edits, xml::Node notations, xml::Node gone) {
     edits.remove(gone);
     if (!edits.hasChildren(notations)) edits.remove(notations);
+}
+
+std::vector<xml::Node> inNotations(const xml::Edits& edits, xml::Node note, xml::Name name) {
+    std::vector<xml::Node> found;
+    std::vector<xml::Node> children;
+    std::vector<xml::Node> inner;
+    edits.children(note, children);
+    for (const xml::Node notations : children) {
+        if (edits.name(notations) != tag("notations")) continue;
+        edits.children(notations, inner);
+        std::ranges::copy_if(inner, std::back_inserter(found),
+                             [&](xml::Node node) { return edits.name(node) == name; });
+    }
+    return found;
 }
 
 }  // namespace rovescio::musicxml

@@ -54,4 +54,7 @@ void insertIntoNotations(xml::Edits& edits, xml::Node note, xml::Node added);
 // Takes an element out of <notations>, which goes with it when nothing is left.
 void removeFromNotations(xml::Edits& edits, xml::Node notations, xml::Node gone);
 
+// The elements of a name in all <notations> of a note.
+std::vector<xml::Node> inNotations(const xml::Edits& edits, xml::Node note, xml::Name name);
+
 }  // namespace rovescio::musicxml
