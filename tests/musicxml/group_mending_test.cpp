@@ -49,6 +49,7 @@ std::string mended(const std::string& notes) {
         reached += member.length;
     }
     std::vector<GroupMember*> pointers;
+    pointers.reserve(members.size());
     for (GroupMember& member : members) pointers.push_back(&member);
     int made = 0;
     mendGroups(pointers, {4096, 1024}, [&] { return "made-" + std::to_string(++made); });
