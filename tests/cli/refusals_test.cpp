@@ -143,7 +143,7 @@ TEST_F(Refusals, OfDamagedInstallations) {
     write(plugin, "no program");
     expectRefused(line, 5, "Rovescio.bundle");
     // However little of it is there, a cut file is refused and does not end the program.
-    for (const std::size_t part : {8, 4, 2}) {
+    for (const std::size_t part : {8U, 4U, 2U}) {
         write(plugin, pluginBytes.substr(0, pluginBytes.size() / part));
         expectRefused(line, 5, "the plug-in's executable is missing, incomplete");
         EXPECT_NE(run("home/rovescio validate home/Rovescio.bundle").out.find("failed  code loads"),

@@ -33,7 +33,7 @@ TEST(QuarterTones, AreMirroredAndCarriedExactly) {
         engine.session.selection = all;
         engine.session.fractions = fractions;
         const std::string first = textOf(engine.document);
-        engine.run([&](CProgress* progress) { return transformation(&all, progress); });
+        engine.run([&, &apply = transformation](CProgress* progress) { return apply(&all, progress); });
         EXPECT_EQ(textOf(engine.document), after) << before;
         engine.session.massEdits.undo();
         EXPECT_EQ(textOf(engine.document), first);
@@ -68,7 +68,7 @@ TEST(Reminders, StayWithTheirNotesUntilAccidentalsAreDecidedAnew) {
     for (const auto& [before, transformation, after] : cases) {
         EngineFixture engine({before});
         EREGION all = engine.everything();
-        engine.run([&](CProgress* progress) { return transformation(&all, progress); });
+        engine.run([&, &apply = transformation](CProgress* progress) { return apply(&all, progress); });
         EXPECT_EQ(textOf(engine.document), after) << before;
     }
 }
