@@ -2,7 +2,7 @@
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
 
-#include "engine/session.h"
+#include "engine/interface/session.h"
 #include "kit/engine_bundle.h"
 #include "kit/host_api.h"
 #include "quiet_front.h"

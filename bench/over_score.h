@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "engine/session.h"
+#include "engine/interface/session.h"
 #include "kit/engine_bundle.h"
 #include "kit/mass_edit.h"
 #include "quiet_front.h"

@@ -1,7 +1,7 @@
 // A user interface that shows nothing and never cancels.
 #pragma once
 
-#include "engine/user_interface.h"
+#include "engine/interface/user_interface.h"
 
 namespace rovescio::bench {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "engine/rebar.h"
+#include "engine/edit/rebar.h"
 #include "over_score.h"
 #include "ratios.h"
 #include "retrograde/reverser.h"
@@ -45,9 +45,7 @@ void reverseLayer(benchmark::State& state) {
 void rebarLayer(benchmark::State& state) {
     overScore(
         state,
-        [](engine::Session& session, const EREGION& region, const CProgress&) {
-            engine::rebar(session, region);
-        },
+        [](engine::Session& session, const EREGION& region, const CProgress&) { session.rebar(region); },
         kNotesPerMeasure);
 }
 

@@ -6,7 +6,7 @@
 
 #include "cli/exit_code.h"
 #include "cli/options.h"
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

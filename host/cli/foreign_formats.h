@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

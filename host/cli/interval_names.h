@@ -4,7 +4,7 @@
 #include <string>
 
 #include "dialogs/transformation_script.h"
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

@@ -7,8 +7,8 @@
 
 #include "cli/selection.h"
 #include "dialogs/transformation_script.h"
-#include "engine/document.h"
-#include "engine/problem.h"
+#include "engine/model/document.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cli/staged_file.h"
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

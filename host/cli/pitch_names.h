@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "engine/key_signature.h"
-#include "engine/problem.h"
+#include "engine/model/key_signature.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

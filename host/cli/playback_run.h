@@ -12,10 +12,10 @@
 #include "cli/outputs.h"
 #include "cli/player.h"
 #include "cli/selection.h"
-#include "engine/document.h"
-#include "engine/performance.h"
-#include "engine/playback_list.h"
-#include "engine/problem.h"
+#include "engine/interface/playback_list.h"
+#include "engine/model/document.h"
+#include "engine/model/performance.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

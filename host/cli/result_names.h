@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 #include "musicxml/score_file.h"
 
 namespace rovescio::cli {

@@ -8,8 +8,8 @@
 #include <tuple>
 #include <utility>
 
-#include "engine/fraction.h"
-#include "engine/pour.h"
+#include "engine/edit/pour.h"
+#include "engine/model/fraction.h"
 
 namespace rovescio::cli {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "cli/selection.h"
-#include "engine/session.h"
+#include "engine/interface/session.h"
 
 namespace rovescio::cli {
 

@@ -14,7 +14,7 @@
 #include "cli/pitch_names.h"
 #include "cli/selection.h"
 #include "dialogs/transformation_script.h"
-#include "engine/document.h"
+#include "engine/model/document.h"
 
 namespace rovescio::cli {
 

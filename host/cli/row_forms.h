@@ -7,8 +7,8 @@
 
 #include "cli/exit_code.h"
 #include "cli/transformation_run.h"
-#include "engine/key_signature.h"
-#include "engine/problem.h"
+#include "engine/model/key_signature.h"
+#include "engine/model/problem.h"
 #include "musicxml/score_file.h"
 
 namespace rovescio::cli {

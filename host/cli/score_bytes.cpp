@@ -16,7 +16,7 @@
 
 #include "cli/descriptor.h"
 #include "cli/output_path.h"
-#include "musicxml/large_pages.h"
+#include "musicxml/file/large_pages.h"
 
 namespace rovescio::cli {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

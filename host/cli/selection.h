@@ -10,8 +10,8 @@
 
 #include "cli/selection_request.h"
 #include "contract/records.h"
-#include "engine/document.h"
-#include "engine/problem.h"
+#include "engine/model/document.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "dialogs/transformation_script.h"
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 
 namespace CLI {
 class App;

@@ -12,8 +12,8 @@
 #include "cli/progress_bar.h"
 #include "cli/retrograde_check.h"
 #include "dialogs/scripted_user_interface.h"
-#include "engine/plugin_bundle.h"
-#include "engine/session.h"
+#include "engine/interface/plugin_bundle.h"
+#include "engine/interface/session.h"
 
 namespace rovescio::cli {
 

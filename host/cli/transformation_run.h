@@ -11,10 +11,10 @@
 #include "cli/selection.h"
 #include "dialogs/scripted_user_interface.h"
 #include "dialogs/transformation_script.h"
-#include "engine/document.h"
-#include "engine/gate.h"
-#include "engine/playback_list.h"
-#include "engine/problem.h"
+#include "engine/interface/gate.h"
+#include "engine/interface/playback_list.h"
+#include "engine/model/document.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::cli {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "engine/strictness.h"
+#include "engine/interface/strictness.h"
 
 namespace rovescio::dialogs {
 

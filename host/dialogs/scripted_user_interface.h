@@ -13,9 +13,9 @@
 #include "dialogs/dialog_resources.h"
 #include "dialogs/open_dialog.h"
 #include "dialogs/script.h"
-#include "engine/playback_list.h"
-#include "engine/problem.h"
-#include "engine/user_interface.h"
+#include "engine/interface/playback_list.h"
+#include "engine/interface/user_interface.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::dialogs {
 

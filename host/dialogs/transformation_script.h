@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "dialogs/script.h"
-#include "engine/fractions.h"
-#include "engine/key_signature.h"
+#include "engine/edit/quarter_tones.h"
+#include "engine/model/key_signature.h"
 
 namespace rovescio::dialogs {
 
@@ -78,9 +78,10 @@ struct Transformation {
 
     [[nodiscard]] bool isTransposition() const { return transposition && stepCount() == 1; }
     // The last step that does something to quarter tones decides.
-    [[nodiscard]] engine::Fractions fractions() const {
-        if (accidentals == Accidentals::inKey) return engine::Fractions::dropped;
-        return inversion && inversion->hasAxis() ? engine::Fractions::mirrored : engine::Fractions::kept;
+    [[nodiscard]] engine::FractionChange fractions() const {
+        if (accidentals == Accidentals::inKey) return {engine::Fractions::dropped};
+        if (!inversion || !inversion->hasAxis()) return {};
+        return {engine::Fractions::mirrored, transposition ? 2 : 1};
     }
     // Each step goes through the selected music once.
     [[nodiscard]] int stepCount() const {

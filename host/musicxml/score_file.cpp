@@ -6,9 +6,9 @@
 #include <limits>
 #include <utility>
 
-#include "musicxml/archive.h"
-#include "musicxml/large_pages.h"
-#include "musicxml/proofreading.h"
+#include "musicxml/file/archive.h"
+#include "musicxml/file/large_pages.h"
+#include "musicxml/reading/proofreading.h"
 
 namespace rovescio::musicxml {
 

@@ -8,12 +8,12 @@
 #include <utility>
 #include <vector>
 
-#include "engine/document.h"
-#include "engine/problem.h"
-#include "musicxml/encoding.h"
-#include "musicxml/score_reader.h"
-#include "musicxml/score_text.h"
-#include "musicxml/score_writer.h"
+#include "engine/model/document.h"
+#include "engine/model/problem.h"
+#include "musicxml/file/encoding.h"
+#include "musicxml/file/score_text.h"
+#include "musicxml/reading/score_reader.h"
+#include "musicxml/writing/score_writer.h"
 
 namespace rovescio::musicxml {
 

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "engine/performance.h"
+#include "engine/model/performance.h"
 #include "playback/time_line.h"
 
 namespace rovescio::playback {

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "engine/document.h"
-#include "engine/performance.h"
-#include "engine/playback_list.h"
-#include "engine/problem.h"
+#include "engine/interface/playback_list.h"
+#include "engine/model/document.h"
+#include "engine/model/performance.h"
+#include "engine/model/problem.h"
 
 namespace rovescio::playback {
 

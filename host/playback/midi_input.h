@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 
 class RtMidiIn;
 

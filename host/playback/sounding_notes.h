@@ -6,9 +6,9 @@
 #include <span>
 #include <vector>
 
-#include "engine/document.h"
-#include "engine/performance.h"
-#include "engine/playback_list.h"
+#include "engine/interface/playback_list.h"
+#include "engine/model/document.h"
+#include "engine/model/performance.h"
 #include "playback/time_line.h"
 
 namespace rovescio::playback {

@@ -3,10 +3,10 @@
 
 #include <vector>
 
-#include "engine/document.h"
-#include "engine/fraction.h"
-#include "engine/performance.h"
-#include "engine/pour.h"
+#include "engine/edit/pour.h"
+#include "engine/model/document.h"
+#include "engine/model/fraction.h"
+#include "engine/model/performance.h"
 
 namespace rovescio::playback {
 

@@ -4,7 +4,7 @@
 #include <map>
 #include <vector>
 
-#include "engine/performance.h"
+#include "engine/model/performance.h"
 
 namespace rovescio::playback {
 

@@ -15,7 +15,7 @@
 #include <string>
 #include <thread>
 
-#include "engine/strictness.h"
+#include "engine/interface/strictness.h"
 
 namespace rovescio::validate {
 

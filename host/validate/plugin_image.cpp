@@ -1,7 +1,7 @@
 // Looking names up in a bundle's code, and calls of its entry points.
 #include "validate/plugin_image.h"
 
-#include "engine/utf.h"
+#include "engine/interface/utf.h"
 
 namespace rovescio::validate {
 

@@ -5,7 +5,7 @@
 #include <limits>
 #include <set>
 
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 #include "validate/checks.h"
 #include "validate/stage.h"
 #include "validate/strings_table.h"

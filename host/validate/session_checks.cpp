@@ -5,7 +5,7 @@
 #include <type_traits>
 
 #include "dialogs/transformation_script.h"
-#include "engine/gate.h"
+#include "engine/interface/gate.h"
 #include "validate/checks.h"
 #include "validate/child_run.h"
 #include "validate/stage.h"

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "engine/document.h"
+#include "engine/model/document.h"
 
 namespace rovescio::validate {
 

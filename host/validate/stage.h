@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "dialogs/scripted_user_interface.h"
-#include "engine/plugin_bundle.h"
-#include "engine/session.h"
+#include "engine/interface/plugin_bundle.h"
+#include "engine/interface/session.h"
 #include "validate/small_score.h"
 #include "validate/verdict.h"
 

@@ -9,7 +9,7 @@
 #include <map>
 #include <ostream>
 
-#include "engine/plugin_bundle.h"
+#include "engine/interface/plugin_bundle.h"
 #include "validate/checks.h"
 #include "validate/child_run.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/problem.h"
+#include "engine/model/problem.h"
 #include "validate/verdict.h"
 
 namespace rovescio::validate {

@@ -5,8 +5,8 @@
 
 #include <sstream>
 
-#include "engine/session.h"
-#include "engine/strictness.h"
+#include "engine/interface/session.h"
+#include "engine/interface/strictness.h"
 #include "kit/engine_bundle.h"
 #include "kit/mass_edit.h"
 #include "shell/main_dialog.h"

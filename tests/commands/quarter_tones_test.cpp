@@ -31,7 +31,7 @@ TEST(QuarterTones, AreMirroredAndCarriedExactly) {
         EngineFixture engine({before});
         EREGION all = engine.everything();
         engine.session.selection = all;
-        engine.session.fractions = fractions;
+        engine.session.fractions = {fractions};
         const std::string first = textOf(engine.document);
         engine.run([&, &apply = transformation](CProgress* progress) { return apply(&all, progress); });
         EXPECT_EQ(textOf(engine.document), after) << before;
@@ -43,7 +43,7 @@ TEST(QuarterTones, AreMirroredAndCarriedExactly) {
 TEST(QuarterTones, OutsideTheSelectionStay) {
     EngineFixture engine({"C 4/4 e4'~!:w | e4'^:h e4':h"});
     engine.session.selection = EngineFixture::region(1, 1, 2, 2, 0, 0);
-    engine.session.fractions = engine::Fractions::mirrored;
+    engine.session.fractions = {engine::Fractions::mirrored};
     engine.transform(*engine.session.selection, InvDiatonic, 0);
     EXPECT_EQ(textOf(engine.document), "e4'!:w | ab3'!:h e4'!:h");
 }

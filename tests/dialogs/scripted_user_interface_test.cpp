@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/strictness.h"
+#include "engine/interface/strictness.h"
 
 namespace rovescio::dialogs {
 namespace {

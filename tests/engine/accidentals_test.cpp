@@ -1,9 +1,9 @@
 // Which notes show an accidental after a change.
-#include "engine/accidentals.h"
+#include "engine/edit/accidentals.h"
 
 #include <gtest/gtest.h>
 
-#include "engine/mass_edit.h"
+#include "engine/edit/consequences.h"
 #include "support/score_text.h"
 
 namespace rovescio::engine {
@@ -12,6 +12,7 @@ namespace {
 // Marks every entry of layer 1 as changed and lets the engine decide.
 void decideAll(Document& document) {
     MassEdits edits(document);
+    const Consequences consequences(document, edits);
     const SXMassEdit edit = edits.start();
     for (short measure = 1; measure <= document.measureCount(); ++measure) {
         for (StoredEntry& entry : edits.editable({1, measure, 0})) entry.reserved13 |= kDecideAccidentals;
@@ -61,6 +62,7 @@ TEST(Accidentals, RulesHoldAcrossLayersOfAStaff) {
 TEST(Accidentals, UnchangedNotesOnlyGainWhatBecameNecessary) {
     Document document = test::scoreFromText({"C 4/4 f#4!:q c4!:q f4:q f4!:q"});
     MassEdits edits(document);
+    const Consequences consequences(document, edits);
     const SXMassEdit edit = edits.start();
     edits.editable({1, 1, 0})[0].reserved13 |= kDecideAccidentals;
     edits.end(edit, false);

@@ -1,5 +1,5 @@
 // Key signatures: tonic places, altered letters, and spelling that survives storing in any key.
-#include "engine/key_signature.h"
+#include "engine/model/key_signature.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // Frames as a plug-in gets them, and the rules it breaks with them.
-#include "engine/loaded_frames.h"
+#include "engine/interface/loaded_frames.h"
 
 #include <gtest/gtest.h>
 
 #include "contract/host_parameters.h"
-#include "engine/session.h"
+#include "engine/interface/session.h"
 #include "support/memory_user_interface.h"
 #include "support/score_text.h"
 

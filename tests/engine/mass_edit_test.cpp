@@ -1,5 +1,5 @@
 // Mass edits: rollback, nesting, undo and redo.
-#include "engine/mass_edit.h"
+#include "engine/edit/mass_edit.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Host functions on the selection, the score's structure and note names.
 #include <gtest/gtest.h>
 
-#include "engine/functions.h"
-#include "engine/session.h"
+#include "engine/interface/functions.h"
+#include "engine/interface/session.h"
 #include "support/memory_user_interface.h"
 #include "support/score_text.h"
 

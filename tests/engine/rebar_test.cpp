@@ -1,5 +1,4 @@
 // Layers poured again into their measures.
-#include "engine/rebar.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/note_values.h"
-#include "engine/session.h"
+#include "engine/interface/session.h"
+#include "engine/model/note_values.h"
 #include "support/memory_user_interface.h"
 #include "support/reversal.h"
 #include "support/score_text.h"
@@ -65,6 +64,16 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"middleOfThreeTied", "C 3/4 c4~:q c4^:q d4:q", {}, "d4:q c4~:q c4^:q"},
         Case{"tieChain", "C 3/4 c4~:q c4~^:q c4^:q", {}, "c4~:q c4~^:q c4^:q"},
         Case{"halfTieDropped", "C 3/4 c4:q d4:q e4~:q", {}, "e4:q d4:q c4:q", false},
+        Case{"oneOfTwoEqualSoundsTied",
+             "C 3/4 c4:q <c#4~ db4~>:q <db4^ e4>:q",
+             {},
+             "<db4~! e4>:q <c#4! db4^>:q c4!:q",
+             false},
+        Case{"enharmonicTies",
+             "C 3/4 c4:q <b#3~ c4~>:q <c4^ dbb4^>:q",
+             {},
+             "<c4~ dbb4~!>:q <b#3^! c4^>:q c4:q",
+             false},
         Case{"tripletWhole", "C 2/4 c4:e*3:2 d4:e*3:2 e4:e*3:2 f4:q", {}, "f4:q e4:e*3:2 d4:e*3:2 c4:e*3:2"},
         Case{"tripletCut",
              "C 4/4 c4:h. g4:e | d4:e*3:2 e4:e*3:2 f4:e*3:2 g4:h.",
@@ -107,7 +116,7 @@ TEST(Rebar, TiesNoLayersThatWereNotTied) {
             note.noteFlags = (note.noteFlags & ~NOTE_TIES) | flags;
         }
     }
-    ASSERT_TRUE(engine::rebar(run.session, {{0, 1, 1, 0}, {0, 1, 1, 0x7FFFFFFF}}));
+    ASSERT_TRUE(run.session.rebar({{0, 1, 1, 0}, {0, 1, 1, 0x7FFFFFFF}}));
     run.session.massEdits.end(edit, false);
     EXPECT_EQ(textOf(run.document) + " / " + textOf(run.document, 1, 1), "c5:h. f3:q / f3:h. f3:q");
 }
@@ -122,7 +131,7 @@ TEST(Rebar, EmptiesLayersThatHoldNothingButFillers) {
     ASSERT_TRUE(run.session.frames.save(frame));
     run.session.frames.free(frame);
     reverse(run.session, 1, 1);
-    ASSERT_TRUE(engine::rebar(run.session, {{0, 1, 1, 0}, {0, 1, 2, 0x7FFFFFFF}}));
+    ASSERT_TRUE(run.session.rebar({{0, 1, 1, 0}, {0, 1, 2, 0x7FFFFFFF}}));
     run.session.massEdits.end(edit, false);
     EXPECT_EQ(textOf(run.document, 1, 1), "e4:h |");
 }

@@ -1,9 +1,9 @@
 // Ties whose notes part company.
-#include "engine/ties.h"
+#include "engine/edit/ties.h"
 
 #include <gtest/gtest.h>
 
-#include "engine/mass_edit.h"
+#include "engine/edit/consequences.h"
 #include "support/score_text.h"
 
 namespace rovescio::engine {
@@ -18,6 +18,7 @@ struct Move {
 std::string textAfter(const std::string& line, const std::vector<Move>& moves) {
     Document document = test::scoreFromText({line});
     MassEdits edits(document);
+    const Consequences consequences(document, edits);
     const SXMassEdit edit = edits.start();
     for (const Move& move : moves) {
         for (ENOTE& note : edits.editable({1, move.measure, 0})[move.entry].notes()) {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/note_state.h"
+#include "engine/model/note_state.h"
 #include "musicxml/score_builder.h"
 #include "support/score_text.h"
 

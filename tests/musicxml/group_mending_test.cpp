@@ -1,5 +1,5 @@
 // Beams and tuplet brackets of notes that have got new neighbours.
-#include "musicxml/group_mending.h"
+#include "musicxml/writing/group_mending.h"
 
 #include <gtest/gtest.h>
 

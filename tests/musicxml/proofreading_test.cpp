@@ -1,13 +1,13 @@
 // Written scores are read again: what a proof finds in texts that are not those of the document.
-#include "musicxml/proofreading.h"
+#include "musicxml/reading/proofreading.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
+#include "musicxml/file/tag_names.h"
+#include "musicxml/reading/score_reader.h"
 #include "musicxml/score_builder.h"
-#include "musicxml/score_reader.h"
-#include "musicxml/tag_names.h"
 #include "xml/tree.h"
 
 namespace rovescio::musicxml {

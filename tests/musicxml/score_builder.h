@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/document.h"
+#include "engine/model/document.h"
 #include "musicxml/score_file.h"
 
 namespace rovescio::test {

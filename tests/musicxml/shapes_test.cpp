@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "contract/data_records.h"
-#include "engine/session.h"
-#include "engine/smart_shapes.h"
+#include "engine/interface/session.h"
+#include "engine/model/smart_shapes.h"
 #include "musicxml/score_builder.h"
 #include "support/memory_user_interface.h"
 

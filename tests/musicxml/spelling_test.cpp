@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/session.h"
+#include "engine/interface/session.h"
 #include "musicxml/score_builder.h"
 #include "support/memory_user_interface.h"
 #include "support/reversal.h"

@@ -19,6 +19,17 @@ host/playback playback engine contract
 host/validate validate dialogs engine contract
 host/cli cli validate dialogs musicxml playback engine contract
 '
+
+# Inside a room with rooms of its own, each knows itself and those behind it. What lies beside them may know all.
+inner_rules='
+host/engine/model model
+host/engine/edit edit model
+host/engine/interface interface edit model
+host/musicxml/rules rules
+host/musicxml/file file rules
+host/musicxml/reading reading file rules
+host/musicxml/writing writing reading file rules
+'
 found=0
 complain() {
     printf '%s\n' "$1"
@@ -35,6 +46,16 @@ while read -r room allowed; do
         [[ " $allowed " == *" ${header%%/*} "* ]] || complain "$file:$line: $room must not include $header"
     done < <(grep -rnE '^ *# *include *"' "$room")
 done <<< "$rules"
+
+while read -r room allowed; do
+    [[ -n $room && -d $room ]] || continue
+    outer=$(basename "$(dirname "$room")")
+    while IFS=: read -r file line include; do
+        header=$(sed -n 's/.*"\(.*\)".*/\1/p' <<< "$include")
+        inner=${header#"$outer"/}
+        [[ " $allowed " == *" ${inner%%/*} "* ]] || complain "$file:$line: $room must not include $header"
+    done < <(grep -rnE "^ *# *include *\"$outer/" "$room")
+done <<< "$inner_rules"
 
 # A new room needs a rule, and nothing of the plug-in lies outside of them.
 for room in plugin/*/ host/*/; do

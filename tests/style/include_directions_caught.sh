@@ -4,7 +4,7 @@ set -u
 check=$1
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-mkdir -p "$folder"/plugin/{kit,util} "$folder"/host/engine
+mkdir -p "$folder"/plugin/{kit,util} "$folder"/host/engine/{model,edit}
 
 # Writes one source, and expects the check's verdict on the tree with it.
 expect() {
@@ -20,6 +20,8 @@ expect allowed plugin/kit/a.cpp '"util/text.h"'
 expect allowed plugin/kit/a.cpp '<CoreFoundation/CoreFoundation.h>'
 expect allowed plugin/kit/a.cpp '<string>'
 expect allowed host/engine/a.cpp '"contract/records.h"'
+expect allowed host/engine/edit/a.cpp '"engine/model/document.h"'
+expect refused host/engine/model/a.cpp '"engine/edit/mass_edit.h"'
 expect refused plugin/kit/a.cpp '"engine/document.h"'
 expect refused plugin/kit/a.cpp '"shell/apply.h"'
 expect refused plugin/kit/a.cpp '<zip.h>'

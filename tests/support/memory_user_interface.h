@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/user_interface.h"
+#include "engine/interface/user_interface.h"
 
 namespace rovescio::test {
 

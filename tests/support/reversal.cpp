@@ -5,8 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "engine/rebar.h"
-
 namespace rovescio::test {
 
 void reverse(engine::Session& session, short staff, short layer) {
@@ -38,7 +36,7 @@ bool reverseStaff(engine::Session& session, short staff) {
     const SXMassEdit edit = session.massEdits.start();
     for (short layer = 0; layer < engine::kMaxLayers; ++layer) reverse(session, staff, layer);
     const bool done =
-        engine::rebar(session, {{0, staff, 1, 0}, {0, staff, session.document.measureCount(), 0x7FFFFFFF}});
+        session.rebar({{0, staff, 1, 0}, {0, staff, session.document.measureCount(), 0x7FFFFFFF}});
     session.massEdits.end(edit, !done);
     return done;
 }

@@ -1,7 +1,7 @@
 // A layer reversed by hand, as a retrograde leaves it before its measures are filled again.
 #pragma once
 
-#include "engine/session.h"
+#include "engine/interface/session.h"
 
 namespace rovescio::test {
 

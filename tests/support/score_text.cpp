@@ -6,7 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "engine/note_state.h"
+#include "engine/model/note_state.h"
 
 namespace rovescio::test {
 

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/document.h"
+#include "engine/model/document.h"
 
 namespace rovescio::test {
 

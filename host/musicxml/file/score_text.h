@@ -1,0 +1,23 @@
+// The text of a score with its tree.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "engine/model/problem.h"
+#include "xml/tree.h"
+
+namespace rovescio::musicxml {
+
+struct ScoreText {
+    explicit ScoreText(std::string utf8);
+
+    std::string text;
+    xml::Tree tree;  // over the text
+};
+
+// Parses UTF-8 text of less than 2 GiB. What is not well-formed, or larger than any score, is a problem that
+// names line and column; the file name is for that.
+engine::Result<std::unique_ptr<const ScoreText>> parseScore(std::string text, const std::string& file);
+
+}  // namespace rovescio::musicxml

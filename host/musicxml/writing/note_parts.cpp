@@ -1,0 +1,154 @@
+// Looking for a note's parts, and putting new ones where they belong.
+#include "musicxml/writing/note_parts.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+#include "contract/records.h"
+#include "musicxml/file/tag_names.h"
+
+namespace rovescio::musicxml {
+
+namespace {
+
+// The order of a note's children; those of one place may be mixed.
+constexpr auto kOrder = std::to_array<xml::Name>({
+    tag("grace"),      tag("cue"),       tag("chord"),         tag("pitch"),
+    tag("unpitched"),  tag("rest"),      tag("duration"),      tag("tie"),
+    tag("instrument"), tag("footnote"),  tag("level"),         tag("voice"),
+    tag("type"),       tag("dot"),       tag("accidental"),    tag("time-modification"),
+    tag("stem"),       tag("notehead"),  tag("notehead-text"), tag("staff"),
+    tag("beam"),       tag("notations"), tag("lyric"),         tag("play"),
+    tag("listen"),
+});
+
+std::ptrdiff_t rankOf(xml::Name name) {
+    return std::ranges::find(kOrder, name) - kOrder.begin();
+}
+
+Beam beamOf(const xml::Edits& edits, xml::Node beam) {
+    if (edits.says(beam, "begin")) return Beam::begin;
+    if (edits.says(beam, "end")) return Beam::end;
+    return edits.says(beam, "continue") ? Beam::inside : Beam::none;
+}
+
+}  // namespace
+
+void NoteScan::scanPitch(xml::Node pitch) {
+    edits_.children(pitch, inner_);
+    for (const xml::Node child : inner_) {
+        switch (edits_.name(child)) {
+            case tag("step"):
+                parts_.step = child;
+                break;
+            case tag("alter"):
+                parts_.alter = child;
+                break;
+            case tag("octave"):
+                parts_.octave = child;
+                break;
+            default:
+                break;
+        }
+    }
+}
+
+void NoteScan::addTie(xml::Node tie, bool notated) {
+    const std::string type = edits_.attribute(tie, "type");
+    if (type == "start") parts_.ties.push_back({tie, NOTE_TIE_START, notated});
+    if (type == "stop") parts_.ties.push_back({tie, NOTE_TIE_END, notated});
+}
+
+void NoteScan::scanNotations(xml::Node notations) {
+    edits_.children(notations, inner_);
+    for (const xml::Node child : inner_) {
+        if (edits_.name(child) == tag("tied")) addTie(child, true);
+        if (edits_.name(child) != tag("technical")) continue;
+        edits_.children(child, marks_);
+        for (const xml::Node mark : marks_) {
+            const xml::Name name = edits_.name(mark);
+            parts_.tablature |= name == tag("string") || name == tag("fret");
+        }
+    }
+}
+
+const NoteParts& NoteScan::of(xml::Node note) {
+    parts_.note = note;
+    parts_.step = parts_.alter = parts_.octave = parts_.accidental = parts_.stem = 0;
+    parts_.ties.clear();
+    parts_.beam = Beam::none;
+    parts_.tablature = false;
+    edits_.children(note, children_);
+    for (const xml::Node child : children_) {
+        switch (edits_.name(child)) {
+            case tag("pitch"):
+                // Like the reader: of two pitches, against the format, the first one counts.
+                if (parts_.step == 0) scanPitch(child);
+                break;
+            case tag("notations"):
+                scanNotations(child);
+                break;
+            case tag("tie"):
+                addTie(child, false);
+                break;
+            case tag("accidental"):
+                parts_.accidental = child;
+                break;
+            case tag("stem"):
+                parts_.stem = child;
+                break;
+            case tag("beam"): {
+                const std::string number = edits_.attribute(child, "number");
+                if (number.empty() || number == "1") parts_.beam = beamOf(edits_, child);
+                break;
+            }
+            default:
+                break;
+        }
+    }
+    return parts_;
+}
+
+void insertIntoNote(xml::Edits& edits, xml::Node note, xml::Node added) {
+    const std::ptrdiff_t rank = rankOf(edits.name(added));
+    std::vector<xml::Node> children;
+    edits.children(note, children);
+    const auto before = std::find_if(children.rbegin(), children.rend(),
+                                     [&](xml::Node child) { return rankOf(edits.name(child)) <= rank; });
+    if (before == children.rend()) {
+        edits.insertFirst(note, added);
+    } else {
+        edits.insertAfter(*before, added);
+    }
+}
+
+void insertIntoNotations(xml::Edits& edits, xml::Node note, xml::Node added) {
+    xml::Node notations = edits.child(note, tag("notations"));
+    if (notations == 0) {
+        notations = edits.make("<notations></notations>");
+        insertIntoNote(edits, note, notations);
+    }
+    edits.append(notations, added);
+}
+
+void removeFromNotations(xml::Edits& edits, xml::Node notations, xml::Node gone) {
+    edits.remove(gone);
+    if (!edits.hasChildren(notations)) edits.remove(notations);
+}
+
+std::vector<xml::Node> inNotations(const xml::Edits& edits, xml::Node note, xml::Name name) {
+    std::vector<xml::Node> found;
+    std::vector<xml::Node> children;
+    std::vector<xml::Node> inner;
+    edits.children(note, children);
+    for (const xml::Node notations : children) {
+        if (edits.name(notations) != tag("notations")) continue;
+        edits.children(notations, inner);
+        std::ranges::copy_if(inner, std::back_inserter(found),
+                             [&](xml::Node node) { return edits.name(node) == name; });
+    }
+    return found;
+}
+
+}  // namespace rovescio::musicxml
