@@ -17,6 +17,10 @@ namespace {
 
 constexpr std::array kCancelSignals = {SIGINT, SIGTERM, SIGHUP};
 
+constexpr std::string_view kCutShort =
+    "rovescio: another program cut the score short while it was being read; nothing was written. "
+    "Run the command again\n";
+
 // What has been written so far.
 enum Written : std::sig_atomic_t { kNothing, kPartOfStream, kAll };
 
@@ -108,6 +112,8 @@ void watchSignals() {
     }
     action.sa_handler = onLook;
     sigaction(SIGALRM, &action, nullptr);
+    // A file that is read in place is not all there any more.
+    std::signal(SIGBUS, [](int) { endProgram(kCutShort, ExitCode::badInput); });
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
 }

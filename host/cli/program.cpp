@@ -2,7 +2,6 @@
 // and validate.
 #include "cli/program.h"
 
-#include <future>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -19,6 +18,7 @@
 #include "cli/output_path.h"
 #include "cli/outputs.h"
 #include "cli/playback_run.h"
+#include "cli/proof.h"
 #include "cli/result_names.h"
 #include "cli/row_forms.h"
 #include "cli/score_bytes.h"
@@ -43,11 +43,11 @@ std::string scoreName(const std::string& path) {
 }
 
 Result<ScoreFile> readScore(const std::string& path, std::size_t maximumBytes, Document& document) {
-    Result<std::string> bytes = readScoreBytes(path, maximumBytes);
+    Result<musicxml::Bytes> bytes = readScoreBytes(path, maximumBytes);
     if (!bytes) return bytes.problem();
     musicxml::ReadOptions options;
     options.maxBytes = maximumBytes;
-    const std::string sample = formatSample(*bytes);
+    const std::string sample = formatSample(bytes->view());
     Result<ScoreFile> score = ScoreFile::read(std::move(*bytes), scoreName(path), document, options);
     if (score) return score;
     const std::optional<Problem> foreign = foreignFormat(sample, scoreName(path));
@@ -132,29 +132,6 @@ ExitCode prepare(const Options& options, const Installation& installation, Surro
     return ExitCode::ok;
 }
 
-// Reads the result again while it is being written. Signals are for the thread that writes.
-class Proof {
-  public:
-    Proof(const ScoreFile& score, const Document& document,
-          const std::optional<musicxml::WrittenFile>& written) {
-        if (!written) return;
-        const HeldSignals held;
-        // Where no thread can be had, the reading waits for the question.
-        reading_ = std::async(std::launch::async | std::launch::deferred,
-                              [&] { return score.proofread(document, *written); });
-    }
-
-    // Waits for the end of the reading.
-    const std::optional<Problem>& fault() {
-        if (reading_.valid()) fault_ = reading_.get();
-        return fault_;
-    }
-
-  private:
-    std::future<std::optional<Problem>> reading_;
-    std::optional<Problem> fault_;
-};
-
 // Writes what is wanted and says what was done.
 ExitCode finishScore(const Options& options, const ScoreFile& score, const Document& document,
                      const Selection& selection, const TransformationOutcome& outcome, Surroundings& around) {
@@ -168,20 +145,18 @@ ExitCode finishScore(const Options& options, const ScoreFile& score, const Docum
         written = std::move(*result);
         notices.insert(notices.end(), written->notices().begin(), written->notices().end());
     }
+    Proof proof(score, document, written);
     std::vector<Output> outputs;
-    if (written) {
-        outputs.push_back({options.output, [&](const auto& sink) { return written->writeTo(sink); }});
-    }
+    if (written) outputs.push_back({options.output, [&](const auto& sink) { return proof.writeTo(sink); }});
     if (around.playback) {
         const Result<engine::Done> made =
             around.playback->make(document, score.performance(), *outcome.playback, selection);
         if (!made) return fail(ExitCode::badOutput, made.problem());
         if (std::optional<Output> output = around.playback->output()) outputs.push_back(std::move(*output));
     }
-    Proof proof(score, document, written);
     const Result<engine::Done> stored = writeOutputs(outputs, [&] { return proof.fault(); });
     if (!stored) {
-        return fail(proof.fault() ? ExitCode::ruleBroken : ExitCode::badOutput, stored.problem());
+        return fail(proof.fault() ? proof.code() : ExitCode::badOutput, stored.problem());
     }
     for (const std::string& notice : notices) say(notice);
     if (!options.quiet && written) summarise(options, outcome, selection);

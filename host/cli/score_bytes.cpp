@@ -2,6 +2,7 @@
 #include "cli/score_bytes.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,13 +11,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <system_error>
 #include <utility>
 
 #include "cli/descriptor.h"
 #include "cli/output_path.h"
-#include "musicxml/file/large_pages.h"
 
 namespace rovescio::cli {
 
@@ -48,9 +49,50 @@ Problem tooLarge(const std::string& path, std::size_t maximum) {
             .remedy = "Raise the limit with --max-size if this really is a score"};
 }
 
+class Mapping {
+  public:
+    Mapping(Descriptor file, void* address, const struct stat& status)
+        : file_(std::move(file)), address_(address), status_(status) {}
+    ~Mapping() { munmap(address_, size()); }
+    Mapping(const Mapping&) = delete;
+    Mapping& operator=(const Mapping&) = delete;
+
+    [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(status_.st_size); }
+    [[nodiscard]] bool isSame() const {
+        struct stat now {};
+        return fstat(file_.number(), &now) == 0 && now.st_size == status_.st_size &&
+               modified(now) == modified(status_);
+    }
+
+  private:
+    static std::pair<std::int64_t, std::int64_t> modified(const struct stat& status) {
+#ifdef __APPLE__
+        return {status.st_mtimespec.tv_sec, status.st_mtimespec.tv_nsec};
+#else
+        return {status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+#endif
+    }
+
+    Descriptor file_;
+    void* address_;
+    struct stat status_;
+};
+
+// Takes the descriptor along where it succeeds.
+std::optional<musicxml::Bytes> map(Descriptor& file, const struct stat& status) {
+    const auto size = static_cast<std::size_t>(status.st_size);
+    if (size == 0) return std::nullopt;
+    void* const address = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.number(), 0);
+    if (address == MAP_FAILED) return std::nullopt;
+    madvise(address, size, MADV_WILLNEED);
+    const auto mapping = std::make_shared<const Mapping>(std::move(file), address, status);
+    return musicxml::Bytes({static_cast<const char*>(address), size}, mapping,
+                           [mapping] { return mapping->isSame(); });
+}
+
 }  // namespace
 
-Result<std::string> readScoreBytes(const std::string& path, std::size_t maximum) {
+Result<musicxml::Bytes> readScoreBytes(const std::string& path, std::size_t maximum) {
     const bool standard = path == kStandardStream;
     Descriptor file(standard ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (file.number() < 0) return readProblem(path, errno);
@@ -60,7 +102,8 @@ Result<std::string> readScoreBytes(const std::string& path, std::size_t maximum)
     std::string bytes;
     if (S_ISREG(status.st_mode)) {
         if (static_cast<std::uintmax_t>(status.st_size) > maximum) return tooLarge(path, maximum);
-        musicxml::reserveInLargePages(bytes, static_cast<std::size_t>(status.st_size) + 1);
+        if (auto mapped = map(file, status)) return std::move(*mapped);
+        bytes.reserve(static_cast<std::size_t>(status.st_size) + 1);
     }
     constexpr std::size_t kPiece = std::size_t{1} << 18;
     while (true) {
@@ -73,7 +116,7 @@ Result<std::string> readScoreBytes(const std::string& path, std::size_t maximum)
         bytes.resize(before + static_cast<std::size_t>(count > 0 ? count : 0));
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return readProblem(path, errno);
-        if (count == 0) return bytes;
+        if (count == 0) return musicxml::Bytes(std::move(bytes));
         if (bytes.size() > maximum) return tooLarge(path, maximum);
     }
 }

@@ -7,22 +7,21 @@
 #include <utility>
 
 #include "musicxml/file/archive.h"
-#include "musicxml/file/large_pages.h"
-#include "musicxml/reading/proofreading.h"
 
 namespace rovescio::musicxml {
 
-engine::Result<ScoreFile> ScoreFile::read(std::string bytes, std::string name, engine::Document& document,
+engine::Result<ScoreFile> ScoreFile::read(Bytes bytes, std::string name, engine::Document& document,
                                           const ReadOptions& options) {
     // Places in the text have 32 bits, and those of new text come after them.
     const std::size_t maxBytes =
         std::min<std::size_t>(options.maxBytes, std::numeric_limits<std::int32_t>::max());
     ScoreFile file;
     file.name_ = std::move(name);
+    file.source_ = bytes;
     if (bytes.size() > maxBytes) return tooLarge(maxBytes, file.name_);
-    if (looksLikeArchive(bytes)) {
+    if (looksLikeArchive(bytes.view())) {
         file.archive_ = std::move(bytes);
-        engine::Result<ArchivedScore> score = unpackScore(file.archive_, maxBytes, file.name_);
+        engine::Result<ArchivedScore> score = unpackScore(file.archive_.view(), maxBytes, file.name_);
         if (!score) return score.problem();
         file.rootFile_ = std::move(score->rootFile);
         bytes = std::move(score->bytes);
@@ -44,36 +43,68 @@ engine::Result<ScoreFile> ScoreFile::read(std::string bytes, std::string name, e
 engine::Result<WrittenFile> ScoreFile::write(const engine::Document& document, Container container) const {
     engine::Result<ScoreEdits> written = editScore(score_->tree, reading_.sources, document, name_);
     if (!written) return written.problem();
-    const bool isChanged = !written->edits.empty();
-    if (!isChanged && container == Container::compressed && !archive_.empty()) {
-        return WrittenFile(archive_, score_->text, std::move(written->notices), false);
-    }
+    if (container == Container::plain && encoding_.isUtf8()) return WrittenFile(std::move(*written));
+    if (written->edits.empty() && container == Container::compressed && !(archive_.size() == 0))
+        return WrittenFile(std::move(*written), std::string(archive_.view()),
+                           std::string(score_->bytes.view()));
     std::string text;
-    reserveInLargePages(text, score_->text.size() + score_->text.size() / 8);
     written->edits.print([&](std::string_view piece) {
         text += piece;
         return true;
     });
-    if (container == Container::plain && encoding_.isUtf8()) {
-        return WrittenFile(std::move(text), {}, std::move(written->notices), isChanged);
-    }
     engine::Result<std::string> bytes = encodeText(text, encoding_, name_);
     if (bytes && container == Container::compressed) {
-        bytes = archive_.empty() ? packScore(*bytes, name_) : repackScore(archive_, rootFile_, *bytes, name_);
+        bytes = (archive_.size() == 0) ? packScore(*bytes, name_)
+                                       : repackScore(archive_.view(), rootFile_, *bytes, name_);
     }
     if (!bytes) return bytes.problem();
-    return WrittenFile(std::move(*bytes), std::move(text), std::move(written->notices), isChanged);
+    return WrittenFile(std::move(*written), std::move(*bytes), std::move(text));
+}
+
+engine::Problem ScoreFile::unsound(const std::string& fault) const {
+    return {.message = "the result is not sound, and nothing was written: " + fault,
+            .file = name_,
+            .measure = {},
+            .remedy = "This is a fault in Rovescio; please report it with the score"};
 }
 
 std::optional<engine::Problem> ScoreFile::proofread(const engine::Document& document,
                                                     const WrittenFile& written) const {
     if (!written.isChanged()) return std::nullopt;
-    const std::optional<std::string> fault = musicxml::proofread(written.text(), reading_.sources, document);
-    if (!fault) return std::nullopt;
-    return engine::Problem{.message = "the result is not sound, and nothing was written: " + *fault,
-                           .file = name_,
-                           .measure = {},
-                           .remedy = "This is a fault in Rovescio; please report it with the score"};
+    const std::unique_ptr<Proofreader> reader = proofreader(document);
+    written.writeTextTo([&](std::string_view piece) {
+        reader->read(piece);
+        return true;
+    });
+    const std::optional<std::string> fault = reader->finish();
+    return fault ? std::optional(unsound(*fault)) : std::nullopt;
+}
+
+// Edits give many small pieces; a sink gets few large ones.
+bool WrittenFile::print(const ByteSink& sink) const {
+    constexpr std::size_t kPiece = std::size_t{1} << 19;
+    std::string collected;
+    const bool taken = edits_.edits.print([&](std::string_view piece) {
+        if (collected.size() + piece.size() > kPiece) {
+            if (!collected.empty() && !sink(collected)) return false;
+            collected.clear();
+        }
+        // Long stretches that did not change are handed on as they stand.
+        if (piece.size() > kPiece) return sink(piece);
+        if (collected.empty()) collected.reserve(kPiece);
+        collected += piece;
+        return true;
+    });
+    return taken && (collected.empty() || sink(collected));
+}
+
+std::string WrittenFile::bytes() const {
+    std::string all;
+    writeTo([&](std::string_view piece) {
+        all += piece;
+        return true;
+    });
+    return all;
 }
 
 }  // namespace rovescio::musicxml

@@ -12,6 +12,7 @@
 #include "engine/model/problem.h"
 #include "musicxml/file/encoding.h"
 #include "musicxml/file/score_text.h"
+#include "musicxml/reading/proofreading.h"
 #include "musicxml/reading/score_reader.h"
 #include "musicxml/writing/score_writer.h"
 
@@ -26,30 +27,30 @@ struct ReadOptions {
 
 enum class Container { plain, compressed };
 
-// A file ready to be written.
+// A file ready to be written. The score file that it comes from must outlive it.
 class WrittenFile {
   public:
-    // The text is given where the bytes are something else.
-    WrittenFile(std::string bytes, std::string text, std::vector<std::string> notices, bool isChanged)
-        : bytes_(std::move(bytes)),
-          text_(std::move(text)),
-          notices_(std::move(notices)),
-          isChanged_(isChanged) {}
+    // A plain file is printed when it is written; of others there are bytes, and the text that is in them.
+    WrittenFile(ScoreEdits edits, std::optional<std::string> bytes = std::nullopt, std::string text = {})
+        : edits_(std::move(edits)), bytes_(std::move(bytes)), text_(std::move(text)) {}
 
-    // Hands all bytes to the sink; false when it refuses them.
-    bool writeTo(const ByteSink& sink) const { return sink(bytes_); }
-    [[nodiscard]] const std::string& bytes() const { return bytes_; }
-    // The score in UTF-8, and whether it is another one than was read.
-    [[nodiscard]] const std::string& text() const { return text_.empty() ? bytes_ : text_; }
-    [[nodiscard]] bool isChanged() const { return isChanged_; }
+    // Hands everything to the sink, in pieces; false when it refuses one.
+    bool writeTo(const ByteSink& sink) const { return bytes_ ? sink(*bytes_) : print(sink); }
+    // The same for the score in UTF-8.
+    bool writeTextTo(const ByteSink& sink) const { return bytes_ ? sink(text_) : print(sink); }
+    [[nodiscard]] bool isText() const { return !bytes_; }
+    [[nodiscard]] std::string bytes() const;
+    // Whether it is another score than was read.
+    [[nodiscard]] bool isChanged() const { return !edits_.edits.empty(); }
     // What the user should know about the writing, each once.
-    [[nodiscard]] const std::vector<std::string>& notices() const { return notices_; }
+    [[nodiscard]] const std::vector<std::string>& notices() const { return edits_.notices; }
 
   private:
-    std::string bytes_;
+    bool print(const ByteSink& sink) const;
+
+    ScoreEdits edits_;
+    std::optional<std::string> bytes_;
     std::string text_;
-    std::vector<std::string> notices_;
-    bool isChanged_;
 };
 
 // Keeps the file's text as it came. Writing edits only the elements of changed
@@ -57,7 +58,7 @@ class WrittenFile {
 class ScoreFile {
   public:
     // Reads the bytes of a file into an empty document; the name is for messages.
-    static engine::Result<ScoreFile> read(std::string bytes, std::string name, engine::Document& document,
+    static engine::Result<ScoreFile> read(Bytes bytes, std::string name, engine::Document& document,
                                           const ReadOptions& options = {});
 
     // The whole file for the document as it is now, which must be
@@ -66,14 +67,22 @@ class ScoreFile {
     [[nodiscard]] engine::Result<WrittenFile> write(const engine::Document& document,
                                                     Container container) const;
 
-    // Reads what was written again and says what is wrong with it; it must not take the place of any file
-    // then.
+    // Reads a result again, which must not take the place of any file when it is not sound; for a result that
+    // is written piece by piece, piece by piece.
+    [[nodiscard]] std::unique_ptr<Proofreader> proofreader(const engine::Document& document) const {
+        return std::make_unique<Proofreader>(reading_.sources, document);
+    }
+    // What to say where the proofreader has found a fault.
+    [[nodiscard]] engine::Problem unsound(const std::string& fault) const;
+    // All at once.
     [[nodiscard]] std::optional<engine::Problem> proofread(const engine::Document& document,
                                                            const WrittenFile& written) const;
 
+    // Whether the file that was read still is what it was.
+    [[nodiscard]] bool isSourceSame() const { return source_.areSame(); }
     // How the file was stored.
     [[nodiscard]] Container container() const {
-        return archive_.empty() ? Container::plain : Container::compressed;
+        return archive_.size() == 0 ? Container::plain : Container::compressed;
     }
     // What the user should know about the reading, each once.
     [[nodiscard]] const std::vector<std::string>& notices() const { return reading_.notices; }
@@ -84,7 +93,8 @@ class ScoreFile {
     ScoreFile() = default;
 
     std::string name_;
-    std::string archive_;   // the compressed file's bytes; empty for a plain file
+    Bytes source_;
+    Bytes archive_;         // the compressed file's bytes; empty for a plain file
     std::string rootFile_;  // the score's path in the archive
     std::unique_ptr<const ScoreText> score_;
     Encoding encoding_;

@@ -19,6 +19,8 @@ enum CharacterClass : std::uint8_t {
     kEndsValue = 16,  // may end an attribute's value, or means something in it
 };
 
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 namespace detail {
 
 constexpr std::array<std::uint8_t, 256> characterClasses() {

@@ -80,25 +80,12 @@ std::string Edits::attribute(Node node, std::string_view name) const {
 
 void Edits::children(Node node, std::vector<Node>& list) const {
     list.clear();
-    const Change* const change = changeOf(node);
-    if (change != nullptr && change->hasList) {
-        for (std::uint32_t i = change->first; i != kNone; i = pieces_[i].next)
-            list.push_back(pieces_[i].node);
-    } else if (data(node).hasChildren) {
-        for (Node child = node + 1; child != 0; child = data(child).next) list.push_back(child);
-    }
+    for (const Node child : children(node)) list.push_back(child);
 }
 
 Node Edits::child(Node node, Name name) const {
-    const Change* const change = changeOf(node);
-    if (change != nullptr && change->hasList) {
-        for (std::uint32_t i = change->first; i != kNone; i = pieces_[i].next) {
-            if (data(pieces_[i].node).name == name) return pieces_[i].node;
-        }
-    } else if (data(node).hasChildren) {
-        for (Node child = node + 1; child != 0; child = data(child).next) {
-            if (data(child).name == name) return child;
-        }
+    for (const Node child : children(node)) {
+        if (data(child).name == name) return child;
     }
     return 0;
 }
@@ -177,9 +164,9 @@ void Edits::setAttribute(Node node, std::string_view name, std::string_view valu
 }
 
 void Edits::removeAttribute(Node node, std::string_view name) {
-    std::string tag(startTag(node));
-    const AttributePlace place = findAttribute(tag, name);
+    const AttributePlace place = findAttribute(startTag(node), name);
     if (!place.exists()) return;
+    std::string tag(startTag(node));
     replaceStartTag(node, tag.erase(place.begin, place.end - place.begin));
 }
 

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <set>
 #include <span>
@@ -39,6 +40,9 @@ class Edits {
     [[nodiscard]] std::string attribute(Node node, std::string_view name) const;
     // Whether an element's character data is this, without copying any where it can be helped.
     [[nodiscard]] bool says(Node node, std::string_view text) const;
+    class Children;
+    // The children in order; a change of them ends the walk over them.
+    [[nodiscard]] Children children(Node node) const;
     // Puts the children into a list that the caller can keep for the next call.
     void children(Node node, std::vector<Node>& list) const;
     // The first child of a name; 0 for none.
@@ -126,5 +130,56 @@ class Edits {
     std::map<Node, Node> homes_;             // by element, in whose list it has been put
     std::map<Node, std::set<Node>> strays_;  // by parent, what its list has no more
 };
+
+// A walk over children: of a list of their own, or as they stand in the tree.
+class Edits::Children {
+  public:
+    class Iterator {
+      public:
+        using value_type = Node;
+        using difference_type = std::ptrdiff_t;
+        using iterator_category = std::input_iterator_tag;
+        using pointer = const Node*;
+        using reference = Node;
+        Iterator() = default;
+        Iterator(const Edits& edits, Node node, std::uint32_t piece)
+            : edits_(&edits), node_(node), piece_(piece) {}
+        Node operator*() const { return piece_ == kNone ? node_ : edits_->pieces_[piece_].node; }
+        Iterator& operator++() {
+            if (piece_ == kNone) {
+                node_ = edits_->data(node_).next;
+            } else {
+                piece_ = edits_->pieces_[piece_].next;
+            }
+            return *this;
+        }
+        Iterator operator++(int) {
+            const Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        friend bool operator==(const Iterator& a, const Iterator& b) {
+            return a.node_ == b.node_ && a.piece_ == b.piece_;
+        }
+
+      private:
+        const Edits* edits_ = nullptr;
+        Node node_ = 0;
+        std::uint32_t piece_ = kNone;
+    };
+    Children(const Edits& edits, Iterator first) : edits_(&edits), first_(first) {}
+    [[nodiscard]] Iterator begin() const { return first_; }
+    [[nodiscard]] Iterator end() const { return {*edits_, 0, kNone}; }
+
+  private:
+    const Edits* edits_;
+    Iterator first_;
+};
+
+inline Edits::Children Edits::children(Node node) const {
+    const Change* const change = changeOf(node);
+    if (change != nullptr && change->hasList) return {*this, {*this, 0, change->first}};
+    return {*this, {*this, data(node).hasChildren ? node + 1 : 0, kNone}};
+}
 
 }  // namespace rovescio::xml

@@ -38,16 +38,41 @@ bool isStandalone(std::string_view value) {
     return value == "yes" || value == "no";
 }
 
+ParseFault illegalCharacter(std::string_view text, std::size_t offset) {
+    const auto byte = static_cast<unsigned char>(text[offset]);
+    const bool isControl = byte < 0x20;
+    return {Kind::malformed, offset,
+            isControl ? "there is a control character" : "there are bytes that are not a character"};
+}
+
 }  // namespace
 
+bool looksLikeXml(std::string_view text) {
+    constexpr std::size_t kNear = 1000;
+    const char* const end = text.data() + text.size();
+    const char* const p = skipSpace(text.data(), end);
+    if (p == end || *p != '<' || p + 1 == end) return text.substr(0, kNear).find("<?xml ") != text.npos;
+    return p[1] == '?' || p[1] == '!' || isOf(p[1], kNameStart | kHigh);
+}
+
+ParseFault firstFault(const ParseFault& found, std::string_view text, std::size_t legal) {
+    if (legal == text.size()) return found;
+    if (found.kind != Kind::none && found.offset < legal) return found;
+    const bool isCut = found.kind == Kind::truncated && isCutCharacter(text.substr(legal));
+    return isCut ? found : illegalCharacter(text, legal);
+}
+
 Parser::Parser(std::string_view text, const Limits& limits, const Names& names, Names* growing,
-               ParseTarget target)
+               ParseTarget target, ParseWatcher* watcher)
     : scanner_(text),
       end_(scanner_.end()),
       limits_(limits),
       names_(names),
       growing_(growing),
       target_(target),
+      watcher_(watcher),
+      settled_(scanner_.begin()),
+      settledNodes_(target.nodes.size()),
       shift_(target.first - static_cast<Node>(target.nodes.size())),
       followers_(growing == nullptr ? 0 : names.size()) {}
 
@@ -106,8 +131,21 @@ const char* Parser::pseudoAttribute(const char* p, std::string_view name, bool (
         q + 1, "the XML declaration has the " + std::string(name) + " " + shown(between(q + 1, close)));
 }
 
+bool Parser::rest(std::size_t offset) {
+    depth_ = target_.nodes.size() - 1;
+    current_ = static_cast<Node>(depth_);
+    settle(scanner_.begin() + offset);
+    const char* const p = contents(settled_);
+    return p != nullptr && epilog(p);
+}
+
 const char* Parser::element(const char* p) {
     p = startTag(p);
+    return p == nullptr ? nullptr : contents(p);
+}
+
+// What follows inside of the elements that are open, to the end of the outermost.
+const char* Parser::contents(const char* p) {
     while (p != nullptr && current_ != 0) {
         p = characterData(p);
         if (p != nullptr) p = markup(p);
@@ -150,7 +188,7 @@ const char* Parser::startTag(const char* p) {
     Name name = 0;
     const char* q = elementName(p, name);
     if (q == nullptr) return nullptr;
-    if (nextNumber() - target_.first >= limits_.elements) {
+    if (nextNumber() >= target_.first + limits_.elements) {
         return tooLarge(p, "there are more elements than " + std::to_string(limits_.elements));
     }
     if (depth_ >= limits_.depth) {
@@ -164,6 +202,10 @@ const char* Parser::startTag(const char* p) {
     const bool isEmpty = *q == '/';
     q += isEmpty ? 2 : 1;
     opened.contentBegin = placeOf(q);
+    if (watcher_ != nullptr && depth_ < watcher_->depth()) {
+        watcher_->opened(current_);
+        settle(q);
+    }
     if (isEmpty) close(q, q);
     return q;
 }
@@ -215,8 +257,25 @@ void Parser::close(const char* contentEnd, const char* end) {
     closed.contentEnd = placeOf(contentEnd);
     closed.end = placeOf(end);
     closed.next = 0;
+    if (watcher_ != nullptr && depth_ <= watcher_->depth()) return closeWatched(end);
     current_ = closed.parent;
     --depth_;
+}
+
+// Drops an element that is complete and that someone has looked at.
+void Parser::closeWatched(const char* end) {
+    const Node closed = current_;
+    if (depth_ == watcher_->depth()) watcher_->closed(closed);
+    current_ = node(closed).parent;
+    target_.nodes.resize(closed - shift_);
+    if (current_ != 0) node(current_).hasChildren = false;
+    --depth_;
+    settle(end);
+}
+
+void Parser::settle(const char* p) {
+    settled_ = p;
+    settledNodes_ = target_.nodes.size();
 }
 
 // The place of the '>' or "/>".
@@ -339,8 +398,7 @@ bool Parser::epilog(const char* p) {
     if (*p != '<') {
         scanner_.malformed(p, "there is text after the last element");
     } else if (nameEnd(p + 1, end_) != p + 1) {
-        scanner_.malformed(p, "there is a second element after <" +
-                                  shown(names_.text(target_.nodes[target_.first - shift_].name)) + ">");
+        scanner_.malformed(p, "there is a second element after the root element");
     } else {
         noTag(p);
     }

@@ -12,6 +12,11 @@
 
 namespace rovescio::xml {
 
+// Whether the first thing in the text is some kind of tag, or a declaration stands near its start.
+bool looksLikeXml(std::string_view text);
+// What a text is refused for when the parser found this before its first illegal character.
+ParseFault firstFault(const ParseFault& found, std::string_view text, std::size_t legal);
+
 // Where the nodes go, and what numbers and places they have.
 struct ParseTarget {
     std::vector<NodeData>& nodes;
@@ -19,16 +24,43 @@ struct ParseTarget {
     std::uint32_t base = 0;
 };
 
+// Is told of the elements near the root while the text is being parsed.
+class ParseWatcher {
+  public:
+    explicit ParseWatcher(std::size_t depth) : depth_(depth) {}
+    virtual ~ParseWatcher() = default;
+    // The root has depth 1.
+    [[nodiscard]] std::size_t depth() const { return depth_; }
+    // The start tag of an element above that depth has been read.
+    virtual void opened(Node node) = 0;
+    // An element of that depth is complete. After this its nodes are dropped.
+    virtual void closed(Node node) = 0;
+
+  private:
+    std::size_t depth_;
+};
+
 class Parser {
   public:
-    // Of characters that are legal. Without names to grow, unknown ones are a fault.
+    // Of characters that are legal. Without names to grow, unknown ones are a fault. The target of a watched
+    // parser holds the elements that are open, each the child of the one before.
     Parser(std::string_view text, const Limits& limits, const Names& names, Names* growing,
-           ParseTarget target);
+           ParseTarget target, ParseWatcher* watcher = nullptr);
 
     // A whole document; false after a fault.
     bool document();
     // One element with nothing around it.
     bool fragment();
+    // From inside the last element of the target, or where that is the first one, which is none, from behind
+    // the root element.
+    bool rest(std::size_t offset);
+    // Up to where a watched parser has read what will not change with more text: behind a tag above the
+    // watcher's depth.
+    [[nodiscard]] std::size_t settled() const {
+        return static_cast<std::size_t>(settled_ - scanner_.begin());
+    }
+    // How many nodes the target had there.
+    [[nodiscard]] std::size_t settledNodes() const { return settledNodes_; }
     [[nodiscard]] const ParseFault& fault() const { return scanner_.fault(); }
 
   private:
@@ -62,6 +94,9 @@ class Parser {
     [[nodiscard]] std::string_view nameOf(Node number) { return names_.text(node(number).name); }
     NodeData& open(const char* p, Name name);
     void close(const char* contentEnd, const char* end);
+    const char* contents(const char* p);
+    void closeWatched(const char* end);
+    void settle(const char* p);
 
     Scanner scanner_;
     const char* const end_;
@@ -69,6 +104,9 @@ class Parser {
     const Names& names_;
     Names* growing_;
     ParseTarget target_;
+    ParseWatcher* watcher_;
+    const char* settled_;
+    std::size_t settledNodes_;
     Node shift_;        // of the numbers of nodes against their indices
     Node current_ = 0;  // the element that is open. Until it closes, its `next` is its last child
     std::size_t depth_ = 0;

@@ -13,7 +13,6 @@ namespace {
 
 using Kind = ParseFault::Kind;
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kMostBytes = std::numeric_limits<std::int32_t>::max();
 // Scores have an element for so many bytes or more.
 constexpr std::size_t kBytesOfElement = 24;
@@ -24,22 +23,6 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-// The first thing in the text is some kind of tag, or a declaration stands near its start.
-bool looksLikeXml(std::string_view text) {
-    constexpr std::size_t kNear = 1000;
-    const char* const end = text.data() + text.size();
-    const char* const p = skipSpace(text.data(), end);
-    if (p == end || *p != '<' || p + 1 == end) return text.substr(0, kNear).find("<?xml ") != text.npos;
-    return p[1] == '?' || p[1] == '!' || isOf(p[1], kNameStart | kHigh);
-}
-
-ParseFault illegalCharacter(std::string_view text, std::size_t offset) {
-    const auto byte = static_cast<unsigned char>(text[offset]);
-    const bool isControl = byte < 0x20;
-    return {Kind::malformed, offset,
-            isControl ? "there is a control character" : "there are bytes that are not a character"};
-}
-
 // Parses what stands before the first illegal character, and finds fault with that when nothing comes before
 // it.
 ParseFault parseDocument(std::string_view text, const Limits& limits, Names& names,
@@ -48,10 +31,7 @@ ParseFault parseDocument(std::string_view text, const Limits& limits, Names& nam
     const std::size_t legal = firstIllegal(text);
     Parser parser(text.substr(0, legal), limits, names, &names, {nodes, 1, base});
     parser.document();
-    if (legal == text.size()) return parser.fault();
-    if (parser.fault().kind != Kind::none && parser.fault().offset < legal) return parser.fault();
-    const bool isCut = parser.fault().kind == Kind::truncated && isCutCharacter(text.substr(legal));
-    return isCut ? parser.fault() : illegalCharacter(text, legal);
+    return firstFault(parser.fault(), text, legal);
 }
 
 }  // namespace
@@ -72,6 +52,8 @@ Tree::Tree(std::string_view text, std::span<const std::string_view> vocabulary, 
     nodes_.resize(1);
     nodes_.shrink_to_fit();
 }
+
+Tree::Tree(std::span<const std::string_view> vocabulary) : names_(vocabulary), nodes_(1) {}
 
 bool Tree::parseFragment(std::string_view text, std::uint32_t base, Node first,
                          std::vector<NodeData>& nodes) const {

@@ -65,6 +65,7 @@ struct Limits {
 };
 
 class Element;
+class PieceReader;
 
 class Tree {
   public:
@@ -102,6 +103,9 @@ class Tree {
                        std::vector<NodeData>& nodes) const;
 
   private:
+    friend class PieceReader;
+    // Without text as yet.
+    explicit Tree(std::span<const std::string_view> vocabulary);
     std::string_view keep(std::string decoded) const;
 
     std::string_view text_;

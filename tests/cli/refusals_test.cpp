@@ -188,7 +188,7 @@ TEST_F(Refusals, OfScoresForWhichMemoryLacks) {
     for (const char* score : {"long.musicxml", "long.mxl"}) {
         write("old.musicxml", "old");
         // From where the program itself can be loaded to where the score fits.
-        for (int kibibytes = 70000; kibibytes < 140000; kibibytes += 7000) {
+        for (int kibibytes = 60000; kibibytes < 140000; kibibytes += 4000) {
             const ProgramRun run = this->run("ulimit -v " + std::to_string(kibibytes) + "; rovescio " +
                                              score + " -t M2 -q -o old.musicxml");
             if (run.code == 0) break;

@@ -152,11 +152,11 @@ std::string rootFileIn(std::string_view container) {
 
 }  // namespace
 
-bool looksLikeArchive(const std::string& bytes) {
+bool looksLikeArchive(std::string_view bytes) {
     return bytes.starts_with("PK\x03\x04") || bytes.starts_with("PK\x05\x06");
 }
 
-engine::Result<ArchivedScore> unpackScore(const std::string& archive, std::size_t maxBytes,
+engine::Result<ArchivedScore> unpackScore(std::string_view archive, std::size_t maxBytes,
                                           const std::string& file) {
     const Archive opened = open(archive.data(), archive.size(), ZIP_RDONLY);
     if (!opened.zip) return broken("the compressed score is not a valid zip archive", file);
@@ -175,7 +175,7 @@ engine::Result<ArchivedScore> unpackScore(const std::string& archive, std::size_
     return score;
 }
 
-engine::Result<std::string> repackScore(const std::string& archive, const std::string& rootFile,
+engine::Result<std::string> repackScore(std::string_view archive, const std::string& rootFile,
                                         const std::string& score, const std::string& file) {
     Archive opened = open(archive.data(), archive.size(), 0);
     if (!opened.zip || !put(opened.zip.get(), rootFile.c_str(), score.data(), score.size(), ZIP_CM_DEFLATE)) {

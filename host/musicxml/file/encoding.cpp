@@ -89,9 +89,9 @@ class Converter {
 
 }  // namespace
 
-engine::Result<DecodedText> decodeText(std::string bytes, const std::string& file) {
+engine::Result<DecodedText> decodeText(Bytes bytes, const std::string& file) {
     DecodedText decoded;
-    decoded.encoding = detect(bytes);
+    decoded.encoding = detect(bytes.view());
     if (decoded.encoding.isUtf8()) {
         decoded.text = std::move(bytes);
         return decoded;
@@ -104,9 +104,10 @@ engine::Result<DecodedText> decodeText(std::string bytes, const std::string& fil
                                {},
                                "Export the score again as UTF-8."};
     }
-    const std::string_view body = std::string_view(bytes).substr(decoded.encoding.byteOrderMark.size());
-    if (!converter.convert(body, decoded.text)) {
-        const auto line = 1 + std::count(decoded.text.begin(), decoded.text.end(), '\n');
+    const std::string_view body = bytes.view().substr(decoded.encoding.byteOrderMark.size());
+    std::string text;
+    if (!converter.convert(body, text)) {
+        const auto line = 1 + std::count(text.begin(), text.end(), '\n');
         return engine::Problem{
             "the file is not in the encoding " + decoded.encoding.name + " that it declares",
             file,
@@ -115,8 +116,8 @@ engine::Result<DecodedText> decodeText(std::string bytes, const std::string& fil
             "Export the score again as UTF-8."};
     }
     // Encodings with several ways to write the same text cannot promise that the rest of the file stays.
-    const engine::Result<std::string> again = encodeText(decoded.text, decoded.encoding, file);
-    if (!again || again.value() != bytes) {
+    const engine::Result<std::string> again = encodeText(text, decoded.encoding, file);
+    if (!again || again.value() != bytes.view()) {
         return engine::Problem{
             "the encoding " + decoded.encoding.name + " does not allow the file to be written back unchanged",
             file,
@@ -124,6 +125,7 @@ engine::Result<DecodedText> decodeText(std::string bytes, const std::string& fil
             {},
             "Export the score again as UTF-8."};
     }
+    decoded.text = std::move(text);
     return decoded;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "engine/model/problem.h"
+#include "musicxml/file/bytes.h"
 
 namespace rovescio::musicxml {
 
@@ -17,14 +18,14 @@ struct Encoding {
 };
 
 struct DecodedText {
-    std::string text;  // UTF-8; of a UTF-8 file the very bytes, its byte order
-                       // mark included
+    Bytes text;  // UTF-8; of a UTF-8 file the very bytes, its byte order
+                 // mark included
     Encoding encoding;
 };
 
 // Finds out the encoding by byte order mark and XML declaration. The file name
 // is for messages.
-engine::Result<DecodedText> decodeText(std::string bytes, const std::string& file);
+engine::Result<DecodedText> decodeText(Bytes bytes, const std::string& file);
 // The bytes of a file in the given encoding.
 engine::Result<std::string> encodeText(std::string text, const Encoding& encoding, const std::string& file);
 

@@ -57,11 +57,11 @@ xml::Limits limitsFor(std::size_t bytes) {
 
 }  // namespace
 
-ScoreText::ScoreText(std::string utf8)
-    : text(std::move(utf8)), tree(text, kVocabulary, limitsFor(text.size())) {}
+ScoreText::ScoreText(Bytes utf8)
+    : bytes(std::move(utf8)), tree(bytes.view(), kVocabulary, limitsFor(bytes.size())) {}
 
-engine::Result<std::unique_ptr<const ScoreText>> parseScore(std::string text, const std::string& file) {
-    if (trimmed(text).empty()) {
+engine::Result<std::unique_ptr<const ScoreText>> parseScore(Bytes text, const std::string& file) {
+    if (trimmed(text.view()).empty()) {
         return engine::Problem{.message = "the file is empty",
                                .file = file,
                                .line = 1,
@@ -73,7 +73,7 @@ engine::Result<std::unique_ptr<const ScoreText>> parseScore(std::string text, co
     const xml::ParseFault& fault = score->tree.fault();
     engine::Problem problem = explained(fault);
     problem.file = file;
-    const std::string_view before = std::string_view(score->text).substr(0, fault.offset);
+    const std::string_view before = score->bytes.view().substr(0, fault.offset);
     problem.line = static_cast<int>(1 + std::count(before.begin(), before.end(), '\n'));
     const std::string_view line = before.substr(before.rfind('\n') + 1);
     const bool placed = fault.kind == Kind::malformed || fault.kind == Kind::entities;

@@ -7,32 +7,46 @@
 
 #include "musicxml/file/tag_names.h"
 #include "musicxml/reading/measure_time.h"
-#include "xml/tree.h"
 
 namespace rovescio::musicxml {
 
 namespace {
 
 constexpr Decimal kDefaultDivisions{1, 1};
+// Measures of parts and parts of measures, with the root at 1.
+constexpr std::size_t kMeasureDepth = 3;
 
-class Proof {
+}  // namespace
+
+class Proofreader::Proof {
   public:
     Proof(const SourceMap& sources, const engine::Document& document)
         : sources_(sources), document_(document) {}
 
-    std::optional<std::string> of(const xml::Tree& tree) {
-        if (!tree.isSound()) return "its XML is not well-formed: " + tree.fault().description;
-        const bool partwise = tree.rootElement().name() == tag("score-partwise");
-        for (const xml::Element child : tree.rootElement()) {
-            if (partwise && child.name() == tag("part")) {
-                readPart(child);
-            } else if (!partwise && child.name() == tag("measure")) {
-                ++measure_;
-                for (const xml::Element contents : child) {
-                    if (contents.name() == tag("part")) readMeasure(partOf(contents), measure_, contents);
-                }
-            }
+    // The root, or a child of it.
+    void begin(const xml::Element& element) {
+        if (!element.parent().exists()) {
+            partwise_ = element.name() == tag("score-partwise");
+        } else if (partwise_ && element.name() == tag("part")) {
+            part_ = partOf(element);
+            measure_ = 0;
+        } else if (!partwise_ && element.name() == tag("measure")) {
+            ++measure_;
         }
+    }
+    // A child of such a child.
+    void read(const xml::Element& element) {
+        const xml::Name around = element.parent().name();
+        if (partwise_ && around == tag("part") && element.name() == tag("measure")) {
+            readMeasure(part_, ++measure_, element);
+        } else if (!partwise_ && around == tag("measure") && element.name() == tag("part")) {
+            readMeasure(partOf(element), measure_, element);
+        }
+    }
+
+    std::optional<std::string> finish(const xml::ParseFault& fault) {
+        if (fault.kind != xml::ParseFault::Kind::none)
+            return "its XML is not well-formed: " + fault.description;
         if (!fault_ && seen_.size() != sources_.parts.size()) {
             fault_ = "it has " + std::to_string(seen_.size()) + " parts instead of " +
                      std::to_string(sources_.parts.size());
@@ -49,17 +63,9 @@ class Proof {
 
     // Parts are numbered as they appear, as in the document.
     std::size_t partOf(const xml::Element& part) {
-        const auto [known, isNew] = numbers_.try_emplace(part.attribute("id"), seen_.size());
+        const auto [known, isNew] = numbers_.try_emplace(std::string(part.attribute("id")), seen_.size());
         if (isNew) seen_.emplace_back();
         return known->second;
-    }
-
-    void readPart(const xml::Element& part) {
-        const std::size_t number = partOf(part);
-        int measure = 0;
-        for (const xml::Element child : part) {
-            if (child.name() == tag("measure")) readMeasure(number, ++measure, child);
-        }
     }
 
     void readMeasure(std::size_t part, int number, const xml::Element& contents) {
@@ -88,18 +94,24 @@ class Proof {
 
     const SourceMap& sources_;
     const engine::Document& document_;
-    std::map<std::string_view, std::size_t> numbers_;  // of the parts, by id
+    std::map<std::string, std::size_t> numbers_;  // of the parts, by id
     std::vector<Part> seen_;
+    bool partwise_ = true;
+    std::size_t part_ = 0;
     int measure_ = 0;
     std::optional<std::string> fault_;
 };
 
-}  // namespace
+Proofreader::Proofreader(const SourceMap& sources, const engine::Document& document)
+    : proof_(std::make_unique<Proof>(sources, document)),
+      reader_(
+          kVocabulary, kMeasureDepth, [this](const xml::Element& element) { proof_->begin(element); },
+          [this](const xml::Element& element) { proof_->read(element); }) {}
 
-std::optional<std::string> proofread(std::string_view text, const SourceMap& sources,
-                                     const engine::Document& document) {
-    const xml::Tree tree(text, kVocabulary);
-    return Proof(sources, document).of(tree);
+Proofreader::~Proofreader() = default;
+
+std::optional<std::string> Proofreader::finish() {
+    return proof_->finish(reader_.finish());
 }
 
 }  // namespace rovescio::musicxml

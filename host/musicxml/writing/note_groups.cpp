@@ -13,11 +13,13 @@ namespace rovescio::musicxml {
 namespace {
 
 void writeBeams(xml::Edits& edits, xml::Node note, const std::vector<BeamMark>& wanted) {
-    std::vector<xml::Node> children;
-    edits.children(note, children);
-    std::erase_if(children, [&](xml::Node node) { return edits.name(node) != tag("beam"); });
+    std::vector<xml::Node> there;
+    for (const xml::Node child : edits.children(note)) {
+        if (edits.name(child) == tag("beam")) there.push_back(child);
+    }
+    if (there.empty() && wanted.empty()) return;
     std::vector<BeamMark> missing = wanted;
-    for (const xml::Node beam : children) {
+    for (const xml::Node beam : there) {
         const std::string number = edits.attribute(beam, "number");
         const auto same = std::ranges::find(missing, number, &BeamMark::number);
         if (same == missing.end()) {
@@ -63,10 +65,8 @@ void writeTuplets(xml::Edits& edits, xml::Node note, const std::vector<TupletMar
 
 NoteGroups readGroups(const xml::Edits& edits, xml::Node note) {
     NoteGroups groups;
-    std::vector<xml::Node> children;
-    edits.children(note, children);
     bool notations = false;
-    for (const xml::Node child : children) {
+    for (const xml::Node child : edits.children(note)) {
         switch (edits.name(child)) {
             case tag("chord"):
                 groups.inChord = true;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
 
 #include "contract/records.h"
 #include "musicxml/file/tag_names.h"
@@ -36,8 +35,7 @@ Beam beamOf(const xml::Edits& edits, xml::Node beam) {
 }  // namespace
 
 void NoteScan::scanPitch(xml::Node pitch) {
-    edits_.children(pitch, inner_);
-    for (const xml::Node child : inner_) {
+    for (const xml::Node child : edits_.children(pitch)) {
         switch (edits_.name(child)) {
             case tag("step"):
                 parts_.step = child;
@@ -61,12 +59,10 @@ void NoteScan::addTie(xml::Node tie, bool notated) {
 }
 
 void NoteScan::scanNotations(xml::Node notations) {
-    edits_.children(notations, inner_);
-    for (const xml::Node child : inner_) {
+    for (const xml::Node child : edits_.children(notations)) {
         if (edits_.name(child) == tag("tied")) addTie(child, true);
         if (edits_.name(child) != tag("technical")) continue;
-        edits_.children(child, marks_);
-        for (const xml::Node mark : marks_) {
+        for (const xml::Node mark : edits_.children(child)) {
             const xml::Name name = edits_.name(mark);
             parts_.tablature |= name == tag("string") || name == tag("fret");
         }
@@ -79,8 +75,7 @@ const NoteParts& NoteScan::of(xml::Node note) {
     parts_.ties.clear();
     parts_.beam = Beam::none;
     parts_.tablature = false;
-    edits_.children(note, children_);
-    for (const xml::Node child : children_) {
+    for (const xml::Node child : edits_.children(note)) {
         switch (edits_.name(child)) {
             case tag("pitch"):
                 // Like the reader: of two pitches, against the format, the first one counts.
@@ -112,14 +107,14 @@ const NoteParts& NoteScan::of(xml::Node note) {
 
 void insertIntoNote(xml::Edits& edits, xml::Node note, xml::Node added) {
     const std::ptrdiff_t rank = rankOf(edits.name(added));
-    std::vector<xml::Node> children;
-    edits.children(note, children);
-    const auto before = std::find_if(children.rbegin(), children.rend(),
-                                     [&](xml::Node child) { return rankOf(edits.name(child)) <= rank; });
-    if (before == children.rend()) {
+    xml::Node before = 0;
+    for (const xml::Node child : edits.children(note)) {
+        if (rankOf(edits.name(child)) <= rank) before = child;
+    }
+    if (before == 0) {
         edits.insertFirst(note, added);
     } else {
-        edits.insertAfter(*before, added);
+        edits.insertAfter(before, added);
     }
 }
 
@@ -139,14 +134,11 @@ void removeFromNotations(xml::Edits& edits, xml::Node notations, xml::Node gone)
 
 std::vector<xml::Node> inNotations(const xml::Edits& edits, xml::Node note, xml::Name name) {
     std::vector<xml::Node> found;
-    std::vector<xml::Node> children;
-    std::vector<xml::Node> inner;
-    edits.children(note, children);
-    for (const xml::Node notations : children) {
+    for (const xml::Node notations : edits.children(note)) {
         if (edits.name(notations) != tag("notations")) continue;
-        edits.children(notations, inner);
-        std::ranges::copy_if(inner, std::back_inserter(found),
-                             [&](xml::Node node) { return edits.name(node) == name; });
+        for (const xml::Node node : edits.children(notations)) {
+            if (edits.name(node) == name) found.push_back(node);
+        }
     }
     return found;
 }

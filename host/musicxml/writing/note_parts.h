@@ -43,7 +43,6 @@ class NoteScan {
 
     const xml::Edits& edits_;
     NoteParts parts_;
-    std::vector<xml::Node> children_, inner_, marks_;
 };
 
 // Puts an element that has no place yet into a note, where the format wants it: after everything that the

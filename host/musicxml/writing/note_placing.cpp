@@ -67,8 +67,10 @@ class Placing {
     }
 
     void placeDots(int wanted) {
-        edits_.children(note_, children_);
-        std::erase_if(children_, [&](xml::Node node) { return edits_.name(node) != tag("dot"); });
+        children_.clear();
+        for (const xml::Node child : edits_.children(note_)) {
+            if (edits_.name(child) == tag("dot")) children_.push_back(child);
+        }
         for (auto dots = static_cast<int>(children_.size()); dots > wanted; --dots) {
             edits_.remove(children_[static_cast<std::size_t>(dots - 1)]);
         }
@@ -86,7 +88,11 @@ class Placing {
     // change direction.
     void placeMarks() {
         if (!shape_.continuation && !shape_.reversed) return;
-        edits_.children(note_, children_);
+        children_.clear();
+        for (const xml::Node child : edits_.children(note_)) {
+            if (edits_.name(child) == tag("lyric") || edits_.name(child) == tag("notations"))
+                children_.push_back(child);
+        }
         for (const xml::Node child : children_) {
             const xml::Name name = edits_.name(child);
             if (name == tag("lyric") && shape_.continuation) {
