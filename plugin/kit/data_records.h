@@ -1,87 +1,51 @@
 // Typed access to the host's data records: loading, saving, adding, deleting and walking them by tag and key.
 //
-// Every function is false where the host has no such record, refuses the call or lacks it. Sizes are bytes.
-// `add` has the host choose the number passed by reference; `next` moves those numbers on to the record after
-// them in the host's order and loads it.
+// Every function is false where the host has no such record, refuses the call or lacks it. `add` has the host
+// choose the last number of the key; `next` moves the numbers on to the record after them in the host's order
+// and loads it.
 #pragma once
 
-#include <cstdint>
+#include "kit/record_family.h"
 
-#include "contract/data_records.h"
-#include "kit/host_api.h"
+// The names of a family's operations.
+#define RECORD_FAMILY(name, ...)                                      \
+    inline constexpr auto& sx_load##name = kit::__VA_ARGS__::load;    \
+    inline constexpr auto& sx_save##name = kit::__VA_ARGS__::save;    \
+    inline constexpr auto& sx_add##name = kit::__VA_ARGS__::add;      \
+    inline constexpr auto& sx_delete##name = kit::__VA_ARGS__::erase; \
+    inline constexpr auto& sx_next##name = kit::__VA_ARGS__::next;
 
-// Records of a number and an incident
-bool sx_loadother(std::uint32_t tag, std::uint16_t cmper, std::uint16_t inci, void* record,
-                  std::uint32_t size);
-bool sx_saveother(std::uint32_t tag, std::uint16_t cmper, std::uint16_t inci, void* record,
-                  std::uint32_t size);
-bool sx_addother(std::uint32_t tag, std::uint16_t cmper, std::uint16_t& inci, void* record,
-                 std::uint32_t size);
-bool sx_deleteother(std::uint32_t tag, std::uint16_t cmper, std::uint16_t inci);
-bool sx_nextother(std::uint32_t tag, std::uint16_t& cmper, std::uint16_t& inci, void* record,
-                  std::uint32_t size);
+// Records of any tag, by a number and an incident, by two numbers and an incident, by an entry's number and
+// an incident: sx_loadother(tag, number, incident, record, size) and so on.
+RECORD_FAMILY(other, RecordCalls<std::uint16_t, std::uint16_t>)
+RECORD_FAMILY(detail, RecordCalls<std::uint16_t, std::uint16_t, std::uint16_t>)
+RECORD_FAMILY(entrydetail, RecordCalls<std::uint16_t, std::uint32_t>)
+
+// One record to each number: sx_loadmeasurespec(measure, record) and so on
+RECORD_FAMILY(measurespec, RecordFamily<kMeasureSpecTag, EDTMeasureSpec2014, short>)
+RECORD_FAMILY(staffspec, RecordFamily<kStaffSpecTag, EDTStaffSpec, short>)
+RECORD_FAMILY(groupspec, RecordFamily<kGroupSpecTag, EDTGroupSpec, std::uint16_t>)
+RECORD_FAMILY(textblock, RecordFamily<kTextBlockTag, EDTTextBlock, std::uint16_t>)
+RECORD_FAMILY(textexpression, RecordFamily<kTextExpressionTag, EDTTextExpression, std::uint16_t>)
+RECORD_FAMILY(fretinstrument, RecordFamily<kFretInstrumentTag, EDTFretInstrument25_3, std::uint16_t>)
+
+// Several to each number, or to each pair or entry: sx_loadmeasuremark(measure, incident, record)
+RECORD_FAMILY(measuremark, RecordFamily<kMeasureMarkTag, MeasureMarkRecord, std::uint16_t, short>)
+RECORD_FAMILY(pagetext, RecordFamily<kPageTextTag, EDTPageText, std::uint16_t, short>)
+RECORD_FAMILY(measuretext, RecordFamily<kMeasureTextTag, EDTMeasureText, std::uint16_t, short, short>)
+RECORD_FAMILY(noteheadmod, RecordFamily<kNoteheadModTag, EDTNoteheadMod, std::uint16_t, std::uint32_t>)
+RECORD_FAMILY(entrymark, RecordFamily<kEntryMarkTag, EntryMarkRecord, std::uint16_t, std::uint32_t>)
+
+// One to each pair of numbers, of which the host chooses the second
+RECORD_FAMILY(centershape, RecordFamily<kCenterShapeTag, CenterShapeRecord, std::uint16_t, std::uint16_t>)
+
+#undef RECORD_FAMILY
 
 // Records of which the document has one set, preferences ("pf..") among them
 bool sx_loadglobal(std::uint32_t tag, std::uint16_t inci, void* record, std::uint32_t size);
 bool sx_saveglobal(std::uint32_t tag, std::uint16_t inci, void* record, std::uint32_t size);
 bool sx_addglobal(std::uint32_t tag, std::uint16_t& inci, void* record, std::uint32_t size);
 bool sx_deleteglobal(std::uint32_t tag, std::uint16_t inci);
-
-// Records of two numbers and an incident
-bool sx_loaddetail(std::uint32_t tag, std::uint16_t cmper1, std::uint16_t cmper2, std::uint16_t inci,
-                   void* record, std::uint32_t size);
-bool sx_savedetail(std::uint32_t tag, std::uint16_t cmper1, std::uint16_t cmper2, std::uint16_t inci,
-                   void* record, std::uint32_t size);
-bool sx_adddetail(std::uint32_t tag, std::uint16_t cmper1, std::uint16_t cmper2, std::uint16_t& inci,
-                  void* record, std::uint32_t size);
-bool sx_deletedetail(std::uint32_t tag, std::uint16_t cmper1, std::uint16_t cmper2, std::uint16_t inci);
-bool sx_nextdetail(std::uint32_t tag, std::uint16_t& cmper1, std::uint16_t& cmper2, std::uint16_t& inci,
-                   void* record, std::uint32_t size);
-
-// Records attached to an entry
-bool sx_loadentrydetail(std::uint32_t tag, std::uint32_t entryNumber, std::uint16_t inci, void* record,
-                        std::uint32_t size);
-bool sx_saveentrydetail(std::uint32_t tag, std::uint32_t entryNumber, std::uint16_t inci, void* record,
-                        std::uint32_t size);
-bool sx_addentrydetail(std::uint32_t tag, std::uint32_t entryNumber, std::uint16_t& inci, void* record,
-                       std::uint32_t size);
-bool sx_deleteentrydetail(std::uint32_t tag, std::uint32_t entryNumber, std::uint16_t inci);
-bool sx_nextentrydetail(std::uint32_t tag, std::uint32_t& entryNumber, std::uint16_t& inci, void* record,
-                        std::uint32_t size);
-
-// The families: sx_loadmeasurespec, sx_savemeasurespec, sx_addmeasurespec and so on for every name in the
-// list.
-#define NUMBERED_FAMILY(name, Record, tag, Number)     \
-    bool sx_load##name(Number number, Record* record); \
-    bool sx_save##name(Number number, Record* record); \
-    bool sx_add##name(Number& number, Record* record); \
-    bool sx_delete##name(Number number);               \
-    bool sx_next##name(Number& number, Record* record);
-#define OTHER_FAMILY(name, Record, tag, Number)                            \
-    bool sx_load##name(Number number, std::uint16_t inci, Record* record); \
-    bool sx_save##name(Number number, std::uint16_t inci, Record* record); \
-    bool sx_add##name(Number number, std::uint16_t& inci, Record* record); \
-    bool sx_delete##name(Number number, std::uint16_t inci);               \
-    bool sx_next##name(Number& number, std::uint16_t& inci, Record* record);
-#define PAIR_FAMILY(name, Record, tag, First, Second)               \
-    bool sx_load##name(First first, Second second, Record* record); \
-    bool sx_save##name(First first, Second second, Record* record); \
-    bool sx_add##name(First first, Second& second, Record* record); \
-    bool sx_delete##name(First first, Second second);               \
-    bool sx_next##name(First& first, Second& second, Record* record);
-#define DETAIL_FAMILY(name, Record, tag, First, Second)                                 \
-    bool sx_load##name(First first, Second second, std::uint16_t inci, Record* record); \
-    bool sx_save##name(First first, Second second, std::uint16_t inci, Record* record); \
-    bool sx_add##name(First first, Second second, std::uint16_t& inci, Record* record); \
-    bool sx_delete##name(First first, Second second, std::uint16_t inci);               \
-    bool sx_next##name(First& first, Second& second, std::uint16_t& inci, Record* record);
-#define ENTRY_FAMILY(name, Record, tag)                                                \
-    bool sx_load##name(std::uint32_t entryNumber, std::uint16_t inci, Record* record); \
-    bool sx_save##name(std::uint32_t entryNumber, std::uint16_t inci, Record* record); \
-    bool sx_add##name(std::uint32_t entryNumber, std::uint16_t& inci, Record* record); \
-    bool sx_delete##name(std::uint32_t entryNumber, std::uint16_t inci);               \
-    bool sx_next##name(std::uint32_t& entryNumber, std::uint16_t& inci, Record* record);
-#include "kit/record_families.def"
 
 // Tag and size of smart-shape records: those of the current layout until the old one is chosen for good.
 extern std::uint32_t ot_smartshape;

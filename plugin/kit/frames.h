@@ -1,6 +1,8 @@
 // Frames of entries: the cleaning pass and the lifetime of a loaded frame.
 #pragma once
 
+#include <memory>
+
 #include "kit/host_api.h"
 
 // Whether cleaning gives an entry without notes a placeholder note.
@@ -12,23 +14,15 @@ void CleanTGF(EXTGF2005a* frame, bool unused = false);
 
 namespace kit {
 
-// A frame from its load to its free. Tests false when the host has no such frame.
-class LoadedFrame {
-  public:
-    LoadedFrame(std::uint16_t staffList, short slot, short measure, short layer)
-        : frame_(SX_LoadTGF(staffList, slot, measure, layer, 0)) {}
-    ~LoadedFrame() {
-        if (frame_) SX_FreeTGF(frame_);
-    }
-    LoadedFrame(const LoadedFrame&) = delete;
-    LoadedFrame& operator=(const LoadedFrame&) = delete;
-
-    explicit operator bool() const { return frame_ != nullptr; }
-    EXTGF2005a* operator->() const { return frame_; }
-    EXTGF2005a& operator*() const { return *frame_; }
-
-  private:
-    EXTGF2005a* frame_;
+struct FreeFrame {
+    void operator()(EXTGF2005a* frame) const { SX_FreeTGF(frame); }
 };
+
+// A frame from its load to its free; null when the host has no such frame.
+using LoadedFrame = std::unique_ptr<EXTGF2005a, FreeFrame>;
+
+inline LoadedFrame loadFrame(std::uint16_t staffList, short slot, short measure, short layer) {
+    return LoadedFrame(SX_LoadTGF(staffList, slot, measure, layer, 0));
+}
 
 }  // namespace kit

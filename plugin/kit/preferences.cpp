@@ -5,11 +5,15 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <initializer_list>
 #include <span>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "contract/data_records.h"
 #include "kit/bound.h"
+#include "kit/preference_records.h"
 
 namespace {
 
@@ -17,44 +21,74 @@ using kit::PreferenceRow;
 using kit::PreferenceRun;
 using SubRecord = std::array<std::uint16_t, kit::kSubRecordSize / 2>;
 
-// Rows are in the order of their fields, leave no byte out, and stay inside their sub-record.
-constexpr bool covers(std::span<const PreferenceRow> rows, std::size_t recordSize) {
-    std::size_t end = 0;
-    for (const PreferenceRow& row : rows) {
-        if (row.destination != end || row.source + row.width / 2U > SubRecord{}.size()) return false;
-        end += row.width;
+// The fields that lie one after another in a sub-record, a letter for each, in the order of the conversions:
+// w a word, l two words in order, x exchanged, n a word negated, b the low byte of one.
+constexpr std::string_view kFieldLetters = "wlxnb";
+struct FieldsOf {
+    char subTag[3];
+    std::uint16_t number, incident;
+    std::string_view fields;
+};
+
+// The map of a record that has these fields one after another and no others.
+template <class Record, std::size_t kRows>
+consteval std::array<PreferenceRow, kRows> mapOf(std::initializer_list<FieldsOf> subRecords) {
+    std::array<PreferenceRow, kRows> rows{};
+    auto row = rows.begin();
+    std::uint16_t end = 0;
+    for (const auto& [subTag, number, incident, fields] : subRecords) {
+        std::uint16_t word = 0;
+        for (const char letter : fields) {
+            const auto conversion = static_cast<std::int32_t>(kFieldLetters.find(letter));
+            const std::uint16_t width =
+                conversion == kit::kInOrder || conversion == kit::kHalvesExchanged ? 4 : 2;
+            *row++ = {0, {subTag[0], subTag[1]}, number, incident, end, word, width, 0, conversion};
+            end += width;
+            word += width / 2;
+        }
+        if (word > SubRecord{}.size()) throw "more fields than the sub-record holds";
     }
-    return end == recordSize;
+    if (row != rows.end() || end != sizeof(Record)) throw "not the fields of the record";
+    return rows;
 }
 
-}  // namespace
+constexpr auto EDT2005Prefs_MAP_ARRAY = mapOf<EDT2005Prefs, 7>({{"41", 0, 0, "wwwnb"}, {"42", 0, 0, "lx"}});
+constexpr auto EDTDistancePrefs_MAP_ARRAY =
+    mapOf<EDTDistancePrefs, 10>({{"43", 0, 0, "wwwwww"}, {"43", 0, 1, "wwww"}});
+constexpr auto EDTExtractPrefs_MAP_ARRAY =
+    mapOf<EDTExtractPrefs, 6>({{"44", 1, 0, "wnbw"}, {"44", 1, 1, "ll"}});
+constexpr auto EDTMiscDocPrefs_MAP_ARRAY =
+    mapOf<EDTMiscDocPrefs, 7>({{"45", 0, 0, "wwwwnb"}, {"45", 0, 1, "x"}});
+constexpr auto EDTPianoBracePrefs_MAP_ARRAY = mapOf<EDTPianoBracePrefs, 6>({{"46", 0, 0, "wwwwww"}});
+constexpr auto EDTPageFormatPrefsScore_MAP_ARRAY =
+    mapOf<EDTPageFormatPrefsScore, 9>({{"76", 0, 0, "llww"}, {"76", 0, 1, "wwwwn"}});
+constexpr auto EDTPlaybackPrefs_MAP_ARRAY = mapOf<EDTPlaybackPrefs, 5>({{"47", 0, 0, "wbwnx"}});
+constexpr auto EDTRepeatPrefs_MAP_ARRAY =
+    mapOf<EDTRepeatPrefs, 7>({{"48", 0, 0, "wwwwww"}, {"48", 0, 1, "w"}});
+constexpr auto EDTSizePrefs_MAP_ARRAY = mapOf<EDTSizePrefs, 5>({{"49", 0, 0, "wwwwx"}});
+constexpr auto EDTSmartShapePrefs_MAP_ARRAY =
+    mapOf<EDTSmartShapePrefs, 7>({{"50", 0, 0, "wwwwnb"}, {"50", 0, 1, "l"}});
 
-namespace kit {
+constexpr std::uint32_t kPageFormatTag = 0x70665046;
 
-#define PREFERENCES(record) constexpr PreferenceRow record##_ROWS[] = {
-#define PREFERENCE(record, type, field, subTag, number, incident, source, conversion) \
-    {0,      {subTag[0], subTag[1]}, number, incident,  offsetof(record, field),      \
-     source, sizeof(type),           0,      conversion},
-#define PREFERENCES_END(record, tag)                      \
-    }                                                     \
-    ;                                                     \
-    static_assert(covers(record##_ROWS, sizeof(record))); \
-    static constinit auto record##_MAP_ARRAY = std::to_array(record##_ROWS);
-#include "kit/preferences.def"
+constexpr struct {
+    std::uint32_t tag;
+    std::span<const PreferenceRow> rows;
+} kMaps[] = {
+    {0x70663035, EDT2005Prefs_MAP_ARRAY},       {0x70664450, EDTDistancePrefs_MAP_ARRAY},
+    {0x70664558, EDTExtractPrefs_MAP_ARRAY},    {0x70664D53, EDTMiscDocPrefs_MAP_ARRAY},
+    {0x70665042, EDTPianoBracePrefs_MAP_ARRAY}, {kPageFormatTag, EDTPageFormatPrefsScore_MAP_ARRAY},
+    {0x7066504C, EDTPlaybackPrefs_MAP_ARRAY},   {0x70665250, EDTRepeatPrefs_MAP_ARRAY},
+    {0x70665349, EDTSizePrefs_MAP_ARRAY},       {0x70665353, EDTSmartShapePrefs_MAP_ARRAY},
+};
 
-}  // namespace kit
-
-namespace {
-
-// The table of a scattered record, empty for other tags.
-std::span<PreferenceRow> mapOf(std::uint32_t tag, std::uint16_t incident) {
+// The map of a scattered record, empty for other tags.
+std::span<const PreferenceRow> mapOf(std::uint32_t tag, std::uint16_t incident) {
     // The page format of incident 1 is that of the parts, a run.
-    if (tag == 0x70665046 && incident != 0) return {};
-#define PREFERENCES(record)
-#define PREFERENCE(...)
-#define PREFERENCES_END(record, recordTag) \
-    if (tag == (recordTag)) return kit::record##_MAP_ARRAY;
-#include "kit/preferences.def"
+    if (tag == kPageFormatTag && incident != 0) return {};
+    for (const auto& map : kMaps) {
+        if (map.tag == tag) return map.rows;
+    }
     return {};
 }
 
@@ -76,18 +110,11 @@ bool savePart(std::uint32_t tag, EDATAKEY key, void* part) {
 enum class Direction { loading, saving };
 
 void moveLong(std::int32_t conversion, std::uint16_t* source, std::byte* field, Direction direction) {
-    const bool exchanged = conversion == kit::kHalvesExchanged;
-    const bool known = exchanged || conversion == kit::kInOrder;
-    std::uint16_t pair[2] = {0, 0};
-    if (direction == Direction::loading) {
-        if (known) std::memcpy(pair, source, sizeof pair);
-        if (exchanged) std::swap(pair[0], pair[1]);
-        std::memcpy(field, pair, sizeof pair);
-    } else if (known) {
-        std::memcpy(pair, field, sizeof pair);
-        if (exchanged) std::swap(pair[0], pair[1]);
-        std::memcpy(source, pair, sizeof pair);
-    }
+    std::uint16_t pair[2];
+    const bool loading = direction == Direction::loading;
+    std::memcpy(pair, loading ? static_cast<void*>(source) : field, sizeof pair);
+    if (conversion == kit::kHalvesExchanged) std::swap(pair[0], pair[1]);
+    std::memcpy(loading ? static_cast<void*>(field) : source, pair, sizeof pair);
 }
 
 // A low byte shares its word with another setting, which stays.
@@ -104,10 +131,10 @@ void moveWord(std::int32_t conversion, std::uint16_t* source, std::byte* field, 
     }
 }
 
-// Visits each sub-record of a table once, with all its fields.
-bool walkMap(std::span<PreferenceRow> rows, std::byte* record, Direction direction) {
-    for (PreferenceRow& row : rows) row.loaded = 0;
-    for (PreferenceRow& first : rows) {
+// Visits each sub-record of a map once, with all its fields.
+bool walkMap(std::span<const PreferenceRow> map, std::byte* record, Direction direction) {
+    std::vector<PreferenceRow> rows(map.begin(), map.end());
+    for (const PreferenceRow& first : rows) {
         if (first.loaded) continue;
         const std::uint32_t tag = subTag(first.subTag[0], first.subTag[1]);
         const EDATAKEY key{first.number != 0 ? first.number : kGlobalNumber, first.incident};

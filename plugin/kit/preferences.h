@@ -8,16 +8,6 @@
 #include <cstdint>
 #include <optional>
 
-// The scattered records, packed without gaps.
-#pragma pack(push, 1)
-#define PREFERENCES(record) struct record {
-#define PREFERENCE(record, type, field, ...) type field;
-#define PREFERENCES_END(record, tag) \
-    }                                \
-    ;
-#include "kit/preferences.def"
-#pragma pack(pop)
-
 namespace kit {
 
 // Bytes of every sub-record.
@@ -34,7 +24,7 @@ enum PreferenceConversion : std::int32_t {
 
 // Where one field of a scattered record lies.
 struct PreferenceRow {
-    std::uint16_t loaded;       // 0: set while a walk over the table has done this row
+    std::uint16_t loaded;       // 0: set in the copy that a walk makes, when it has done this row
     char subTag[2];             // 2: after "ot"
     std::uint16_t number;       // 4: of the sub-record, 0 for kGlobalNumber
     std::uint16_t incident;     // 6: of the sub-record

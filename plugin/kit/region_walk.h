@@ -31,14 +31,14 @@ inline Bounds boundsInMeasure(const EREGION& region, short measure) {
 // Returns whether it was saved; a frame that the host does not load is passed over.
 template <class EditEntry>
 bool editFrame(const EREGION& region, short slot, short measure, short layer, EditEntry&& editEntry) {
-    const LoadedFrame frame(region.start.staffList, slot, measure, layer);
+    const LoadedFrame frame = loadFrame(region.start.staffList, slot, measure, layer);
     if (!frame || frame->entryCount == 0) return false;
     const Bounds bounds = boundsInMeasure(region, measure);
     for (short i = 0; i < frame->entryCount; ++i) {
         EXENTRY& entry = frame->entries[i];
         if (bounds.contains(entry.elapsed)) editEntry(entry);
     }
-    SX_SaveTGF(&*frame);
+    SX_SaveTGF(frame.get());
     return true;
 }
 
@@ -46,29 +46,54 @@ bool editFrame(const EREGION& region, short slot, short measure, short layer, Ed
 struct WalkResult {
     bool cancelled = false;
     bool saved = false;
+
+    // As transformations report it.
+    [[nodiscard]] short changed() const { return saved || cancelled; }
 };
 
-// Walks measures, in each its slots, in each its shown layers. For a cancel the host is polled once per
-// measure and slot; then enterStaff(measure, slot) returns the editor of the staff's entries there, or a
-// false one to pass the staff over.
-template <class EnterStaff>
-WalkResult walkByMeasure(const EREGION& region, CProgress& progress, EnterStaff&& enterStaff) {
+// One slot of one measure, where a walk by measures has come.
+class StaffMeasure {
+  public:
+    StaffMeasure(const EREGION& region, short measure, short slot, short layers)
+        : region_(region), measure_(measure), slot_(slot), layers_(layers) {}
+
+    // The key signature word of the staff here.
+    [[nodiscard]] short keySignature() const {
+        return SX_GetKeySig(measure_, SX_SlotToInst(slot_, region_.start.staffList), 0, 0);
+    }
+
+    // Edits the entries inside the region, shown layer by shown layer.
+    template <class EditEntry>
+    void editEntries(EditEntry&& editEntry) {
+        for (short layer = 0; layer < layers_; ++layer) {
+            if (SX_GetShowLayer(layer)) saved_ |= editFrame(region_, slot_, measure_, layer, editEntry);
+        }
+    }
+    [[nodiscard]] bool saved() const { return saved_; }
+
+  private:
+    const EREGION& region_;
+    short measure_;
+    short slot_;
+    short layers_;
+    bool saved_ = false;
+};
+
+// Walks measures, in each its slots, and visits each StaffMeasure. For a cancel the host is polled before
+// every visit.
+template <class Visit>
+WalkResult walkByMeasure(const EREGION& region, CProgress& progress, Visit&& visit) {
     WalkResult result;
     const short layers = SX_GetMaxLayers();
-    for (int m = region.start.measure; m <= region.end.measure; ++m) {
-        const auto measure = static_cast<short>(m);
-        for (int s = region.start.slot; s <= region.end.slot; ++s) {
-            const auto slot = static_cast<short>(s);
+    for (int measure = region.start.measure; measure <= region.end.measure; ++measure) {
+        for (int slot = region.start.slot; slot <= region.end.slot; ++slot) {
             if (isCancelled(progress)) {
                 result.cancelled = true;
                 return result;
             }
-            auto&& editEntry = enterStaff(measure, slot);
-            if (!editEntry) continue;
-            for (short layer = 0; layer < layers; ++layer) {
-                if (!SX_GetShowLayer(layer)) continue;
-                result.saved |= editFrame(region, slot, measure, layer, *editEntry);
-            }
+            StaffMeasure here(region, static_cast<short>(measure), static_cast<short>(slot), layers);
+            visit(here);
+            result.saved |= here.saved();
         }
     }
     return result;

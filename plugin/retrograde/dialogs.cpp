@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "kit/dialog_handlers.h"
+#include "kit/dialogs.h"
 #include "kit/mass_edit.h"
 #include "kit/selection.h"
 #include "kit/string_resources.h"
@@ -13,12 +13,11 @@
 
 namespace {
 
+using kit::kCancel;
+using kit::kOk;
+
 constexpr short kOptionsDialog = 20190;
 constexpr short kReportDialog = 20230;
-
-// Items of both dialogs; both buttons of the report only close it.
-constexpr short kOk = 1;
-constexpr short kCancel = 2;
 
 constexpr short kKeySignaturesCheck = 3;
 constexpr short kMeasureSpacingCheck = 4;
@@ -46,11 +45,8 @@ int optionsProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_
     }
     if (message != kDialogCommand || (item != kOk && item != kCancel)) return 0;
     if (item == kOk) {
-        const auto check = [dialog](short box) {
-            return static_cast<std::int16_t>(SX_GetDlgItemVal(dialog, box, kCheckValue));
-        };
-        checks.keySignatures = check(kKeySignaturesCheck);
-        checks.measureSpacing = check(kMeasureSpacingCheck);
+        checks.keySignatures = kit::check(dialog, kKeySignaturesCheck);
+        checks.measureSpacing = kit::check(dialog, kMeasureSpacingCheck);
     }
     SX_EndDialog(dialog);
     return 1;
@@ -108,7 +104,7 @@ int reportProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t
     }
     if (message != kDialogCommand) return 0;
     switch (item) {
-        case kOk:
+        case kOk:  // like Cancel it only closes the report
         case kCancel:
             SX_EndDialog(dialog);
             return 1;

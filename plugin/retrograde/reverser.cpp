@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "kit/frames.h"
-
 void ReverseTieFlags(EXENTRY* entry) {
     const int count = std::min<int>(entry->noteCount, kMaxNotes);
     for (int i = 0; i < count; ++i) {
@@ -26,10 +24,9 @@ Reverser::Reverser(const EREGION* region, short slot, short layer)
 }
 
 Reverser::~Reverser() {
-    for (EXTGF2005a* frame : frames_) {
-        if (!frame) continue;
-        SX_SaveTGF(frame);
-        SX_FreeTGF(frame);
+    for (kit::LoadedFrame& frame : frames_) {
+        if (frame) SX_SaveTGF(frame.get());
+        frame.reset();
     }
 }
 
@@ -42,8 +39,8 @@ void Reverser::loadFrames() {
     frames_.resize(static_cast<std::size_t>(measures));
     for (int m = front_.measure; m <= back_.measure; ++m) {
         const auto measure = static_cast<short>(m);
-        EXTGF2005a*& frame = frameOf(m);
-        frame = SX_LoadTGF(region_.start.staffList, slot_, measure, layer_, 0);
+        kit::LoadedFrame& frame = frameOf(m);
+        frame = kit::loadFrame(region_.start.staffList, slot_, measure, layer_);
         if (!frame) {
             failed_ = true;
             return;
@@ -114,7 +111,7 @@ void Reverser::ReverseEntries() {
     ReverseTieFlags(&back);
 }
 
-EXTGF2005a*& Reverser::frameOf(int measure) {
+kit::LoadedFrame& Reverser::frameOf(int measure) {
     return frames_[static_cast<std::size_t>(measure - region_.start.measure)];
 }
 

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "contract/records.h"
+#include "kit/frames.h"
 
 // Ties that started at the entry's notes end there, and the other way round.
 void ReverseTieFlags(EXENTRY* entry);
@@ -40,7 +40,7 @@ class Reverser {
     void placeCursors();
     void advanceFront();
     bool stepBack();
-    [[nodiscard]] EXTGF2005a*& frameOf(int measure);
+    [[nodiscard]] kit::LoadedFrame& frameOf(int measure);
     [[nodiscard]] int entryCount(int measure);
     [[nodiscard]] EXENTRY& entryAt(const Cursor& cursor);
 
@@ -50,5 +50,5 @@ class Reverser {
     short slot_;
     short layer_;
     bool failed_ = false;
-    std::vector<EXTGF2005a*> frames_;  // by measure from the region's first; owned, may be null
+    std::vector<kit::LoadedFrame> frames_;  // by measure from the region's first; may be null
 };

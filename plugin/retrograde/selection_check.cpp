@@ -29,7 +29,7 @@ class SelectionCheck {
 
   private:
     void checkFrame(short slot, short measure, short layer) {
-        const kit::LoadedFrame frame(region_.start.staffList, slot, measure, layer);
+        const kit::LoadedFrame frame = kit::loadFrame(region_.start.staffList, slot, measure, layer);
         if (!frame) return;
         if (frame->headerWord != 0) problems_ |= kUnsuitableFrames;
         const kit::Bounds bounds = kit::boundsInMeasure(region_, measure);
@@ -49,7 +49,7 @@ class SelectionCheck {
             if (i >= 0) checkShapes(frame->entries[i], measure);
         }
         // Shapes are records of their own: removing them does not change the frame.
-        if (entriesDeleted) SX_SaveTGF(&*frame);
+        if (entriesDeleted) SX_SaveTGF(frame.get());
     }
 
     // With its second voice gone, the entry before starts none. The frame alone shows whether the host

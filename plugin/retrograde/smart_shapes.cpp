@@ -119,47 +119,11 @@ void EDTSmartShape::EraseCenterShapesAndMarkers(std::uint16_t shapeNumber) const
     EDTSmartShapeEntMark::FindAndErase(static_cast<std::uint32_t>(lastEntry), shapeNumber);
 }
 
-bool EDTCenterShape::Load(std::uint16_t shapeNumber, std::uint16_t centerNumber) {
-    return sx_loadcentershape(shapeNumber, centerNumber, this);
-}
-
-bool EDTCenterShape::Save(std::uint16_t shapeNumber, std::uint16_t centerNumber) {
-    return sx_savecentershape(shapeNumber, centerNumber, this);
-}
-
-bool EDTCenterShape::CreateShapeOnly(std::uint16_t shapeNumber, std::uint16_t& centerNumber) {
-    return sx_addcentershape(shapeNumber, centerNumber, this);
-}
-
-bool EDTCenterShape::EraseShapeOnly(std::uint16_t shapeNumber, std::uint16_t centerNumber) {
-    return sx_deletecentershape(shapeNumber, centerNumber);
-}
-
 bool EDTCenterShape::FullCreate(short measure, std::uint16_t shapeNumber, std::uint16_t& centerNumber) {
     const bool created = CreateShapeOnly(shapeNumber, centerNumber);
     std::uint16_t inci = 0;
     const bool marked = EDTSmartShapeMeasMark(shapeNumber, centerNumber).Create(measure, inci);
     return created && marked;
-}
-
-bool EDTSmartShapeMeasMark::Load(short measure, std::uint16_t inci) {
-    return sx_loadmeasuremark(measure, inci, this);
-}
-
-bool EDTSmartShapeMeasMark::Save(short measure, std::uint16_t inci) {
-    return sx_savemeasuremark(measure, inci, this);
-}
-
-bool EDTSmartShapeMeasMark::Create(short measure, std::uint16_t& inci) {
-    return sx_addmeasuremark(measure, inci, this);
-}
-
-bool EDTSmartShapeMeasMark::EraseMarkOnly(short measure, std::uint16_t inci) {
-    return sx_deletemeasuremark(measure, inci);
-}
-
-bool EDTSmartShapeMeasMark::Next(short& measure, std::uint16_t& inci) {
-    return sx_nextmeasuremark(measure, inci, this);
 }
 
 bool EDTSmartShapeMeasMark::FindAndEraseWithCenterShapes(short measure, std::uint16_t shapeNumber) {
@@ -178,26 +142,6 @@ bool EDTSmartShapeMeasMark::FindAndEraseMarkOnly(short measure, std::uint16_t sh
         measure, shapeNumber,
         [&](EDTSmartShapeMeasMark& mark, std::uint16_t inci) { return mark.EraseMarkOnly(measure, inci); });
     return true;
-}
-
-bool EDTSmartShapeEntMark::Load(std::uint32_t entryNumber, std::uint16_t inci) {
-    return sx_loadentrymark(entryNumber, inci, this);
-}
-
-bool EDTSmartShapeEntMark::Save(std::uint32_t entryNumber, std::uint16_t inci) {
-    return sx_saveentrymark(entryNumber, inci, this);
-}
-
-bool EDTSmartShapeEntMark::Create(std::uint32_t entryNumber, std::uint16_t& inci) {
-    return sx_addentrymark(entryNumber, inci, this);
-}
-
-bool EDTSmartShapeEntMark::Erase(std::uint32_t entryNumber, std::uint16_t inci) {
-    return sx_deleteentrymark(entryNumber, inci);
-}
-
-bool EDTSmartShapeEntMark::Next(std::uint32_t& entryNumber, std::uint16_t& inci) {
-    return sx_nextentrymark(entryNumber, inci, this);
 }
 
 bool EDTSmartShapeEntMark::FindAndErase(std::uint32_t entryNumber, std::uint16_t shapeNumber) {

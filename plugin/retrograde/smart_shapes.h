@@ -38,10 +38,18 @@ struct EDTSmartShape : EDTSmartShapeNative {
 struct EDTCenterShape : CenterShapeRecord {
     EDTCenterShape() : CenterShapeRecord{} {}
 
-    bool Load(std::uint16_t shapeNumber, std::uint16_t centerNumber);
-    bool Save(std::uint16_t shapeNumber, std::uint16_t centerNumber);
-    bool CreateShapeOnly(std::uint16_t shapeNumber, std::uint16_t& centerNumber);
-    bool EraseShapeOnly(std::uint16_t shapeNumber, std::uint16_t centerNumber);
+    bool Load(std::uint16_t shapeNumber, std::uint16_t centerNumber) {
+        return sx_loadcentershape(shapeNumber, centerNumber, this);
+    }
+    bool Save(std::uint16_t shapeNumber, std::uint16_t centerNumber) {
+        return sx_savecentershape(shapeNumber, centerNumber, this);
+    }
+    bool CreateShapeOnly(std::uint16_t shapeNumber, std::uint16_t& centerNumber) {
+        return sx_addcentershape(shapeNumber, centerNumber, this);
+    }
+    bool EraseShapeOnly(std::uint16_t shapeNumber, std::uint16_t centerNumber) {
+        return sx_deletecentershape(shapeNumber, centerNumber);
+    }
 
     // With its mark in the measure; true when both were made.
     bool FullCreate(short measure, std::uint16_t shapeNumber, std::uint16_t& centerNumber);
@@ -53,11 +61,11 @@ struct EDTSmartShapeMeasMark : MeasureMarkRecord {
         centerNumber = center;
     }
 
-    bool Load(short measure, std::uint16_t inci);
-    bool Save(short measure, std::uint16_t inci);
-    bool Create(short measure, std::uint16_t& inci);
-    bool EraseMarkOnly(short measure, std::uint16_t inci);
-    bool Next(short& measure, std::uint16_t& inci);
+    bool Load(short measure, std::uint16_t inci) { return sx_loadmeasuremark(measure, inci, this); }
+    bool Save(short measure, std::uint16_t inci) { return sx_savemeasuremark(measure, inci, this); }
+    bool Create(short measure, std::uint16_t& inci) { return sx_addmeasuremark(measure, inci, this); }
+    bool EraseMarkOnly(short measure, std::uint16_t inci) { return sx_deletemeasuremark(measure, inci); }
+    bool Next(short& measure, std::uint16_t& inci) { return sx_nextmeasuremark(measure, inci, this); }
 
     // Remove every mark of the shape from the measure, with or without the center shapes that they name.
     // Always true.
@@ -68,11 +76,21 @@ struct EDTSmartShapeMeasMark : MeasureMarkRecord {
 struct EDTSmartShapeEntMark : EntryMarkRecord {
     explicit EDTSmartShapeEntMark(std::uint16_t shape = 0) : EntryMarkRecord{} { shapeNumber = shape; }
 
-    bool Load(std::uint32_t entryNumber, std::uint16_t inci);
-    bool Save(std::uint32_t entryNumber, std::uint16_t inci);
-    bool Create(std::uint32_t entryNumber, std::uint16_t& inci);
-    bool Erase(std::uint32_t entryNumber, std::uint16_t inci);
-    bool Next(std::uint32_t& entryNumber, std::uint16_t& inci);
+    bool Load(std::uint32_t entryNumber, std::uint16_t inci) {
+        return sx_loadentrymark(entryNumber, inci, this);
+    }
+    bool Save(std::uint32_t entryNumber, std::uint16_t inci) {
+        return sx_saveentrymark(entryNumber, inci, this);
+    }
+    bool Create(std::uint32_t entryNumber, std::uint16_t& inci) {
+        return sx_addentrymark(entryNumber, inci, this);
+    }
+    bool Erase(std::uint32_t entryNumber, std::uint16_t inci) {
+        return sx_deleteentrymark(entryNumber, inci);
+    }
+    bool Next(std::uint32_t& entryNumber, std::uint16_t& inci) {
+        return sx_nextentrymark(entryNumber, inci, this);
+    }
 
     // Removes every mark of the shape from the entry. Always true.
     static bool FindAndErase(std::uint32_t entryNumber, std::uint16_t shapeNumber);

@@ -1,8 +1,7 @@
 // The main dialog's procedure.
 #include "shell/main_dialog.h"
 
-#include "kit/dialog_handlers.h"
-#include "kit/host_api.h"
+#include "kit/dialogs.h"
 #include "retrograde/dialogs.h"
 #include "shell/apply.h"
 #include "shell/settings.h"
@@ -25,10 +24,6 @@ constexpr short kRetrogradeCheck = 9;
 constexpr short kRetrogradeSettings = 10;
 constexpr short kRemoveTiesCheck = 11;
 constexpr short kCheckSelection = 12;
-
-short control(SXWindow dialog, short item, short kind) {
-    return static_cast<short>(SX_GetDlgItemVal(dialog, item, kind));
-}
 
 void showSettings(SXWindow dialog) {
     SX_SetDlgItemVal(dialog, kRetrogradeCheck, kCheckValue, SUItems.retrograde);
@@ -87,11 +82,11 @@ int useControl(SXWindow dialog, short item) {
 }  // namespace
 
 void SUSetRecordValues(SXWindow dialog) {
-    SUItems.retrograde = control(dialog, kRetrogradeCheck, kCheckValue);
-    SUItems.inversionKind = control(dialog, kInversionPopup, kPopupValue);
-    SUItems.optionKind = control(dialog, kOptionPopup, kPopupValue);
-    SUItems.transpose.kind = control(dialog, kTranspositionPopup, kPopupValue);
-    SUItems.removeTies = control(dialog, kRemoveTiesCheck, kCheckValue);
+    SUItems.retrograde = kit::check(dialog, kRetrogradeCheck);
+    SUItems.inversionKind = kit::popup(dialog, kInversionPopup);
+    SUItems.optionKind = kit::popup(dialog, kOptionPopup);
+    SUItems.transpose.kind = kit::popup(dialog, kTranspositionPopup);
+    SUItems.removeTies = kit::check(dialog, kRemoveTiesCheck);
 }
 
 int SUDialogProc(SXWindow dialog, std::uint16_t message, short item, std::uint32_t /*parameter*/,

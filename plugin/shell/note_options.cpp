@@ -42,5 +42,5 @@ short DoSUOptions(EREGION* region, short option, short removeTies, CProgress* pr
         }
         if (chosen.marksEntry) entry.updateFlags |= ENTRY_CHANGED;
     });
-    return walk.saved || walk.cancelled;
+    return walk.changed();
 }

@@ -1,6 +1,5 @@
 // Inversion of chords upward and downward.
 #include <cstdlib>
-#include <optional>
 
 #include "kit/region_walk.h"
 #include "transform/inversion.h"
@@ -40,9 +39,9 @@ struct SingleNotes {
 short invertChords(const EREGION* region, Direction direction, const SingleNotes& singleNotes,
                    CProgress* progress) {
     if (!IsSelectionRegion(region)) return 0;
-    const auto walk = kit::walkByMeasure(*region, *progress, [&](short measure, short slot) {
-        const short word = SX_GetKeySig(measure, SX_SlotToInst(slot, region->start.staffList), 0, 0);
-        return std::optional([&, mode = pitch::modeOfKey(word)](EXENTRY& entry) {
+    const auto walk = kit::walkByMeasure(*region, *progress, [&](kit::StaffMeasure& here) {
+        const std::uint16_t mode = pitch::modeOfKey(here.keySignature());
+        here.editEntries([&](EXENTRY& entry) {
             if (!(entry.entryFlags & ENTRY_NOTE) || entry.noteCount < 1) return;
             if (entry.noteCount == 1) {
                 singleNotes.move(entry, mode);
@@ -51,7 +50,7 @@ short invertChords(const EREGION* region, Direction direction, const SingleNotes
             }
         });
     });
-    return walk.saved || walk.cancelled;
+    return walk.changed();
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include "transform/inversion.h"
 
 #include <array>
-#include <optional>
 
 #include "kit/region_walk.h"
 #include "transform/key.h"
@@ -15,20 +14,18 @@ namespace {
 template <class MirrorIn>
 short invert(const EREGION* region, CProgress* progress, MirrorIn&& mirrorIn) {
     if (!IsSelectionRegion(region)) return 0;
-    const auto enterStaff = [&](short measure, short slot) {
-        const short word = SX_GetKeySig(measure, SX_SlotToInst(slot, region->start.staffList), 0, 0);
-        const auto mirrorEntry = [mirror = mirrorIn(pitch::Key(word))](EXENTRY& entry) {
+    const auto walk = kit::walkByMeasure(*region, *progress, [&](kit::StaffMeasure& here) {
+        const short word = here.keySignature();
+        if (!pitch::Key::isMajorOrMinor(word)) return;
+        here.editEntries([mirror = mirrorIn(pitch::Key(word))](EXENTRY& entry) {
             for (short i = 0; i < entry.noteCount; ++i) {
                 mirror(entry.notes[i]);
                 entry.notes[i].noteFlags |= NOTE_FLAG24;
             }
             entry.updateFlags |= ENTRY_CHANGED;
-        };
-        using Editor = std::optional<std::remove_const_t<decltype(mirrorEntry)>>;
-        return pitch::Key::isMajorOrMinor(word) ? Editor(mirrorEntry) : Editor();
-    };
-    const auto walk = kit::walkByMeasure(*region, *progress, enterStaff);
-    return walk.saved || walk.cancelled;
+        });
+    });
+    return walk.changed();
 }
 
 // The axis note's alteration relative to a key: by the scale of the natural letter that the tonic has, then

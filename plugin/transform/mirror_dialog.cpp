@@ -3,16 +3,13 @@
 
 #include <array>
 
-#include "kit/dialog_handlers.h"
-#include "kit/host_api.h"
+#include "kit/dialogs.h"
 #include "transform/pitch.h"
 
 namespace {
 
 constexpr short kMirrorDialog = 20140;
 
-constexpr short kOk = 1;
-constexpr short kCancel = 2;
 constexpr short kNotePopup = 3;
 constexpr short kListen = 4;
 constexpr short kOctaveField = 5;
@@ -31,13 +28,13 @@ void initialise(SXWindow dialog, const MirrorAxis& axis) {
 }
 
 void accept(SXWindow dialog, MirrorAxis& axis) {
-    axis.simplifySpelling = static_cast<std::int16_t>(SX_GetDlgItemVal(dialog, kSimplifyCheck, kCheckValue));
-    const auto note = static_cast<short>(SX_GetDlgItemVal(dialog, kNotePopup, kPopupValue));
+    axis.simplifySpelling = kit::check(dialog, kSimplifyCheck);
+    const short note = kit::popup(dialog, kNotePopup);
     if (note >= 1 && note <= kNotePopupEntries) {
         axis.axis = static_cast<std::int16_t>((note - 1) / 3);
         axis.axisAlteration = static_cast<std::int16_t>((note - 1) % 3 - 1);
     }
-    const auto octave = static_cast<short>(SX_GetDlgItemVal(dialog, kOctaveField, kNumberValue));
+    const short octave = kit::number(dialog, kOctaveField);
     axis.axis = static_cast<std::int16_t>(axis.axis + (octave - axis.middleCOctave) * 7);
 }
 
@@ -62,11 +59,11 @@ int MirrorInversionDialogProc(SXWindow dialog, std::uint16_t message, short item
     }
     if (message != kDialogCommand) return 0;
     switch (item) {
-        case kOk:
+        case kit::kOk:
             accept(dialog, axis);
             SX_EndDialog(dialog);
             return 1;
-        case kCancel:
+        case kit::kCancel:
             SX_EndDialog(dialog);
             return 1;
         case kListen:

@@ -3,19 +3,21 @@
 
 #include <array>
 #include <cstddef>
-#include <initializer_list>
 
-#include "kit/dialog_handlers.h"
-#include "kit/host_api.h"
+#include "kit/dialogs.h"
 
 namespace {
+
+using kit::kCancel;
+using kit::kOk;
+using kit::number;
+using kit::popup;
+using kit::showItems;
 
 constexpr short kTransposeDialog = 20150;
 constexpr short kOtherDialog = 20180;
 
 // Items of the transposition dialog.
-constexpr short kOk = 1;
-constexpr short kCancel = 2;
 constexpr short kKindPopup = 3;
 constexpr short kSemitonesPopup = 4;
 constexpr short kDiatonicPopup = 5;
@@ -24,7 +26,7 @@ constexpr short kDirectionPopup = 7;
 constexpr short kSpellingPopup = 8;
 constexpr short kOctavesField = 9;
 
-// Items of the dialog for other intervals; OK and Cancel are as above.
+// Items of the dialog for other intervals.
 constexpr short kStepsField = 4;
 constexpr short kAlterationLabel = 5;
 constexpr short kAlterationField = 6;
@@ -63,14 +65,6 @@ template <std::size_t N>
 Size sizeAt(const std::array<Size, N>& table, short item) {
     if (item < 1 || item > static_cast<short>(N)) return {0, 0};
     return table[static_cast<std::size_t>(item - 1)];
-}
-
-short popup(SXWindow dialog, short item) {
-    return static_cast<short>(SX_GetDlgItemVal(dialog, item, kPopupValue));
-}
-
-short number(SXWindow dialog, short item) {
-    return static_cast<short>(SX_GetDlgItemVal(dialog, item, kNumberValue));
 }
 
 std::int16_t negated(std::int16_t value) {
@@ -172,10 +166,6 @@ void popupChanged(SXWindow dialog, short item, STStruct& settings) {
         default:
             break;
     }
-}
-
-void showItems(SXWindow dialog, std::initializer_list<short> items, bool shown) {
-    for (const short item : items) SX_ShowHideDlgItem(dialog, item, shown ? 1 : 0);
 }
 
 // The record of the dialog for other intervals.

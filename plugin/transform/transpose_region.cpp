@@ -1,8 +1,6 @@
 // The two transpositions of a region.
 #include "transform/transpose_region.h"
 
-#include <optional>
-
 #include "kit/region_walk.h"
 #include "transform/pitch.h"
 
@@ -18,16 +16,15 @@ short TransposeDiatonic(EREGION* region, short steps, short alteration, CProgres
         changed = true;
     };
     const auto walk =
-        kit::walkByMeasure(*region, *progress, [&](short, short) { return std::optional(moveEntry); });
+        kit::walkByMeasure(*region, *progress, [&](kit::StaffMeasure& here) { here.editEntries(moveEntry); });
     return changed || walk.cancelled;
 }
 
 short TransposeChromatic(EREGION* region, short steps, short alteration, CProgress* progress) {
     const pitch::Interval interval(steps, alteration);
-    kit::walkByMeasure(*region, *progress, [&](short measure, short slot) {
-        const short staff = SX_SlotToInst(slot, region->start.staffList);
-        const std::uint16_t mode = pitch::modeOfKey(SX_GetKeySig(measure, staff, 0, 0));
-        return std::optional([&interval, mode](EXENTRY& entry) {
+    kit::walkByMeasure(*region, *progress, [&](kit::StaffMeasure& here) {
+        const std::uint16_t mode = pitch::modeOfKey(here.keySignature());
+        here.editEntries([&](EXENTRY& entry) {
             for (short i = 0; i < entry.noteCount; ++i) {
                 interval.move(entry.notes[i], mode);
                 entry.notes[i].noteFlags |= NOTE_FLAG24;

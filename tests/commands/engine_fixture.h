@@ -15,6 +15,12 @@
 
 namespace rovescio::test {
 
+// A region by the list of all staves, from one position to another, both included.
+inline EREGION region(short startSlot, short endSlot, short startMeasure, short endMeasure,
+                      std::int32_t startPosition = 0, std::int32_t endPosition = 0x7FFFFFFF) {
+    return {{0, startSlot, startMeasure, startPosition}, {0, endSlot, endMeasure, endPosition}};
+}
+
 // The engine's session over a score given as text; every broken rule fails the test.
 class EngineFixture {
   public:
@@ -37,39 +43,31 @@ class EngineFixture {
     EngineFixture(const EngineFixture&) = delete;
     EngineFixture& operator=(const EngineFixture&) = delete;
 
-    // From one position to another, both included.
-    static EREGION region(short startSlot, short endSlot, short startMeasure, short endMeasure,
-                          std::int32_t startPosition = 0, std::int32_t endPosition = 0x7FFFFFFF) {
-        return {{0, startSlot, startMeasure, startPosition}, {0, endSlot, endMeasure, endPosition}};
-    }
     EREGION everything() const { return region(1, document.staffCount(), 1, document.measureCount()); }
 
     // Runs one transformation inside a mass edit; the edit is ended as the transformation left it.
     template <class Transformation>
     short run(Transformation&& transformation) {
         kit::MassEdit massEdit;
-        const short result = transformation(&massEdit.progress);
+        const auto result = static_cast<short>(transformation(&massEdit.progress));
         cancelled = massEdit.progress.cancelled != 0;
         massEdit.end();
         return result;
     }
-
-    // The same with a command of the plug-in and its arguments between the region and the progress.
+    // The same with a command of the plug-in and its arguments, of which plain numbers are short ones there,
+    // between the region and the progress.
     template <class Command, class... Arguments>
-    short transform(EREGION region, Command command, Arguments... arguments) {
-        return run([&](CProgress* progress) { return command(&region, parameter(arguments)..., progress); });
+    short transform(EREGION selected, Command command, Arguments... arguments) {
+        return run([&](CProgress* progress) {
+            return command(&selected,
+                           std::conditional_t<std::is_same_v<Arguments, int>, short, Arguments>(arguments)...,
+                           progress);
+        });
     }
-
     // Opens the plug-in's main dialog for a user.
     void workMainDialog(const std::function<void(MemoryDialog&)>& user) {
         front.users[20130] = user;
         EXPECT_EQ(SUDialog(nullptr, nullptr, nullptr), 0);
-    }
-
-    // Plain numbers are short ones in the plug-in's functions.
-    template <class Value>
-    static auto parameter(Value value) {
-        return std::conditional_t<std::is_same_v<Value, int>, short, Value>(value);
     }
 
     engine::Document document;
@@ -94,19 +92,17 @@ class CallTrace {
     CallTrace(const CallTrace&) = delete;
     CallTrace& operator=(const CallTrace&) = delete;
 
-    // The calls of some functions in order, as "load s1 m2 l0" and "poll" for frames and progress.
+    // Loads of frames and polls of progress in order, as "s1m2l0 " and "poll ".
     [[nodiscard]] std::string walk() const {
         std::istringstream in(out_.str());
-        std::string line;
         std::string result;
-        while (std::getline(in, line)) {
-            int slot = 0;
-            int measure = 0;
-            int layer = 0;
-            if (std::sscanf(line.c_str(), "SX_LoadTGF(staffList=0, slot=%d, measure=%d, layer=%d", &slot,
-                            &measure, &layer) == 3) {
-                result += "s" + std::to_string(slot) + "m" + std::to_string(measure) + "l" +
-                          std::to_string(layer) + " ";
+        for (std::string line; std::getline(in, line);) {
+            int place[3];
+            if (std::sscanf(line.c_str(), "SX_LoadTGF(staffList=0, slot=%d, measure=%d, layer=%d", &place[0],
+                            &place[1], &place[2]) == 3) {
+                char text[40];
+                std::snprintf(text, sizeof text, "s%dm%dl%d ", place[0], place[1], place[2]);
+                result += text;
             } else if (line.starts_with("SX_MassEditProgress(")) {
                 result += "poll ";
             }

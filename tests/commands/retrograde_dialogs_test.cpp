@@ -12,26 +12,12 @@
 namespace rovescio::test {
 namespace {
 
-using engine::HostFunction;
-using engine::planFault;
-
 class RetrogradeDialogsTest : public testing::Test {
   protected:
     RetrogradeDialogsTest() {
         SUItems = {};
         engine.session.selection = engine.everything();
     }
-
-    // Another C against the first note.
-    void addSecondVoice() {
-        editEntries(engine.document, {1, 1, 0}, [&](std::vector<EXENTRY>& entries) {
-            entries.insert(entries.begin(), entries.front());
-            entries[0].entryFlags |= ENTRY_STARTS_VOICE2;
-            entries[1].entryFlags |= ENTRY_VOICE2;
-            entries[1].entryNumber = engine.document.nextEntryNumber();
-        });
-    }
-
     EngineFixture engine{{"C 3/4 c4:q d4:q e4:q | f4:h."}};
 };
 
@@ -47,10 +33,8 @@ TEST_F(RetrogradeDialogsTest, OptionsComeBackFromTheCheckBoxes) {
         engine.front.users[20190] = [&, boxes = boxes, button = button](MemoryDialog& dialog) {
             EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{{3, boxes[0]}, {4, boxes[1]}}));
             EXPECT_EQ(std::pair(dialog.flags, dialog.parent), std::pair(short{0x3001}, SXWindow{&parent}));
-            EXPECT_EQ(dialog.set(3, boxes[2]) + dialog.set(4, boxes[3]), 0);
-            EXPECT_TRUE(dialog.open);
-            EXPECT_EQ(dialog.press(button), 1);
-            EXPECT_FALSE(dialog.open);
+            EXPECT_TRUE(dialog.set(3, boxes[2]) + dialog.set(4, boxes[3]) == 0 && dialog.open);
+            EXPECT_TRUE(dialog.press(button) == 1 && !dialog.open);
         };
         EXPECT_EQ(RetrogradeOptionsDialog(&parent, options), after) << options;
     }
@@ -71,64 +55,69 @@ TEST_F(RetrogradeDialogsTest, ReportNamesEveryProblemAndOffersRepairWhereItHelps
         {0x10E, false, "20134,2, 20134,3, 20134,9, 20134,11"},
         {0x200, false, ""},
     };
-    engine.session.selection = EngineFixture::region(1, 1, 1, 2);
     for (const auto& [problems, repairable, report] : cases) {
-        short button = 2;
-        engine.front.users[20230] = [&, repairable = repairable, report = report](MemoryDialog& dialog) {
-            EXPECT_EQ(dialog.texts, (std::map<short, std::string>{{2, "1 to 2"}, {3, report}}));
-            EXPECT_EQ(dialog.enabled, (std::map<short, bool>{{7, repairable}}));
-            EXPECT_EQ(dialog.press(button), 1);
-            EXPECT_FALSE(dialog.open);
-        };
-        EXPECT_EQ(RetrogradePreScanDialog(nullptr, problems), 0);
-        button = 1;
-        EXPECT_EQ(RetrogradePreScanDialog(nullptr, problems), 0);
+        for (const short button : {short{1}, short{2}}) {
+            engine.front.users[20230] = [=, &repairable = repairable,
+                                         &report = report](MemoryDialog& dialog) {
+                EXPECT_EQ(dialog.texts, (std::map<short, std::string>{{2, "1 to 2"}, {3, report}}));
+                EXPECT_EQ(dialog.enabled, (std::map<short, bool>{{7, repairable}}));
+                EXPECT_TRUE(dialog.press(button) == 1 && !dialog.open);
+            };
+            EXPECT_EQ(RetrogradePreScanDialog(nullptr, problems), 0);
+        }
     }
 }
 
 TEST_F(RetrogradeDialogsTest, ApplyReversesFirstAndStopsWhereItCannot) {
     engine.session.layerShown = {true, false, false, false};
+    const std::string before = "c4:q d4:q e4:q | f4:h.";
+    const std::string twoVoices = "c4:q c4:q d4:q e4:q | f4:h.";
     const struct {
-        const char* after;
+        std::string after;
         std::vector<std::string> alerts;
         int redraws;
         int cancelAfter = -1;
         std::uint64_t failLoad = 0;  // which of the frames loaded; 0: none
-        short repair = 7;            // the answer to the question
-        bool problem = false;
+        short repair = 0;            // the answer to the question, which a second voice raises
     } cases[] = {
         // Reversed, then a step up.
         {"g4:h. | f4:q e4:q d4:q", {}, 1},
         // The check loads 8 frames, the reversal the ninth and tenth.
-        {"c4:q d4:q e4:q | f4:h.", {"20134,1"}, 0, -1, 10},
+        {before, {"20134,1"}, 0, -1, 10},
         // A cancel during the check, the reversal, the transposition.
-        {"c4:q d4:q e4:q | f4:h.", {}, 0, 3},
-        {"c4:q d4:q e4:q | f4:h.", {}, 0, 10},
-        {"c4:q c4:q d4:q e4:q | f4:h.", {"20134,12"}, 0, -1, 0, 7, true},
+        {before, {}, 0, 3},
+        {before, {}, 0, 10},
+        {twoVoices, {"20134,12"}, 0, -1, 0, 7},
         // A repair draws its work by itself; then a cancel during the second check, and none.
-        {"c4:q c4:q d4:q e4:q | f4:h.", {"20134,12"}, 1, 20, 0, 6, true},
-        {"g4:h. | f4:q e4:q d4:q", {"20134,12"}, 2, -1, 0, 6, true},
+        {twoVoices, {"20134,12"}, 1, 20, 0, 6},
+        {"g4:h. | f4:q e4:q d4:q", {"20134,12"}, 2, -1, 0, 6},
+    };
+    engine.front.users[20230] = [](MemoryDialog& dialog) {
+        EXPECT_EQ(dialog.press(7), 1);
+        if (dialog.open) dialog.press(1);
     };
     for (const auto& c : cases) {
         SUItems = {};
         SUItems.retrogradeOptions = 0;
         SUItems.transpose.kind = kDiatonicTransposition;
         SUItems.transpose.steps = 1;
-        if (c.problem && textOf(engine.document) == "c4:q d4:q e4:q | f4:h.") addSecondVoice();
+        // Another C against the first note.
+        if (c.repair != 0 && textOf(engine.document) == before) {
+            editEntries(engine.document, {1, 1, 0}, [&](std::vector<EXENTRY>& entries) {
+                entries.insert(entries.begin(), entries.front());
+                entries[0].entryFlags |= ENTRY_STARTS_VOICE2;
+                entries[1].entryFlags |= ENTRY_VOICE2;
+                entries[1].entryNumber = engine.document.nextEntryNumber();
+            });
+        }
         engine.front.alerts.clear();
-        engine.front.redraws = 0;
-        engine.front.polls = 0;
+        engine.front.redraws = engine.front.polls = 0;
         engine.front.cancelAfter = c.cancelAfter;
         engine.front.alertAnswer = c.repair;
-        engine.front.users[20230] = [](MemoryDialog& dialog) {
-            EXPECT_EQ(dialog.press(7), 1);
-            if (dialog.open) dialog.press(1);
-        };
-        if (c.failLoad) planFault(HostFunction::SX_LoadTGF, c.failLoad);
+        if (c.failLoad) engine::planFault(engine::HostFunction::SX_LoadTGF, c.failLoad);
         engine.workMainDialog([](MemoryDialog& dialog) {
             dialog.values[9] = 1;
-            EXPECT_EQ(dialog.press(1), 1);
-            EXPECT_TRUE(dialog.open);
+            EXPECT_TRUE(dialog.press(1) == 1 && dialog.open);
         });
         EXPECT_EQ(engine.front.alerts, c.alerts);
         EXPECT_EQ(engine.front.redraws, c.redraws);

@@ -74,35 +74,34 @@ TEST(Exceptions, EndInTheDialogProcedure) {
     STStruct settings;
     MirrorAxis axis;
     std::int16_t steps = 0;
-    const struct {
-        const char* dialog;
-        std::function<void()> open;
-        const char* initThrower;
-    } cases[] = {
-        {"main", [] { ScorixExtensionInvoke(nullptr, 0, nullptr, nullptr); }, "SX_SetDlgItemVal"},
-        {"transposition", [&] { TransposeDialog(nullptr, &settings); }, "SX_SetDlgItemVal"},
-        {"other interval", [&] { OtherTransposeDialog(nullptr, &steps, &steps); }, "SX_SetDlgItemVal"},
-        {"axis", [&] { editMirrorAxis(nullptr, axis); }, "SX_SetDlgItemVal"},
-        {"retrograde options", [] { RetrogradeOptionsDialog(nullptr, 3); }, "SX_SetDlgItemVal"},
-        {"report", [] { RetrogradePreScanDialog(nullptr, 0x200); }, "SX_EnableDlgItem"},
+    const std::function<void()> dialogs[] = {
+        [] { RetrogradePreScanDialog(nullptr, 0x200); },  // the one that sets no value
+        [] { ScorixExtensionInvoke(nullptr, 0, nullptr, nullptr); },
+        [&] { TransposeDialog(nullptr, &settings); },
+        [&] { OtherTransposeDialog(nullptr, &steps, &steps); },
+        [&] { editMirrorAxis(nullptr, axis); },
+        [] { RetrogradeOptionsDialog(nullptr, 3); },
     };
-    for (const auto& c : cases) {
-        // The last two messages are of the kind that no procedure handles.
-        for (const auto& [function, message, item] :
-             {std::tuple(c.initThrower, kDialogInit, short{0}),
-              std::tuple("SX_EndDialog", kDialogCommand, short{2}), std::tuple("", kDialogCommand, short{99}),
-              std::tuple("", std::uint16_t{274}, short{1})}) {
-            SCOPED_TRACE(c.dialog + std::string(" ") + function);
-            thrower = function;
+    // The last two messages are of the kind that no procedure handles.
+    const std::tuple<const char*, std::uint16_t, short> sent[] = {{"init", kDialogInit, 0},
+                                                                  {"SX_EndDialog", kDialogCommand, 2},
+                                                                  {"", kDialogCommand, 99},
+                                                                  {"", 274, 1}};
+    for (const auto& open : dialogs) {
+        for (const auto& [function, message, item] : sent) {
+            SCOPED_TRACE(function + std::to_string(&open - dialogs));
+            thrower = function != std::string("init") ? function
+                      : &open == dialogs              ? "SX_EnableDlgItem"
+                                                      : "SX_SetDlgItemVal";
             messages = {{message, item}};
             answers.clear();
-            EXPECT_NO_THROW(c.open());
+            EXPECT_NO_THROW(open());
             EXPECT_EQ(answers, std::vector<int>{0});
         }
     }
 }
 
-TEST(Exceptions, EndTheMassEditAsCancelled) {
+TEST(Exceptions, EndInTheEntryPointAndEndTheMassEditAsCancelled) {
     InitializeGlobals();
     SUItems = {};
     thrower = "SX_MassEditProgress";
@@ -112,13 +111,9 @@ TEST(Exceptions, EndTheMassEditAsCancelled) {
     EXPECT_EQ(answers, (std::vector<int>{0, 0}));
     EXPECT_EQ(ends, (std::vector<short>{1, 1}));
     EXPECT_EQ(MassEditDepth, 0);
-}
-
-TEST(Exceptions, EndInTheEntryPoint) {
-    InitializeGlobals();
     thrower = "SX_Dialog";
-    EXPECT_EQ(ScorixExtensionInvoke(nullptr, 0, nullptr, nullptr), 0);
-    EXPECT_EQ(Ext_invoke(nullptr, 0, nullptr, nullptr), 0);
+    EXPECT_EQ(ScorixExtensionInvoke(nullptr, 0, nullptr, nullptr) + Ext_invoke(nullptr, 0, nullptr, nullptr),
+              0);
 }
 
 TEST(OctaveOfMiddleC, IsThatOfTheHostsNoteNames) {

@@ -1,7 +1,8 @@
-// Hands dialog procedures to the host in the form it takes.
-#include "kit/dialog_handlers.h"
+// Dialogs of the plug-in: their procedures in the form that the host takes, and their controls.
+#include "kit/dialogs.h"
 
-#include "kit/host_api.h"
+#include <memory>
+#include <type_traits>
 
 namespace {
 
@@ -24,11 +25,22 @@ void DisposeFF_DialogHandlerProc(SXDialogProc /*proc*/) {
 
 namespace kit {
 
+namespace {
+
+// A host that throws while its handler is let go is not asked again.
+struct DisposeHandler {
+    void operator()(SXDialogProc proc) const noexcept try { DisposeFF_DialogHandlerProc(proc); } catch (...) {
+    }
+};
+
+using DialogHandler = std::unique_ptr<std::remove_pointer_t<SXDialogProc>, DisposeHandler>;
+
+}  // namespace
+
 void runSubDialog(short resourceId, SXDialogProc proc, SXWindow parent, void* userData) {
     constexpr short kSubDialogFlags = 0x3001;
-    const SXDialogProc handler = NewFF_DialogHandlerProc(proc);
-    SX_Dialog(resourceId, handler, parent, kSubDialogFlags, userData);
-    DisposeFF_DialogHandlerProc(handler);
+    const DialogHandler handler(NewFF_DialogHandlerProc(proc));
+    SX_Dialog(resourceId, handler.get(), parent, kSubDialogFlags, userData);
 }
 
 }  // namespace kit

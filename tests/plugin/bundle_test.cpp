@@ -1,25 +1,69 @@
-// The built bundle as a host sees it: loaded at run time, called by name, in several languages and places.
+// The built bundle as a host sees it: loaded at run time, called by name, in several languages and places;
+// its texts and dialogs, complete in every language.
 #include <CoreFoundation/CoreFoundation.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
+#include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 
-#include "child_process.h"
 #include "contract/descriptor.h"
 #include "host_double.h"
-#include "strings_file.h"
 #include "util/platform_string.h"
 
 namespace fs = std::filesystem;
 
 namespace {
+
+const std::string kLanguages[] = {"en", "de", "fr", "it", "es", "ja"};
+
+using Texts = std::map<std::string, std::string>;
+
+// The pairs of a file in plugin/resources; reports lines of another form, empty texts and repeated keys.
+Texts readStringsFile(const std::string& language, const std::string& table) {
+    static const std::regex pair(R"re("([0-9.,]+)" = "([^"\\]+)";)re");
+    static const std::regex noPair(R"(|/\* .* \*/)");
+    const std::string path = ROVESCIO_RESOURCES "/" + language + ".lproj/" + table + ".strings";
+    std::ifstream file(path);
+    EXPECT_TRUE(file.is_open()) << path;
+    Texts texts;
+    std::smatch match;
+    for (std::string line; std::getline(file, line);) {
+        if (std::regex_match(line, noPair)) continue;
+        EXPECT_TRUE(std::regex_match(line, match, pair) && texts.emplace(match[1], match[2]).second)
+            << path << ": " << line;
+    }
+    return texts;
+}
+
+// What the body returned when run in a child process under the locale; a child that crashed fails the test.
+std::string runInChild(const std::string& locale, const std::function<std::string()>& body) {
+    const fs::path answer = fs::path(testing::TempDir()) / ("rovescio-answer-" + std::to_string(getpid()));
+    const pid_t child = fork();
+    if (child == 0) {
+        setenv("LC_ALL", locale.c_str(), 1);
+        std::ofstream(answer) << body();
+        _exit(0);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0) << "the child process under " << locale << " came to grief";
+    std::ifstream file(answer);
+    fs::remove(answer);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 const fs::path kBuiltCode = fs::path(ROVESCIO_BUNDLE) / "Contents/MacOS/Rovescio";
 
@@ -30,19 +74,12 @@ struct Extension {
     explicit Extension(const fs::path& code) : image(dlopen(code.c_str(), RTLD_NOW | RTLD_LOCAL)) {
         if (image == nullptr) throw std::runtime_error(dlerror());
     }
-    template <typename Type>
-    Type* symbol(const char* name) const {
-        void* address = dlsym(image, name);
-        if (address == nullptr) throw std::runtime_error(dlerror());
-        return reinterpret_cast<Type*>(address);
-    }
-    void start() const {
-        const char* arguments[] = {"host", nullptr};
-        symbol<int(int, const char**)>("main")(1, arguments);
-    }
+    // What it answers to a question for a command's description, after its start.
     int enumerate(short command, ExtensionDescriptor* descriptor) const {
-        const auto entryPoint = symbol<int(void*, short, ExtensionDescriptor*)>("Ext_enumerate_UTF16");
-        return entryPoint(nullptr, command, descriptor);
+        const char* arguments[] = {"host", nullptr};
+        reinterpret_cast<int (*)(int, const char**)>(dlsym(image, "main"))(1, arguments);
+        using Enumerate = int (*)(void*, short, ExtensionDescriptor*);
+        return reinterpret_cast<Enumerate>(dlsym(image, "Ext_enumerate_UTF16"))(nullptr, command, descriptor);
     }
 };
 
@@ -52,41 +89,63 @@ std::string toUtf8(std::u16string_view units) {
     return bytes;
 }
 
-// The texts of command 0 of a bundle's code in a fresh process, with the alerts they caused.
-std::string textsIn(const fs::path& code, const std::string& locale = "C.UTF-8") {
+// The texts of a command of a bundle's code in a fresh process, with the alerts they caused.
+std::string textsIn(const fs::path& code, const std::string& locale = "C.UTF-8", short command = 0) {
     return runInChild(locale, [&] {
         const Extension extension(code);
-        extension.start();
-        ExtensionDescriptor descriptor;
-        extension.enumerate(0, &descriptor);
+        ExtensionDescriptor descriptor{};
+        if (extension.enumerate(command, &descriptor) == 0) return std::string("refused");
         std::string text;
         for (const char16_t* part : {descriptor.menuText, descriptor.commandName, descriptor.helpText})
             text += toUtf8(part) + "\n";
-        for (const Alert& alert : alerts) text += alert.text + "\n";
+        for (const std::string& alert : alerts) text += alert + "\n";
         return text;
     });
 }
 
 // What the entry points answer to a host otherwise, the validator asks of the built bundle.
-TEST(Descriptor, OfACommandBeforeTheFirstHasTheKeysOfTextsThatAreMissing) {
-    const std::string text = runInChild("C.UTF-8", [] {
-        const Extension extension(kBuiltCode);
-        extension.start();
-        ExtensionDescriptor descriptor;
-        const int answer = extension.enumerate(-1, &descriptor);
-        return std::to_string(answer) + " " + toUtf8(descriptor.menuText);
-    });
-    EXPECT_EQ(text, "1 20128,0");
-}
-
 TEST(Descriptor, SpeaksTheUsersLanguage) {
     for (const std::string locale : {"en_GB.UTF-8", "de_AT.UTF-8", "fr_CA.UTF-8", "it_IT.UTF-8",
                                      "es_MX.UTF-8", "ja_JP.UTF-8", "C", "fi_FI.UTF-8"}) {
         const std::string language = locale == "C" || locale.starts_with("fi") ? "en" : locale.substr(0, 2);
         const Texts texts = readStringsFile(language, "Localizable");
-        EXPECT_EQ(textsIn(kBuiltCode, locale),
-                  texts.at("20128,1") + "\n" + texts.at("20129,1") + "\n" + texts.at("20129,2") + "\n")
-            << locale;
+        const std::string others = texts.at("20129,1") + "\n" + texts.at("20129,2") + "\n";
+        EXPECT_EQ(textsIn(kBuiltCode, locale), texts.at("20128,1") + "\n" + others) << locale;
+        // A command before the first has the key of a text that is missing.
+        EXPECT_EQ(textsIn(kBuiltCode, locale, -1), "20128,0\n" + others) << locale;
+    }
+}
+
+TEST(Resources, NoMenuHasATextTwice) {
+    for (const auto& language : kLanguages) {
+        std::set<std::string> seen;
+        for (const auto& [key, text] : readStringsFile(language, "Dialogs")) {
+            const bool isEntry = std::count(key.begin(), key.end(), '.') == 2;
+            const std::string menu = key.substr(0, key.rfind('.'));
+            EXPECT_TRUE(!isEntry || seen.insert(menu + text).second) << "twice: " << language << key << text;
+        }
+    }
+}
+
+TEST(Resources, EveryLanguageHasEveryTextAndItFits) {
+    // Keys and the most units of their texts, where there is a limit.
+    const std::map<std::string, CFIndex> limits = {{"20128,1", 127},  {"20129,1", 127},  {"20129,2", 127},
+                                                   {"20134,1", 999},  {"20134,2", 63},   {"20134,3", 63},
+                                                   {"20134,9", 63},   {"20134,10", 63},  {"20134,11", 63},
+                                                   {"20134,12", 999}, {"20134,13", 999}, {"20139,1", 63}};
+    for (const auto& language : kLanguages) {
+        const Texts texts = readStringsFile(language, "Localizable");
+        EXPECT_EQ(texts.size(), limits.size()) << language;
+        for (const auto& [key, limit] : limits) {
+            SCOPED_TRACE(testing::Message() << language << " " << key);
+            ASSERT_TRUE(texts.contains(key));
+            const bool isRange = key == "20139,1";
+            EXPECT_TRUE(!isRange || std::regex_match(texts.at(key), std::regex("[^%]*%d[^%]*%d[^%]*")));
+            const PlatformOwned<CFStringRef> text(
+                CFStringCreateWithCString(kCFAllocatorDefault, texts.at(key).c_str(), kCFStringEncodingUTF8));
+            // Measures have up to three digits more than the format has for them.
+            EXPECT_LE(CFStringGetLength(text.get()) + (isRange ? 6 : 0), limit);
+        }
     }
 }
 
@@ -124,7 +183,7 @@ TEST_F(ScratchBundle, IsTheInnermostWithAnExecutableKey) {
     placeTexts("Contents", "of the folder Contents");
     placeInfo("Contents/MacOS/deep/Info.plist", "CFBundleName");
     placeTexts("Contents/MacOS/deep", "inner");
-    const std::string alert = "Missing Localizable.strings\n";
+    const std::string alert = "0 Missing Localizable.strings\n";
     EXPECT_EQ(textsIn(code), "20128,1\n20129,1\n20129,2\n" + alert + alert + alert);
     placeTexts("Contents/Resources", std::string(128, 'x'));
     EXPECT_EQ(textsIn(code), std::string(127, 'x') + "\n20129,1\n20129,2\n") << "cut and terminated";
@@ -135,12 +194,12 @@ TEST_F(ScratchBundle, SharesTheLibraryThatItCarriesWithAHostThatHasIt) {
     const std::string files = runInChild("C.UTF-8", [&] {
         const Extension extension(root_ / "Contents/MacOS/Rovescio");
         std::ifstream maps("/proc/self/maps");
-        std::set<std::string> paths;
-        for (std::string line; std::getline(maps, line);) {
-            if (line.find("RovescioPlatform") != std::string::npos) paths.insert(line.substr(line.find('/')));
-        }
         std::string text;
-        for (const std::string& path : paths) text += path;
+        for (std::string line; std::getline(maps, line);) {
+            const bool ofLibrary = line.find("RovescioPlatform") != std::string::npos;
+            const std::string path = ofLibrary ? line.substr(line.find('/')) : "";
+            if (text.find(path) == std::string::npos) text += path;
+        }
         return text;
     });
     EXPECT_EQ(files, ROVESCIO_BUNDLE "/Contents/Frameworks/libRovescioPlatform.so.1");
@@ -173,7 +232,7 @@ TEST_F(ScratchBundle, IsFoundHoweverThePathOfItsCodeIsSpelled) {
 
 TEST_F(ScratchBundle, IsMissedWithAnAssertion) {
     const Extension extension(placeCode("loose"));
-    ExtensionDescriptor descriptor;
+    ExtensionDescriptor descriptor{};
     EXPECT_DEATH(extension.enumerate(0, &descriptor),
                  "LIB/portable:176: CopyPlugInStringResource: Assertion `bundleRef != NULL' failed");
 }
@@ -182,14 +241,9 @@ TEST_F(ScratchBundle, IsMissedWithAnAssertion) {
 TEST_F(ScratchBundle, CatchesExceptionsOfTheHostWhileItDescribesItsCommand) {
     const auto code = placeCode("Contents/MacOS");
     placeInfo("Contents/Info.plist");
-    const std::string answer = runInChild("C.UTF-8", [&] {
-        const Extension extension(code);
-        extension.start();
-        alertThrows = true;
-        ExtensionDescriptor descriptor;
-        return std::to_string(extension.enumerate(0, &descriptor));
-    });
-    EXPECT_EQ(answer, "0");
+    alertThrows = true;
+    EXPECT_EQ(textsIn(code), "refused");
+    alertThrows = false;
 }
 
 TEST(ExportTable, HoldsTheEntryPointsAndTheTwoGlobalsOnly) {
