@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "xml/decoding.h"
+
 namespace rovescio::xml {
 
 namespace {
@@ -74,8 +76,8 @@ bool Edits::says(Node node, std::string_view text) const {
 std::string Edits::attribute(Node node, std::string_view name) const {
     const std::string_view tag = startTag(node);
     const AttributePlace place = findAttribute(tag, name);
-    return place.exists() ? decoded(tag.substr(place.valueBegin, place.valueEnd - place.valueBegin))
-                          : std::string();
+    if (!place.exists()) return {};
+    return decoded(withoutLineEnds(tag.substr(place.valueBegin, place.valueEnd - place.valueBegin)));
 }
 
 void Edits::children(Node node, std::vector<Node>& list) const {

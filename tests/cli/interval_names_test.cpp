@@ -92,18 +92,10 @@ TEST(IntervalNames, UnknownOnesNameTheNearestAndWhatIsUnderstood) {
             ASSERT_FALSE(interval) << name << " became " << shown(interval.value());
             EXPECT_NE(interval.problem().message.find(message), std::string::npos) << name;
             EXPECT_FALSE(interval.problem().remedy.empty());
-            const bool suggests = interval.problem().message.find("perhaps") != std::string::npos;
-            EXPECT_EQ(suggests, std::string(message).find("perhaps") == 0) << interval.problem().message;
+            const bool suggests = interval.problem().message.find("did you mean") != std::string::npos;
+            EXPECT_EQ(suggests, std::string(message).starts_with("did you")) << interval.problem().message;
         }
     }
-}
-
-TEST(IntervalNames, SemitonesSplitIntoOctavesAndRest) {
-    const Transposition interval = bySemitones(-15, Transposition::Spelling::sharps);
-    EXPECT_TRUE(interval.down);
-    EXPECT_EQ(interval.semitones, 3);
-    EXPECT_EQ(interval.octaves, 1);
-    EXPECT_EQ(interval.spelling, Transposition::Spelling::sharps);
 }
 
 }  // namespace

@@ -51,9 +51,9 @@ TEST_F(Inverting, AfterTranspositionAndBeforeTheAccidentals) {
 TEST_F(Inverting, NotesShowTheAccidentalsThatAreAskedFor) {
     // F sharp twice, the second under the first one's sign; a natural that somebody wanted, and one that is
     // too much.
-    const std::string score = scoreOf({note("f#4:q", "<accidental>sharp</accidental>") + note("f#4:q") +
-                                       note("g4:q", "<accidental cautionary=\"yes\">natural</accidental>") +
-                                       note("a4:q", "<accidental>natural</accidental>")});
+    const std::string score = scoreOf({note("f#4:q", accidental("sharp")) + note("f#4:q") +
+                                       note("g4:q", accidental("natural", " cautionary=\"yes\"")) +
+                                       note("a4:q", accidental("natural"))});
     const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
         {"as-needed", "F#4 F#4 G4 A4", "sharp natural", "changed 1 of 4 notes"},
         {"always", "F#4 F#4 G4 A4", "sharp sharp natural natural", "changed 1 of 4 notes"},

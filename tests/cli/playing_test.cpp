@@ -77,24 +77,19 @@ TEST_F(Playing, HandsTheMusicToTheSynthesiser) {
 TEST_F(Playing, RefusesWhatCannotBeDone) {
     write("taken.mid", "old");
     fs::create_hard_link(path("score.musicxml"), path("same.mid"));
-    const std::tuple<const char*, int, const char*> cases[] = {
-        {"score.musicxml --midi score.musicxml", 2, "would replace the score itself"},
-        {"score.musicxml --midi same.mid", 2, "would replace the score itself"},
-        {"score.musicxml --midi new.musicxml", 2, "Choose a name that ends in .mid"},
-        {"score.musicxml --midi a.mid -o new.musicxml", 2, "nothing to change for -o"},
-        {"score.musicxml greensleeves.musicxml --midi a.mid", 2, "for one score"},
-        {"score.musicxml --midi a.mid --info", 2, "--info shows scores"},
-        {"score.musicxml --midi nowhere/a.mid -o new.musicxml --steps 1", 4,
-         "nowhere/a.mid: cannot be written"},
-        {"score.musicxml --midi /dev/full -o new.musicxml --steps 1", 4, "/dev/full: cannot be written"},
-        {"score.musicxml --measures 9 --midi taken.mid", 1, "there is no measure 9"},
-        {"score.musicxml --invert chromatic --axis C4 --midi-port X -o new.musicxml", 2, "for --axis midi"},
-        {"score.musicxml --invert chromatic --axis midi --midi-port 'No such port' -o new.musicxml", 3,
-         "MIDI"},
-    };
-    for (const auto& [options, code, said] : cases) {
-        expectRefused(std::string("rovescio ") + options, code, said);
-    }
+    expectRefusals(R"(
+        2 | rovescio score.musicxml --midi score.musicxml | would replace the score itself
+        2 | rovescio score.musicxml --midi same.mid | would replace the score itself
+        2 | rovescio score.musicxml --midi new.musicxml | Choose a name that ends in .mid
+        2 | rovescio score.musicxml --midi a.mid -o new.musicxml | nothing to change for -o
+        2 | rovescio score.musicxml greensleeves.musicxml --midi a.mid | for one score
+        2 | rovescio score.musicxml --midi a.mid --info | --info shows scores
+        4 | rovescio score.musicxml --midi nowhere/a.mid -o new.musicxml --steps 1 | nowhere/a.mid: cannot be written
+        4 | rovescio score.musicxml --midi /dev/full -o new.musicxml --steps 1 | /dev/full: cannot be written
+        1 | rovescio score.musicxml --measures 9 --midi taken.mid | there is no measure 9
+        2 | rovescio score.musicxml --invert chromatic --axis C4 --midi-port X -o new.musicxml | for --axis midi
+        3 | rovescio score.musicxml --invert chromatic --axis midi --midi-port 'No such port' -o new.musicxml | MIDI
+    )");
     expectRefused("PATH=/nowhere \"$(command -v rovescio)\" score.musicxml --play", 4,
                   "apt install fluidsynth");
     install("");

@@ -50,8 +50,7 @@ TEST_F(RetrogradeRun, TwiceGivesTheFileBack) {
 }
 
 TEST_F(RetrogradeRun, MirrorsKeysOrSpacingWhereThatIsAskedFor) {
-    std::string score =
-        scoreOf({note("c4:w"), "<attributes><key><fifths>2</fifths></key></attributes>" + note("d4:w")});
+    std::string score = scoreOf({note("c4:w"), attributes("2#") + note("d4:w")});
     score.insert(score.find(" number=\"1\"") + 11, " width=\"90\"");
     write("score.musicxml", score);
     const std::tuple<const char*, const char*, const char*> cases[] = {
@@ -66,9 +65,6 @@ TEST_F(RetrogradeRun, MirrorsKeysOrSpacingWhereThatIsAskedFor) {
 }
 
 TEST_F(RetrogradeRun, ChecksRefusesAndRepairs) {
-    const auto slur = [](const std::string& type) {
-        return "<notations><slur type=\"" + type + "\"/></notations>";
-    };
     write("overlapping.musicxml", scoreOf({note("c4:h") + backup(1) + note("d4:h."), note("e4:w")}));
     write("slurred.musicxml",
           scoreOf({note("c4:h") + note("d4:h", slur("start")), note("e4:w", slur("stop"))}));

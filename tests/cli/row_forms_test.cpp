@@ -63,20 +63,17 @@ TEST_F(RowForms, AreThoseOfTheMatrix) {
 }
 
 TEST_F(RowForms, RefusesWhatIsNoRow) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"'0 1 2 3 4 5 6 7 8 9 10' -o a.musicxml", "a row has 12 notes, not 11"},
-        {"'0 1 2 3 4 5 6 7 8 9 10 11 0' -o a.musicxml", "a row has 12 notes, not 13"},
-        {"'0 1 2 3 4 5 6 7 8 9 10 12' -o a.musicxml", "\"12\" is not a pitch class"},
-        {"'0 1 2 3 4 5 6 7 8 9 H 11' -o a.musicxml", "\"H\" is not a pitch class"},
-        {"'C C# Db D Eb E F F# G Ab A Bb' -o a.musicxml", "\"C#\" and \"Db\" are the same note"},
-        {"'0 1 2 3 4 5 6 7 8 9 10 10' -o a.musicxml", "\"10\" comes twice"},
-        {"'0 1 2 3 4 5 6 7 8 9 10 11'", "the result needs a name"},
-        {"'0 1 2 3 4 5 6 7 8 9 10 11' -o a.musicxml --steps 1", "makes a new score"},
-        {"'0 1 2 3 4 5 6 7 8 9 10 11' -o a.musicxml greensleeves.musicxml", "makes a new score"},
-    };
-    for (const auto& [arguments, said] : cases) {
-        expectRefused(std::string("rovescio --row-forms ") + arguments, 2, said);
-    }
+    expectRefusals(R"(
+        2 | rovescio --row-forms '0 1 2 3 4 5 6 7 8 9 10' -o a.musicxml | a row has 12 notes, not 11
+        2 | rovescio --row-forms '0 1 2 3 4 5 6 7 8 9 10 11 0' -o a.musicxml | a row has 12 notes, not 13
+        2 | rovescio --row-forms '0 1 2 3 4 5 6 7 8 9 10 12' -o a.musicxml | "12" is not a pitch class
+        2 | rovescio --row-forms '0 1 2 3 4 5 6 7 8 9 H 11' -o a.musicxml | "H" is not a pitch class
+        2 | rovescio --row-forms 'C C# Db D Eb E F F# G Ab A Bb' -o a.musicxml | "C#" and "Db" are the same note
+        2 | rovescio --row-forms '0 1 2 3 4 5 6 7 8 9 10 10' -o a.musicxml | "10" comes twice
+        2 | rovescio --row-forms '0 1 2 3 4 5 6 7 8 9 10 11' | the result needs a name
+        2 | rovescio --row-forms '0 1 2 3 4 5 6 7 8 9 10 11' -o a.musicxml --steps 1 | makes a new score
+        2 | rovescio --row-forms '0 1 2 3 4 5 6 7 8 9 10 11' -o a.musicxml greensleeves.musicxml | makes a new score
+    )");
 }
 
 }  // namespace

@@ -79,9 +79,8 @@ TEST_F(Transposing, TellsWhatStaysInKeysThatAreNoScales) {
     const std::string key =
         "<key><key-step>F</key-step><key-alter>1</key-alter><key-step>B</key-step><key-alter>-1"
         "</key-alter></key>";
-    const std::string off = "<attributes>" + key + "</attributes>";
-    const std::string scale = "<attributes><key><fifths>0</fifths></key></attributes>";
-    write("score.musicxml", scoreOf({note("c5:w"), off + note("c5:w"), note("c5:w"), scale + note("c5:w")}));
+    write("score.musicxml", scoreOf({note("c5:w"), attributes("", key) + note("c5:w"), note("c5:w"),
+                                     attributes("0#") + note("c5:w")}));
     const std::tuple<const char*, const char*, const char*> cases[] = {
         {"-t M2", "transposed", "| D5 | C5 | C5 | D5"},
         {"--semitones 2", "transposed", "| D5 | C5 | C5 | D5"},
@@ -118,6 +117,7 @@ TEST_F(Transposing, HelpAndVersionGoToStandardOutput) {
     for (const char* text : {"--transpose INTERVAL", "--measures RANGE", "Exit codes:", "Examples:"}) {
         EXPECT_NE(help.out.find(text), std::string::npos) << text;
     }
+    EXPECT_NE(run("rovescio validate --help").out.find("BUNDLE"), std::string::npos);
     EXPECT_EQ(run("rovescio --version").out.find("rovescio 0."), 0U);
 }
 

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -103,6 +104,22 @@ class Workplace : public testing::Test {
         EXPECT_EQ(std::count(refused.err.begin(), refused.err.end(), '\n'), 1) << refused.err;
         EXPECT_EQ(refused.out, "") << line;
         EXPECT_EQ(files(), before) << line;
+    }
+
+    // Runs that must fail, one to a line: the exit code, the command and a part of the message. A command
+    // that does not name the program has the arguments after "rovescio greensleeves.musicxml".
+    void expectRefusals(const std::string& table) const {
+        static const std::regex row(R"( *(\d) \| (.*) \| (.*))");
+        std::istringstream lines(table);
+        std::smatch part;
+        for (std::string line; std::getline(lines, line);) {
+            if (line.find_first_not_of(' ') == std::string::npos) continue;
+            ASSERT_TRUE(std::regex_match(line, part, row)) << line;
+            const std::string command = part[2];
+            const bool isWhole = command.find("rovescio") != std::string::npos;
+            expectRefused(isWhole ? command : "rovescio greensleeves.musicxml " + command, std::stoi(part[1]),
+                          part[3]);
+        }
     }
 
   private:

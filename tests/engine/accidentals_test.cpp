@@ -70,11 +70,11 @@ TEST(Accidentals, UnchangedNotesOnlyGainWhatBecameNecessary) {
 }
 
 TEST(Accidentals, KnowKeyChangesInsideTheMeasure) {
-    Document document = test::scoreFromText({"C 4/4 f#4:h f#4:h"});
+    Document document = test::scoreFromText({"C 4/4 f#4:q f4:q f#4:q f4:q"});
     document.staffMeasure(1, 1).changesInside = true;
     document.addKeyChange({1, 1, 2048, KeySignature::standard(1, false)});
     decideAll(document);
-    EXPECT_EQ(test::textOf(document), "f#4!:h f#4:h");
+    EXPECT_EQ(test::textOf(document), "f#4!:q f4!:q f#4:q f4!:q");
 }
 
 }  // namespace

@@ -54,12 +54,5 @@ TEST(KeySignature, KeepsEveryPitchThatItStores) {
     }
 }
 
-TEST(SpelledPitch, SemitonesAreCountedFromMiddleC) {
-    const std::pair<const char*, int> cases[] = {{"c4", 0},  {"b3", -1},  {"b#3", 0}, {"cb4", -1},
-                                                 {"c5", 12}, {"f##4", 7}, {"a0", -39}};
-    for (const auto& [pitch, height] : cases)
-        EXPECT_EQ(semitones(test::pitchFromText(pitch)), height) << pitch;
-}
-
 }  // namespace
 }  // namespace rovescio::engine

@@ -113,6 +113,8 @@ TEST(CompressedScore, badArchivesAreRefused) {
          "the compressed score is encrypted. Save it without a password."},
     };
     ASSERT_EQ(problemOf(good, {65536}), "");
+    ASSERT_EQ(problemOf(smallScore(), {smallScore().size()}), "");
+    ASSERT_NE(problemOf(smallScore(), {smallScore().size() - 1}), "");
     for (const auto& [name, bytes, message] : cases) {
         SCOPED_TRACE(name);
         EXPECT_EQ(problemOf(bytes, {65536}), "test.musicxml: " + message);

@@ -19,17 +19,17 @@ using test::scoreOfParts;
 TEST(Proofreading, TellsWhatIsNotAsItShouldBe) {
     using Part = std::vector<std::string>;
     const auto part = [](int number) { return "part " + std::to_string(number); };
-    const Part whole = {note("c4:h") + note("d4:h"), note("e4:w")};
-    const std::string faster = "<attributes><divisions>8</divisions></attributes>";
-    const std::string sound = scoreOfParts({whole, {note("f4:w"), note("g4:w")}});
+    const Part whole = {note("c4:q") + note("d4:q"), note("e4:w")};
+    const std::string faster = test::attributes("8");
+    const std::string sound = scoreOfParts({whole, {note("f4:h"), note("g4:w")}});
     const std::pair<std::string, std::string> cases[] = {
         {sound, ""},
-        {scoreOfParts({whole, {note("f4:h") + note("r:h"), faster + test::timedNote("G", "32")}}), ""},
+        {scoreOfParts({whole, {note("f4:q") + note("r:q"), faster + test::timedNote("G", "32")}}), ""},
         {sound.substr(0, sound.rfind("</part>")), "its XML is not well-formed: the text ends inside <part>"},
         {scoreOfParts({whole}), "it has 1 parts instead of 2"},
         {scoreOfParts({whole, whole, whole}), "it has 3 parts instead of 2"},
-        {scoreOfParts({whole, {note("f4:w")}}), part(2) + " has 1 measures instead of 2"},
-        {scoreOfParts({whole, {note("f4:w"), note("g4:h")}}),
+        {scoreOfParts({whole, {note("f4:h")}}), part(2) + " has 1 measures instead of 2"},
+        {scoreOfParts({whole, {note("f4:h"), note("g4:q")}}),
          "measure 2 of " + part(2) + " has a different length than before"},
         {scoreOfParts({{faster + whole[0], whole[1]}, whole}),
          "measure 1 of " + part(1) + " has a different length than before"},
@@ -50,9 +50,9 @@ TEST(Proofreading, TellsWhatIsNotAsItShouldBe) {
         EXPECT_EQ(proofread(text), fault) << text;
     }
     // A measure that the document makes shorter may have its new length as well as its old one.
-    document.staffMeasure(2, 2).duration = 2048;
-    for (const char* last : {"g4:h", "g4:w"}) {
-        EXPECT_EQ(proofread(scoreOfParts({whole, {note("f4:w"), note(last)}})), "");
+    document.staffMeasure(2, 2).duration = 3072;
+    for (const std::string& last : {note("g4:h") + note("r:q"), note("g4:w")}) {
+        EXPECT_EQ(proofread(scoreOfParts({whole, {note("f4:h"), last}})), "");
     }
 }
 

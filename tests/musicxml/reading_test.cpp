@@ -29,22 +29,21 @@ std::vector<ReadingCase> readingCases() {
     }
     return {
         {"notes, rests and written accidentals",
-         note("c4:e") + note("g#4:e", "<accidental cautionary=\"yes\">sharp</accidental>") +
-             note("f#4:q", "<accidental>sharp</accidental>") +
-             note("bb3:q", "<accidental parentheses=\"yes\">flat</accidental>") + note("r:q"),
+         note("c4:e") + note("g#4:e", accidental("sharp", " cautionary=\"yes\"")) +
+             note("f#4:q", accidental("sharp")) + note("bb3:q", accidental("flat", " parentheses=\"yes\"")) +
+             note("r:q"),
          {{1, 0, "c4:e g#4!+:e f#4!:q bb3!+:q r:q"}}},
         {"chords are sorted upward",
          note("e5:h") + chordNote("c4:h") + chordNote("g4:h") + note("r:h"),
          {{1, 0, "<c4 g4 e5>:h r:h"}}},
         {"ties by either element",
          note("c4:h", "<notations><tied type=\"start\"/></notations>") +
-             timedNote("C", "8", "<tie type=\"stop\"/><tie type=\"start\"/>"),
+             timedNote("C", "8", tie("stop") + tie("start")),
          {{1, 0, "c4~:h c4~^:h"}}},
         {"dots and tuplets, nested ones multiplied",
          timedNote("C", "6", "<type>quarter</type><dot/>") +
              timedNote("D", "1.333333", "<type>quarter</type>") + timedNote("E", "2", "<type>eighth</type>") +
-             "<attributes><divisions>9</divisions></attributes>" +
-             timedNote("F", "3", "<type>eighth</type>" + tuplet(3, 2)) +
+             attributes("9") + timedNote("F", "3", "<type>eighth</type>" + tuplet(3, 2)) +
              timedNote("G", "2", "<type>16th</type>" + tuplet(9, 8)),
          {{1, 0, "c4:q. d4:341 e4:e f4:e*3:2 g4:s*9:8"}}},
         {"the sounding duration where the type does not agree",
@@ -56,13 +55,16 @@ std::vector<ReadingCase> readingCases() {
              "<note><cue/><pitch><step>E</step><octave>5</octave></pitch><duration>8</duration>"
              "<type>half</type></note>",
          {{1, 0, "/d5:e c5:h /e5:s e5:h"}}},
-        {"a note without a voice is of the first", note("c4:h") + voice("1", "d4:h"), {{1, 0, "c4:h d4:h"}}},
+        {"a note without a voice is of the first",
+         "<listening/><grouping type=\"start\"/><link/><bookmark id=\"b\"/>" + note("c4:h") +
+             voice("1", "d4:h"),
+         {{1, 0, "c4:h d4:h"}}},
         {"voices in order of their numbers",
          voice("10", "c4:w") + backup(4) + voice("2", "e4:w") + backup(4) + voice("x", "g4:w"),
          {{1, 0, "e4:w"}, {1, 1, "c4:w"}, {1, 2, "g4:w"}, {1, 3, ""}}},
         {"a voice in another staff is a voice of that staff",
-         "<attributes><staves>2</staves></attributes>" + onStaff("c5:h", 1) +
-             voice("1", "c4:h", "<staff>2</staff>") + backup(4) + onStaff("c3:w", 2),
+         attributes("", "<staves>2</staves>") + onStaff("c5:h", 1) + voice("1", "c4:h", "<staff>2</staff>") +
+             backup(4) + onStaff("c3:w", 2),
          {{1, 0, "c5:h _:h"}, {2, 0, "_:h c4:h"}, {2, 1, "c3:w"}}},
         {"a chord across staves",
          onStaff("c5:w", 1) + chordNote("c3:w", "<staff>2</staff>") + chordNote("e5:w"),
@@ -93,7 +95,7 @@ TEST(ScoreReading, entriesOfAMeasure) {
 TEST(ScoreReading, positionsStayExactAcrossTupletsAndDivisions) {
     std::string measure;
     for (int i = 0; i < 6; ++i) measure += timedNote("C", "0.666666", "");  // not quite a sixth
-    measure += "<attributes><divisions>3</divisions></attributes>";
+    measure += attributes("3");
     for (int i = 0; i < 3; ++i) measure += timedNote("D", "1", "<type>eighth</type>" + tuplet(3, 2));
     measure += "<forward><duration>3</duration></forward>" + timedNote("E", "3", "");
     const OpenScore score = open(scoreOf({measure}));
@@ -165,18 +167,18 @@ TEST(ScoreReading, keysBecomeWordsByTheirThird) {
     };
     for (const auto& key : cases) {
         SCOPED_TRACE(key.key);
-        const OpenScore score = open(scoreOf({"<attributes><key>" + std::string(key.key) +
-                                              "</key></attributes>" + note("f#4:h") + note("bb4:h")}));
+        const OpenScore score = open(scoreOf(
+            {attributes("", "<key>" + std::string(key.key) + "</key>") + note("f#4:h") + note("bb4:h")}));
         EXPECT_EQ(score.document.staffMeasure(1, 1).key.word(), key.word);
         EXPECT_EQ(textOf(score.document), "f#4:h bb4:h");
     }
 }
 
 TEST(ScoreReading, keyChangesCountFromTheNextMeasure) {
-    const std::string twoSharps = "<attributes><key><fifths>2</fifths></key></attributes>";
     const OpenScore score = open(scoreOf({
-        note("c4:h") + twoSharps + note("f#4:h"),                                                // inside
-        note("f#4:w") + "<attributes><key number=\"1\"><fifths>-1</fifths></key></attributes>",  // at the end
+        note("c4:h") + attributes("2#") + note("f#4:h") + backup(3) + attributes("1b") +
+            forward(3),                                                                 // inside
+        note("f#4:w") + attributes("", "<key number=\"1\"><fifths>-1</fifths></key>"),  // at the end
         note("bb4:w"),
     }));
     EXPECT_EQ(textOf(score.document), "c4:h f#4:h | f#4:w | bb4:w");
@@ -184,7 +186,8 @@ TEST(ScoreReading, keyChangesCountFromTheNextMeasure) {
     EXPECT_EQ(word(1), 0);
     EXPECT_EQ(word(2), 2);
     EXPECT_EQ(word(3), 0xFF);
-    EXPECT_EQ(score.document.keyAt(1, 1, 2047).word(), 0);
+    EXPECT_EQ(score.document.keyAt(1, 1, 1023).word(), 0);
+    EXPECT_EQ(score.document.keyAt(1, 1, 2047).word(), 0xFF);
     EXPECT_EQ(score.document.keyAt(1, 1, 2048).word(), 2);
     EXPECT_TRUE(score.document.staffMeasure(1, 1).changesInside);
     EXPECT_FALSE(score.document.staffMeasure(1, 2).changesInside);
@@ -192,8 +195,8 @@ TEST(ScoreReading, keyChangesCountFromTheNextMeasure) {
 
 TEST(ScoreReading, onlyAClefThatIsAnotherOneChangesInside) {
     const OpenScore score =
-        open(scoreOf({note("c4:h") + clef("G", 2) + note("c4:h"), note("c4:h") + clef("F", 4) + note("c4:h"),
-                      clef("C", 3) + note("c4:w")}));
+        open(scoreOf({note("c4:h") + attributes("G2") + note("c4:h"),
+                      note("c4:h") + attributes("F4") + note("c4:h"), attributes("C3") + note("c4:w")}));
     EXPECT_FALSE(score.document.staffMeasure(1, 1).changesInside);
     EXPECT_TRUE(score.document.staffMeasure(1, 2).changesInside);
     EXPECT_FALSE(score.document.staffMeasure(1, 3).changesInside);
@@ -201,7 +204,7 @@ TEST(ScoreReading, onlyAClefThatIsAnotherOneChangesInside) {
 
 TEST(ScoreReading, measuresAreAsLongAsTheirTime) {
     const auto time = [](const std::string& contents) {
-        return "<attributes><divisions>4</divisions><time>" + contents + "</time></attributes>";
+        return attributes("4", "<time>" + contents + "</time>");
     };
     const std::string common = time("<beats>4</beats><beat-type>4</beat-type>");
     const struct {
@@ -218,7 +221,7 @@ TEST(ScoreReading, measuresAreAsLongAsTheirTime) {
          time("<beats>2</beats><beat-type>4</beat-type><beats>3</beats><beat-type>8</beat-type>"), "", 3584,
          1024},
         {"free", time("<senza-misura/>"), note("c4:q"), 1024, 1024},
-        {"none", "<attributes><divisions>4</divisions></attributes>", note("c4:q"), 1024, 1024},
+        {"none", attributes("4"), note("c4:q"), 1024, 1024},
     };
     for (const auto& measure : cases) {
         SCOPED_TRACE(measure.name);
@@ -232,16 +235,14 @@ TEST(ScoreReading, percussionIsOffTheScales) {
     const std::string drum =
         "<note><unpitched><display-step>E</display-step><display-octave>4</display-octave></unpitched>"
         "<duration>8</duration></note><note><unpitched/><duration>8</duration></note>";
-    const OpenScore score = open(
-        scoreOf({drum}, "<attributes><divisions>4</divisions><key><fifths>2</fifths></key></attributes>"));
+    const OpenScore score = open(scoreOf({drum}, attributes("4 2#")));
     EXPECT_TRUE(score.document.staff(1).unpitched);
     EXPECT_EQ(score.document.staffMeasure(1, 1).key.word(), 0x4000);
     EXPECT_EQ(textOf(score.document), "e4:h b4:h");
     EXPECT_EQ(engine::entryState(score.document.entries({1, 1, 0})[0]).unpitched, 1);
 
-    const OpenScore clef = open(
-        scoreOf({note("g4:w")},
-                "<attributes><divisions>4</divisions><clef><sign>percussion</sign></clef></attributes>"));
+    const OpenScore clef =
+        open(scoreOf({note("g4:w")}, attributes("4", "<clef><sign>percussion</sign></clef>")));
     EXPECT_TRUE(clef.document.staff(1).unpitched);
 }
 
@@ -256,8 +257,7 @@ std::string timewiseScore() {
            "</identification>" +
            kParts + "<measure number=\"X1\"><part id=\"A\">" + kCommonAttributes + note("c4:w") +
            "</part><part id=\"B\">" +
-           "<attributes><divisions>4</divisions><key><fifths>2</fifths></key><staves>2</staves>"
-           "<transpose><chromatic>-2</chromatic></transpose></attributes>" +
+           attributes("4 2#", "<staves>2</staves><transpose><chromatic>-2</chromatic></transpose>") +
            note("d4:w") + backup(4) + onStaff("d3:w", 2) +
            "</part></measure><measure number=\"X2\"><part id=\"A\">" + note("e4:w") +
            "</part></measure></score-timewise>";

@@ -85,24 +85,25 @@ std::string chordNote(const std::string& text, const std::string& more) {
     return noteXml("<chord/>", text, more);
 }
 
-std::string timedNote(const std::string& step, const std::string& duration, const std::string& more) {
-    return "<note><pitch><step>" + step + "</step><octave>4</octave></pitch><duration>" + duration +
-           "</duration>" + more + "</note>";
-}
-
-std::string graceNote(const std::string& step, int octave, const std::string& more) {
-    return "<note><grace/><pitch><step>" + step + "</step><octave>" + std::to_string(octave) +
-           "</octave></pitch>" + more + "<type>eighth</type></note>";
-}
-
-std::string tuplet(int actual, int normal) {
-    return "<time-modification><actual-notes>" + std::to_string(actual) + "</actual-notes><normal-notes>" +
-           std::to_string(normal) + "</normal-notes></time-modification>";
-}
-
-std::string clef(const std::string& sign, int line) {
-    return "<attributes><clef><sign>" + sign + "</sign><line>" + std::to_string(line) +
-           "</line></clef></attributes>";
+std::string attributes(const std::string& words, const std::string& more) {
+    std::string text;
+    std::string clef;
+    std::istringstream in(words);
+    for (std::string word; in >> word;) {
+        const std::string number = word.substr(0, word.find_first_not_of("0123456789"));
+        const std::string rest = word.substr(number.size());
+        if (rest.empty()) {
+            text += "<divisions>" + number + "</divisions>";
+        } else if (rest == "#" || rest == "b") {
+            text += "<key><fifths>" + (rest == "b" ? "-" + number : number) + "</fifths></key>";
+        } else if (rest[0] == '/') {
+            text += "<time><beats>" + number + "</beats><beat-type>" + rest.substr(1) + "</beat-type></time>";
+        } else {
+            clef = "<clef><sign>" + word.substr(0, word.size() - 1) + "</sign><line>" + word.back() +
+                   "</line></clef>";
+        }
+    }
+    return "<attributes>" + text + more + clef + "</attributes>";
 }
 
 std::string voice(const std::string& number, const std::string& notes, const std::string& more) {
@@ -115,10 +116,6 @@ std::string voice(const std::string& number, const std::string& notes, const std
         text += xml;
     }
     return text;
-}
-
-std::string backup(int quarters) {
-    return "<backup><duration>" + std::to_string(4 * quarters) + "</duration></backup>";
 }
 
 void OpenScore::setPitch(const std::string& pitch, std::size_t entry, int noteId, short layer, short staff) {

@@ -27,16 +27,57 @@ std::string note(const std::string& text, const std::string& more = "");
 // The same as a further note of the chord before it.
 std::string chordNote(const std::string& text, const std::string& more = "");
 // A note in the fourth octave with the duration as it is given, and with more children after that.
-std::string timedNote(const std::string& step, const std::string& duration, const std::string& more = "");
+inline std::string timedNote(const std::string& step, const std::string& duration,
+                             const std::string& more = "") {
+    return "<note><pitch><step>" + step + "</step><octave>4</octave></pitch><duration>" + duration +
+           "</duration>" + more + "</note>";
+}
 // A grace note of such a pitch, with more children in front of its type.
-std::string graceNote(const std::string& step, int octave, const std::string& more = "");
+inline std::string graceNote(const std::string& step, int octave, const std::string& more = "") {
+    return "<note><grace/><pitch><step>" + step + "</step><octave>" + std::to_string(octave) +
+           "</octave></pitch>" + more + "<type>eighth</type></note>";
+}
 // What makes a note one of a tuplet.
-std::string tuplet(int actual, int normal);
-std::string clef(const std::string& sign, int line);
+inline std::string tuplet(int actual, int normal) {
+    return "<time-modification><actual-notes>" + std::to_string(actual) + "</actual-notes><normal-notes>" +
+           std::to_string(normal) + "</normal-notes></time-modification>";
+}
+// Attributes from words: divisions "4", a key "2#" or "3b", a time "3/8", a clef "F4"; with more elements
+// before the clef.
+std::string attributes(const std::string& words, const std::string& more = "");
+// Directions, and what notes carry.
+inline std::string direction(const std::string& type, const std::string& more = "") {
+    return "<direction><direction-type>" + type + "</direction-type>" + more + "</direction>";
+}
+inline std::string wedge(const std::string& type, const std::string& more = "") {
+    return direction("<wedge type=\"" + type + "\"/>", more);
+}
+inline std::string slur(const std::string& type, const std::string& number = "",
+                        const std::string& beside = "") {
+    const std::string which = number.empty() ? "" : " number=\"" + number + "\"";
+    return "<notations>" + beside + "<slur type=\"" + type + "\"" + which + "/></notations>";
+}
+inline std::string beam(const std::string& value, int level = 1) {
+    return "<beam number=\"" + std::to_string(level) + "\">" + value + "</beam>";
+}
+inline std::string tie(const std::string& type) {
+    return "<tie type=\"" + type + "\"/>";
+}
+inline std::string stem(const std::string& way, const std::string& look = "") {
+    return "<stem" + look + ">" + way + "</stem>";
+}
+inline std::string accidental(const std::string& name, const std::string& look = "") {
+    return "<accidental" + look + ">" + name + "</accidental>";
+}
 // Notes as above, divided by spaces, in one voice.
 std::string voice(const std::string& number, const std::string& notes, const std::string& more = "");
-// A step back by a number of quarters.
-std::string backup(int quarters);
+// Steps by a number of quarters.
+inline std::string backup(int quarters) {
+    return "<backup><duration>" + std::to_string(4 * quarters) + "</duration></backup>";
+}
+inline std::string forward(int quarters) {
+    return "<forward><duration>" + std::to_string(4 * quarters) + "</duration></forward>";
+}
 
 // A score file that is read, with its document.
 struct OpenScore {

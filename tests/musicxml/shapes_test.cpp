@@ -16,14 +16,6 @@ namespace {
 
 using engine::Shape;
 
-std::string slur(const std::string& type, const std::string& number = "", const std::string& beside = "") {
-    const std::string which = number.empty() ? "" : " number=\"" + number + "\"";
-    return "<notations>" + beside + "<slur type=\"" + type + "\"" + which + "/></notations>";
-}
-std::string wedge(const std::string& type, const std::string& beside = "") {
-    return "<direction><direction-type><wedge type=\"" + type + "\"/></direction-type>" + beside +
-           "</direction>";
-}
 std::string inVoice(std::string noteText, const std::string& number, int staff = 1) {
     noteText.insert(noteText.find("<type>"), "<voice>" + number + "</voice>");
     const std::string place = "<staff>" + std::to_string(staff) + "</staff>";
@@ -60,22 +52,29 @@ struct Records {
         session.massEdits.end(massEdit, cancelled);
     }
 
-    // Shapes as "kind first-last", entries by number.
+    // Shapes as "kind first-last", entries by number; with the staves of those that are not on the first, and
+    // "^" or "_" for those placed above or below.
     std::string shapes() const {
         std::string text;
         for (const Shape& shape : open.document.shapes().asRead()) {
             text += std::to_string(shape.kind) + " " + std::to_string(shape.firstEntry) + "-" +
-                    std::to_string(shape.lastEntry) + "; ";
+                    std::to_string(shape.lastEntry);
+            if (shape.firstStaff + shape.lastStaff > 2) {
+                text += "@" + std::to_string(shape.firstStaff) + "-" + std::to_string(shape.lastStaff);
+            }
+            constexpr const char* kEnds[] = {"; ", "^; ", "_; "};
+            text += kEnds[shape.placement];
         }
         return text;
     }
     // The entries of a frame that carry shapes.
-    std::string carriers(short measure, short staff = 1, short layer = 0) {
+    std::string carriers(short measure, bool save = false) {
         std::string text;
-        EXTGF2005a* const frame = session.frames.load({staff, measure, layer});
+        EXTGF2005a* const frame = session.frames.load({1, measure, 0});
         for (int i = 0; i < frame->entryCount; ++i) {
             text += frame->entries[i].updateFlags & ENTRY_HAS_SHAPES ? 's' : '.';
         }
+        if (save) session.frames.save(frame);
         session.frames.free(frame);
         return text;
     }
@@ -101,11 +100,13 @@ struct Records {
         }
     }
     // A shape with all its marks.
-    void make(std::uint16_t kind, std::uint32_t first, std::uint32_t last, short lastMeasure) {
+    void make(std::uint16_t kind, std::uint32_t first, std::uint32_t last, short lastMeasure,
+              short staff = 1) {
         EDTOldSmartShape shape{};
         shape.kind = kind;
         shape.flags = SHAPE_ON_ENTRIES;
-        shape.firstStaff = shape.lastStaff = shape.firstMeasure = 1;
+        shape.firstStaff = shape.lastStaff = staff;
+        shape.firstMeasure = 1;
         shape.lastMeasure = lastMeasure;
         shape.firstEntry = static_cast<std::int32_t>(first);
         shape.lastEntry = static_cast<std::int32_t>(last);
@@ -144,10 +145,10 @@ TEST(Shapes, areFoundByTheirEnds) {
         {"from the lower staff to the upper",
          {up, inVoice(note("g4:w", slur("stop")), "1") + backup(4) + down,
           inVoice(note("f4:w", slur("stop")), "1")},
-         "1 1-2; 1 3-4; "},
+         "1 1-2; 1 3-4@2-1; "},
         {"to the upper staff, end first in the text",
          {inVoice(note("e4:h"), "1") + inVoice(note("f4:h", slur("stop")), "1") + backup(4) + down},
-         "1 3-2; "},
+         "1 3-2@2-1; "},
         {"a chord's later note",
          {note("c4:h") + chordNote("e4:h", slur("start")) + note("d4:h", slur("stop"))},
          "1 1-2; "},
@@ -158,9 +159,11 @@ TEST(Shapes, areFoundByTheirEnds) {
           wedge("stop") + note("f4:w")},
          "2 1-3; 3 3-4; "},
         {"a hairpin inside a note",
-         {note("c4:w") + backup(2) + wedge("crescendo") + "<forward><duration>8</duration></forward>" +
-          wedge("stop")},
+         {note("c4:w") + backup(2) + wedge("crescendo") + forward(2) + wedge("stop")},
          "2 1-1; "},
+        {"a hairpin below",
+         {"<direction placement=\"below\">" + wedge("crescendo").substr(11) + note("c4:w") + wedge("stop")},
+         "2 1-1_; "},
         {"a glissando",
          {note("c4:h", "<notations><glissando type=\"start\"/></notations>") +
           note("d4:h", "<notations><glissando type=\"stop\"/></notations>")},
@@ -213,6 +216,7 @@ TEST(Shapes, leaveTheTextWithTheirMarks) {
     EXPECT_EQ(score.open.written(), text);
 
     score.edit([&] {
+        EXPECT_EQ(score.carriers(1, true), "ss");
         score.removeShapesOf(1);
         EXPECT_EQ(score.carriers(1), ".s");
         // A record that goes by mistake takes nothing with it while its marks show the shape.
@@ -266,6 +270,17 @@ TEST(Shapes, enterTheText) {
              note("e4:h", "<notations><slur type=\"stop\"/><slur type=\"stop\" number=\"3\"/></notations>") +
                  note("f4:h", slur("stop", "2")) + chordNote("a4:h", lyric) + wedge("stop")}));
     EXPECT_EQ(test::open(score.open.written()).document.shapes().asRead().size(), 4U);
+
+    const auto lower = [](const std::string& before, const std::string& behind) {
+        return scoreOfParts({{note("c4:w")},
+                             {attributes("", "<staves>2</staves>") + inVoice(note("c5:w"), "1") + backup(4) +
+                              before + inVoice(note("c3:w"), "5", 2) + behind}});
+    };
+    Records staves(lower("", ""));
+    staves.edit([&] { staves.make(SHAPE_CRESCENDO, 3, 3, 1, 3); });
+    EXPECT_EQ(staves.open.written(),
+              lower(wedge("crescendo", "<staff>2</staff>"), wedge("stop", "<staff>2</staff>")));
+    EXPECT_EQ(Records(staves.open.written()).shapes(), "2 3-3@3-3; ");
 }
 
 std::string keyed(int fifths, const std::string& more = "") {
@@ -273,7 +288,7 @@ std::string keyed(int fifths, const std::string& more = "") {
 }
 
 std::string change(const std::string& contents) {
-    return "<attributes>" + contents + "</attributes>";
+    return attributes("", contents);
 }
 
 TEST(MeasureSpecifications, bringKeysAndSpacingIntoTheText) {
@@ -294,7 +309,7 @@ TEST(MeasureSpecifications, bringKeysAndSpacingIntoTheText) {
         return text + "</score-partwise>";
     };
     const auto first = [](const std::string& key, const std::string& more = "") {
-        return "<attributes><divisions>4</divisions>" + key + more + "</attributes>";
+        return attributes("4", key + more);
     };
     const std::string transpose = "<transpose><diatonic>-1</diatonic><chromatic>-2</chromatic></transpose>";
     const std::string staves = "<staves>1</staves>";
@@ -353,6 +368,76 @@ TEST(MeasureSpecifications, bringKeysAndSpacingIntoTheText) {
             {first(keyed(1), transpose), "", change(keyed(1, "<mode>minor</mode>")), change(keyed(4))}));
 }
 
+TEST(MeasureSpecifications, areAsWideAsTheTextSays) {
+    for (const auto& [text, width] :
+         {std::pair("90.05", 901), {"90.04", 900}, {"0", 0}, {"-1", 0}, {"99999", 32767}}) {
+        std::string score = scoreOf({note("c4:w")});
+        score.insert(score.find(" number=\"1\""), " width=\"" + std::string(text) + "\"");
+        EXPECT_EQ(+Records(score).load<EDTMeasureSpec2014>(kMeasureSpecTag, EDATAKEY{1, 0})->width, width)
+            << text;
+    }
+}
+
+// Sets the second measure's key or the space before it.
+template <class Change>
+void editSecond(Records& score, const Change& change) {
+    EDATAKEY second{2, 0};
+    auto spec = *score.load<EDTMeasureSpec2014>(kMeasureSpecTag, second);
+    change(spec);
+    score.edit([&] {
+        EXPECT_TRUE(score.records.save(kMeasureSpecTag, &second, std::as_bytes(std::span(&spec, 1))));
+    });
+}
+
+TEST(MeasureSpecifications, putSpacingAmongTheLayouts) {
+    const std::string layouts = "<page-layout/><system-layout/><staff-layout/>";
+    const std::string distance = "<measure-distance>12.5</measure-distance>";
+    const std::string layout = "<measure-layout>" + distance + "</measure-layout>";
+    const std::pair<std::string, std::string> cases[] = {
+        {"<part-name-display/>", layout + "<part-name-display/>"},
+        {layouts + "<measure-numbering>none</measure-numbering>",
+         layouts + layout + "<measure-numbering>none</measure-numbering>"},
+        {"<measure-layout><measure-distance>3</measure-distance></measure-layout>", layout},
+        {"<measure-layout></measure-layout>", layout},
+    };
+    for (const auto& [before, after] : cases) {
+        const auto scoreWith = [](const std::string& print) {
+            return scoreOf({note("c4:w"), "<print>" + print + "</print>" + note("c4:w")});
+        };
+        Records score(scoreWith(before));
+        editSecond(score, [](EDTMeasureSpec2014& spec) { spec.spaceBefore = 125; });
+        EXPECT_EQ(score.open.written(), scoreWith(after));
+    }
+}
+
+TEST(MeasureSpecifications, giveEachStaffItsKey) {
+    const auto keys = [](int first, int second) {
+        const auto numbered = [](int number, int fifths) {
+            return keyed(fifths).insert(4, " number=\"" + std::to_string(number) + "\"");
+        };
+        return numbered(1, first) + numbered(2, second);
+    };
+    const auto scoreWith = [&](const std::string& second, const std::string& third) {
+        const std::string both = inVoice(note("c5:w"), "1") + backup(4) + inVoice(note("c3:w"), "5", 2);
+        return scoreOf({both, second + both, third + both},
+                       attributes("4", keys(0, 1) + "<staves>2</staves>"));
+    };
+    Records score(scoreWith("", ""));
+    editSecond(score, [](EDTMeasureSpec2014& spec) { spec.keySignature = 2; });
+    EXPECT_EQ(score.open.written(), scoreWith(change(keys(2, 3)), change(keys(0, 1))));
+}
+
+TEST(MeasureSpecifications, refuseKeysBehindAStepBack) {
+    Records score(
+        scoreOf({note("c4:w"), voice("1", "c4:w") + backup(2) + change(keyed(1)) + voice("2", "e4:h")}));
+    editSecond(score, [](EDTMeasureSpec2014& spec) { spec.keySignature = 2; });
+    const auto written = score.open.file.write(score.open.document, musicxml::Container::plain);
+    ASSERT_FALSE(written.ok());
+    EXPECT_NE(written.problem().text().find("the key of this measure cannot be written (measure 2). Put key"),
+              std::string::npos)
+        << written.problem().text();
+}
+
 // The key of the second measure becomes that of two sharps.
 TEST(MeasureSpecifications, putKeysWhereTheyBelong) {
     const std::string two = keyed(2);
@@ -373,23 +458,19 @@ TEST(MeasureSpecifications, putKeysWhereTheyBelong) {
          change(keyed(2, "<mode>major</mode>")), "", change(keyed(-1, "<mode>minor</mode>"))},
         {"behind a grace note", graceNote("C", 5) + change(keyed(-1)), graceNote("C", 5) + change(two), "",
          change(keyed(-1))},
+        {"before a key inside the measure", note("c4:h") + change(keyed(4)) + note("r:h"),
+         change(two) + note("c4:h") + change(keyed(4)) + note("r:h"), "", ""},
         {"nowhere, where it is the same as before", change(keyed(-1)), "", "", change(keyed(-1)), 2},
         {"a mode that says the same stays behind it", "", change(two), dorian, dorian},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         const auto scoreWith = [&](const std::string& second, const std::string& third) {
-            const std::string first =
-                "<attributes><divisions>4</divisions>" + keyed(c.first) + "</attributes>";
+            const std::string first = attributes("4", keyed(c.first));
             return scoreOf({note("c4:w"), second + note("c4:w"), third + note("c4:w")}, first);
         };
         Records score(scoreWith(c.before, c.behind));
-        EDATAKEY second{2, 0};
-        auto spec = *score.load<EDTMeasureSpec2014>(kMeasureSpecTag, second);
-        spec.keySignature = 2;
-        score.edit([&] {
-            EXPECT_TRUE(score.records.save(kMeasureSpecTag, &second, std::as_bytes(std::span(&spec, 1))));
-        });
+        editSecond(score, [](EDTMeasureSpec2014& spec) { spec.keySignature = 2; });
         EXPECT_EQ(score.open.written(), scoreWith(c.after, c.behindAfter));
     }
 }

@@ -13,7 +13,7 @@
 #include "support/memory_user_interface.h"
 #include "support/reversal.h"
 #include "support/score_text.h"
-#include "xml/tree.h"
+#include "xml/tree_check.h"
 
 namespace rovescio::test {
 namespace {
@@ -49,17 +49,15 @@ class Respelling {
     }
 
     std::string attributes(const xml::Tree& tree, const xml::Element& element) {
-        constexpr const char* kKnown[] = {"id",      "number", "type",      "version",  "measure",
-                                          "bracket", "width",  "default-x", "placement"};
         std::vector<std::string> list;
-        for (const char* name : kKnown) {
-            const xml::NodeData& at = tree.data(element.node());
-            const std::string_view start = tree.source().substr(at.begin, at.contentBegin - at.begin);
-            if (!xml::findAttribute(start, name).exists()) continue;
-            const char quote = chance(2) ? '"' : '\'';
-            list.push_back(" " + space() + name + space() + "=" + space() + quote +
-                           referenced(std::string(element.attribute(name))) + quote);
-        }
+        const xml::NodeData& at = tree.data(element.node());
+        xml::eachAttribute(tree.source().substr(at.begin, at.contentBegin - at.begin),
+                           [&](std::string_view name, std::string_view) {
+                               const char quote = chance(2) ? '"' : '\'';
+                               list.push_back(" " + space() + std::string(name) + space() + "=" + space() +
+                                              quote + referenced(std::string(element.attribute(name))) +
+                                              quote);
+                           });
         std::shuffle(list.begin(), list.end(), random_);
         std::string text;
         for (const std::string& attribute : list) text += attribute;

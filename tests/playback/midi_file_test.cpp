@@ -28,22 +28,15 @@ HeardFile heardOf(const std::string& score, PlaybackRequest request = {0, 0, {}}
     return hear(file.value().bytes);
 }
 
-std::string direction(const std::string& type, const std::string& more = "") {
-    return "<direction><direction-type>" + type + "</direction-type>" + more + "</direction>";
-}
 std::string dynamics(const std::string& mark, const std::string& more = "") {
     return direction("<dynamics><" + mark + "/></dynamics>", more);
 }
-std::string wedge(const std::string& type) {
-    return direction("<wedge type=\"" + type + "\"/>");
-}
 
-const std::string kTieStart = "<tie type=\"start\"/>";
-const std::string kTieStop = "<tie type=\"stop\"/>";
-const std::string kTransposed =
-    "<attributes><divisions>4</divisions><key><fifths>2</fifths></key><time><beats>2</beats><beat-type>4</"
-    "beat-type></time><transpose><diatonic>-1</diatonic><chromatic>-2</chromatic><octave-change>-1</"
-    "octave-change></transpose></attributes>";
+const std::string kTieStart = tie("start");
+const std::string kTieStop = tie("stop");
+const std::string kTransposed = attributes("4 2# 2/4",
+                                           "<transpose><diatonic>-1</diatonic><chromatic>-2</"
+                                           "chromatic><octave-change>-1</octave-change></transpose>");
 
 TEST(MidiFileTest, NotesSoundWhenAndAsLongAsWritten) {
     const std::string grace = graceNote("C", 5);
@@ -89,9 +82,6 @@ TEST(MidiFileTest, NotesSoundWhenAndAsLongAsWritten) {
 
 // Ticks that make all times whole, and so lengths that add up.
 TEST(MidiFileTest, TupletsAreExact) {
-    const auto attributes = [](int divisions) {
-        return "<attributes><divisions>" + std::to_string(divisions) + "</divisions></attributes>";
-    };
     const std::pair<int, int> cases[] = {{4, 960},  {5, 960},  {6, 960},    {7, 959},
                                          {11, 957}, {13, 949}, {1021, 1021}};
     for (const auto& [actual, ticks] : cases) {
@@ -99,7 +89,7 @@ TEST(MidiFileTest, TupletsAreExact) {
         for (int i = 0; i < actual; ++i) {
             measure += timedNote("C", "4", "<type>quarter</type>" + tuplet(actual, 4));
         }
-        const HeardFile file = heardOf(scoreOf({measure, note("c4:q")}, attributes(actual)));
+        const HeardFile file = heardOf(scoreOf({measure, note("c4:q")}, attributes(std::to_string(actual))));
         EXPECT_EQ(file.ticksPerQuarter % ticks, 0) << actual << " in " << file.ticksPerQuarter;
         const auto& notes = file.tracks.at(1).notes;
         ASSERT_EQ(notes.size(), static_cast<std::size_t>(actual) + 1);
@@ -128,6 +118,9 @@ TEST(MidiFileTest, LoudnessFollowsMarksAndHairpins) {
         {"an accent is for its note alone",
          {spread(dynamics("p"), dynamics("sfz"), "", dynamics("fp"))},
          {49, 112, 49, 96}},
+        {"marks count by their time, wherever they are in the text",
+         {spread("", "", dynamics("sfz"), "") + backup(4) + dynamics("sfz")},
+         {112, 80, 112, 80}},
         {"what a fortepiano leaves", {spread(dynamics("f"), dynamics("fp"), "", "")}, {96, 96, 49, 49}},
         {"straight from mark to mark",
          {dynamics("p") + wedge("crescendo") + four, wedge("stop") + dynamics("f") + four},
@@ -154,11 +147,9 @@ TEST(MidiFileTest, TemposAndSignaturesStandWhereTheyChange) {
     const std::string metronome = direction(
         "<metronome><beat-unit>quarter</beat-unit><beat-unit-dot/><per-minute>c. "
         "40</per-minute></metronome>");
-    const std::string threeEight =
-        "<attributes><time><beats>3</beats><beat-type>8</beat-type></time></attributes>";
     const std::vector<std::string> measures = {
         "<sound tempo=\"100\"/>" + note("c4:h") + metronome + note("c4:h"),
-        threeEight +
+        attributes("3/8") +
             direction("<words>Presto</words>", "<offset sound=\"yes\">2</offset><sound tempo=\"150\"/>") +
             note("c4:e") + note("c4:q"),
         note("c4:q") + note("c4:e")};
@@ -219,7 +210,7 @@ TEST(MidiFileTest, GoesToTheLastMeasureAndStaff) {
     constexpr std::size_t kMost = 32767;
     const std::vector<std::string> measures(kMost, note("c4:w"));
     EXPECT_EQ(heardOf(scoreOf(measures)).tracks.at(1).notes.size(), kMost);
-    const std::string staves = "<attributes><divisions>4</divisions><staves>32767</staves></attributes>";
+    const std::string staves = attributes("4", "<staves>32767</staves>");
     EXPECT_EQ(heardOf(scoreOf({note("c4:w")}, staves)).tracks.size(), kMost + 1);
 }
 

@@ -9,6 +9,21 @@
 
 namespace rovescio::xml {
 
+// Shows the name and the value of each attribute of a sound start tag.
+template <class Visit>
+void eachAttribute(std::string_view tag, const Visit& visit) {
+    constexpr std::string_view kSpaces = " \t\r\n";
+    for (std::size_t at = tag.find_first_of(kSpaces); at != std::string_view::npos;) {
+        at = tag.find_first_not_of(kSpaces, at);
+        if (tag[at] == '>' || tag[at] == '/') return;
+        const std::string_view name = tag.substr(at, tag.find_first_of(" \t\r\n=", at) - at);
+        const std::size_t value = tag.find_first_of("\"'", at + name.size()) + 1;
+        at = tag.find(tag[value - 1], value);
+        visit(name, tag.substr(value, at - value));
+        ++at;
+    }
+}
+
 // Looks at all of a tree and remembers the first thing that is not as it must be.
 class TreeCheck {
   public:
@@ -62,23 +77,18 @@ class TreeCheck {
         require(tree_.text(node).size() <= data.contentEnd - data.contentBegin, "decoding adds nothing");
     }
 
-    // All attributes of a start tag are found where a walk over the tag meets them.
     void checkAttributes(Node node) {
-        constexpr std::string_view kSpaces = " \t\r\n";
         const NodeData& data = tree_.data(node);
         const std::string_view tag = text_.substr(data.begin, data.contentBegin - data.begin);
-        for (std::size_t at = tag.find_first_of(kSpaces); at != std::string_view::npos && broken_.empty();) {
-            at = tag.find_first_not_of(kSpaces, at);
-            if (tag[at] == '>' || tag[at] == '/') return;
-            const std::string_view name = tag.substr(at, tag.find_first_of(" \t\r\n=", at) - at);
+        eachAttribute(tag, [&](std::string_view name, std::string_view value) {
             const AttributePlace place = findAttribute(tag, name);
-            require(place.exists() && place.begin < at && place.valueBegin > at, "an attribute is found");
-            if (!broken_.empty()) return;
-            require(tag[place.valueEnd] == tag[place.valueBegin - 1], "an attribute's value is quoted");
-            require(tree_.attribute(node, name).size() <= place.valueEnd - place.valueBegin,
-                    "decoding adds nothing");
-            at = place.end;
-        }
+            const auto after = static_cast<std::size_t>(value.data() - tag.data()) + value.size();
+            require(place.begin < static_cast<std::size_t>(name.data() - tag.data()) &&
+                        place.valueBegin + value.size() == after && place.valueEnd == after &&
+                        place.end == after + 1,
+                    "an attribute is found");
+            require(tree_.attribute(node, name).size() <= value.size(), "decoding adds nothing");
+        });
     }
 
     // The root element by itself is a fragment with the same nodes.
