@@ -1,6 +1,8 @@
 // The meaning of the program's exit status; users' scripts rely on it.
 #pragma once
 
+#include "run/report.h"
+
 namespace rovescio::cli {
 
 enum class ExitCode : int {
@@ -13,5 +15,7 @@ enum class ExitCode : int {
     ruleBroken = 70,   // the plug-in broke a rule of the host, or the result is not sound
     cancelled = 130,   // interrupted by the user
 };
+
+ExitCode exitCodeOf(run::Outcome outcome);
 
 }  // namespace rovescio::cli

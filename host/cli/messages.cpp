@@ -6,6 +6,8 @@
 #include <iostream>
 #include <utility>
 
+#include "run/operations.h"
+
 namespace rovescio::cli {
 
 namespace {
@@ -60,7 +62,14 @@ void say(const std::string& text) {
 }
 
 void say(const engine::Problem& problem) {
-    say(problem.text());
+    engine::Problem shown = problem;
+    for (const std::string_view operation : run::kOperations) {
+        const std::string name = "{" + std::string(operation) + "}";
+        for (std::size_t at = 0; (at = shown.remedy.find(name, at)) != std::string::npos;) {
+            shown.remedy.replace(at, name.size(), "--" + std::string(operation));
+        }
+    }
+    say(shown.text());
 }
 
 bool show(const std::vector<std::string>& lines) {
@@ -68,10 +77,6 @@ bool show(const std::vector<std::string>& lines) {
     if (std::cout.flush()) return true;
     say("standard output cannot be written. Look at the program or file that it goes to");
     return false;
-}
-
-engine::Problem problemWith(std::string message, std::string remedy) {
-    return {.message = std::move(message), .file = {}, .measure = {}, .remedy = std::move(remedy)};
 }
 
 std::string counted(std::size_t count, const std::string& noun) {

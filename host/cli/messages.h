@@ -16,13 +16,13 @@ std::string printable(std::string_view text);
 
 // Prints "rovescio: " and the text as one line on standard error.
 void say(const std::string& text);
+// Operations that the remedy names are shown as the options that they are here.
 void say(const engine::Problem& problem);
 
 // Prints lines on standard output; false, after a message, when that cannot be written.
 bool show(const std::vector<std::string>& lines);
 
-// A problem that concerns no file.
-engine::Problem problemWith(std::string message, std::string remedy);
+using engine::problemWith;
 
 // A count and its noun: "1 note", "12 notes".
 std::string counted(std::size_t count, const std::string& noun);

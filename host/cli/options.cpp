@@ -9,6 +9,7 @@
 #include "cli/messages.h"
 #include "cli/output_path.h"
 #include "cli/result_names.h"
+#include "cli/selection_request.h"
 #include "cli/transformation_options.h"
 
 namespace rovescio::cli {
@@ -16,6 +17,9 @@ namespace rovescio::cli {
 namespace {
 
 using engine::Result;
+using run::MeasureRanges;
+using run::NumberRuns;
+using run::PlannedFault;
 
 constexpr std::size_t kDefaultMebibytes = 256;
 constexpr std::size_t kMebibyte = std::size_t{1} << 20;
@@ -64,7 +68,7 @@ struct RawOptions {
     std::vector<std::string> faults;
 };
 
-void define(CLI::App& app, Options& options, RawOptions& raw) {
+void defineActions(CLI::App& app, Options& options, RawOptions& raw) {
     const char* what = "What to do";
     app.add_option("SCORE", options.scores, "MusicXML files (.musicxml, .xml, .mxl); - is standard input")
         ->type_name("");
@@ -80,7 +84,9 @@ void define(CLI::App& app, Options& options, RawOptions& raw) {
         ->group(what);
     app.add_flag("--play", options.play, "Play the music through FluidSynth, as it is after all changes")
         ->group(what);
+}
 
+void definePlaces(CLI::App& app, RawOptions& raw) {
     const char* where = "Where (default: everywhere)";
     app.add_option("-m,--measures", raw.measures,
                    "By printed number: 7, 3-10, 3- or several: 1-4,9-12; with "
@@ -91,7 +97,9 @@ void define(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_option("-l,--layers", raw.layers, "Layers of each staff, 1 to 4")
         ->type_name("LIST")
         ->group(where);
+}
 
+void defineFiles(CLI::App& app, Options& options, RawOptions& raw) {
     const char* files = "Files";
     auto* output =
         app.add_option("-o,--output", options.output, "The result; .mxl is compressed, - is standard output")
@@ -114,7 +122,9 @@ void define(CLI::App& app, Options& options, RawOptions& raw) {
         ->type_name("MIB")
         ->check(range(std::size_t{1}, kMostMebibytes))
         ->group(files);
+}
 
+void defineMore(CLI::App& app, Options& options, RawOptions& raw) {
     const char* more = "More";
     app.add_option("--midi-port", options.midiPort, "Where --axis midi listens: a port's name or part of it")
         ->type_name("NAME")
@@ -129,6 +139,14 @@ void define(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_flag("-q,--quiet", options.quiet, "No progress and no summary")->group(more);
     app.set_version_flag("--version", "rovescio " ROVESCIO_VERSION, "Print the version")->group(more);
     app.set_help_flag("-h,--help", "Print this help")->group(more);
+}
+
+// In the order of the help.
+void define(CLI::App& app, Options& options, RawOptions& raw) {
+    defineActions(app, options, raw);
+    definePlaces(app, raw);
+    defineFiles(app, options, raw);
+    defineMore(app, options, raw);
 }
 
 Result<PlannedFault> parseFault(const std::string& text) {

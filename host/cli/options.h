@@ -7,16 +7,16 @@
 #include <vector>
 
 #include "cli/exit_code.h"
-#include "cli/selection_request.h"
-#include "cli/transformation_run.h"
 #include "dialogs/transformation_script.h"
+#include "run/selection_request.h"
+#include "run/supervision.h"
 
 namespace rovescio::cli {
 
 struct Options {
     std::vector<std::string> scores;  // paths; "-" is standard input
     dialogs::Transformation transformation;
-    SelectionRequest selection;
+    run::SelectionRequest selection;
     std::string output;    // a path, "-" for standard output, or empty
     std::string midiFile;  // likewise
     bool play = false;
@@ -26,7 +26,7 @@ struct Options {
     unsigned jobs = 0;             // processes side by side; 0 as many as there are processors
     std::string plugin;            // a bundle, or empty for the one beside the program
     std::size_t maximumBytes = 0;  // of a score file
-    std::vector<PlannedFault> faults;
+    std::vector<run::PlannedFault> faults;
     bool trace = false;
     bool check = false;
     bool info = false;

@@ -23,10 +23,9 @@ Result<PlaybackRun> PlaybackRun::prepare(const Options& options) {
     return PlaybackRun(options.midiFile, std::move(player));
 }
 
-Result<Done> PlaybackRun::make(const engine::Document& document, const engine::Performance& performance,
-                               const engine::PlaybackRequest& request, const Selection& selection) {
-    Result<playback::MidiFile> file =
-        playback::makeMidiFile(document, performance, request, selection.layers);
+Result<Done> PlaybackRun::make(const run::OpenScore& score, const engine::PlaybackRequest& request,
+                               const run::Selection& selection) {
+    Result<playback::MidiFile> file = score.midiFile(request, selection);
     if (!file) return file.problem();
     bytes_ = std::move(file->bytes);
     notices_ = std::move(file->notices);

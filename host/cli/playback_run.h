@@ -11,11 +11,10 @@
 #include "cli/options.h"
 #include "cli/outputs.h"
 #include "cli/player.h"
-#include "cli/selection.h"
 #include "engine/interface/playback_list.h"
-#include "engine/model/document.h"
-#include "engine/model/performance.h"
 #include "engine/model/problem.h"
+#include "run/open_score.h"
+#include "run/selection.h"
 
 namespace rovescio::cli {
 
@@ -25,9 +24,8 @@ class PlaybackRun {
     static engine::Result<PlaybackRun> prepare(const Options& options);
 
     // Makes the music.
-    engine::Result<engine::Done> make(const engine::Document& document,
-                                      const engine::Performance& performance,
-                                      const engine::PlaybackRequest& request, const Selection& selection);
+    engine::Result<engine::Done> make(const run::OpenScore& score, const engine::PlaybackRequest& request,
+                                      const run::Selection& selection);
     // The MIDI file, if one is wanted; valid as long as this object is.
     [[nodiscard]] std::optional<Output> output() const;
     // Reports it, and plays it if that is wanted.

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "cli/messages.h"
+#include "run/score_info.h"
 
 namespace rovescio::cli {
 
@@ -11,29 +12,21 @@ namespace {
 
 using engine::Document;
 
-// The layers in which a staff has entries, as "1,2".
-std::string layersUsed(const Document& document, short staff) {
+// As "1,2".
+std::string layerNames(const run::StaffInfo& staff) {
     std::string text;
-    for (short layer = 0; layer < engine::kMaxLayers; ++layer) {
-        for (const short measure : document.measureNumbers()) {
-            if (document.entries({staff, measure, layer}).empty()) continue;
-            text += (text.empty() ? "" : ",") + std::to_string(layer + 1);
-            break;
-        }
-    }
+    for (const short layer : staff.layers) text += (text.empty() ? "" : ",") + std::to_string(layer + 1);
     return text.empty() ? "none" : text;
 }
 
-// The keys of a staff in order, each with the measure in which it begins.
-std::string keysOf(const Document& document, short staff) {
-    if (document.staff(staff).unpitched) return "unpitched";
-    const engine::KeySignature* key = &document.staffMeasure(staff, 1).key;
-    std::string text = keyName(*key);
-    for (const short measure : engine::numbers(2, document.measureCount())) {
-        const engine::KeySignature& next = document.staffMeasure(staff, measure).key;
-        if (next == *key) continue;
-        text += ", " + keyName(next) + " from measure " + document.measure(measure).label;
-        key = &next;
+// In order, each but the first with the measure in which it begins.
+std::string keyNames(const run::StaffInfo& staff, const Document& document) {
+    if (staff.unpitched) return "unpitched";
+    std::string text;
+    for (const auto& [key, measure] : staff.keys) {
+        if (!text.empty()) text += ", ";
+        text += keyName(key);
+        if (measure > 1) text += " from measure " + document.measure(measure).label;
     }
     return text;
 }
@@ -59,10 +52,10 @@ std::vector<std::string> scoreInfo(const std::string& name, const Document& docu
         lines.back() += ", numbered " + document.measure(1).label + " to " +
                         document.measure(document.measureCount()).label;
     }
-    for (const short staff : document.staffNumbers()) {
-        std::string& line = lines.emplace_back("  staff " + std::to_string(staff));
-        if (!document.staff(staff).name.empty()) line += "  " + document.staff(staff).name;
-        if (measures > 0) line += "  layers " + layersUsed(document, staff) + "  " + keysOf(document, staff);
+    for (const run::StaffInfo& staff : run::staffInfos(document)) {
+        std::string& line = lines.emplace_back("  staff " + std::to_string(staff.number));
+        if (!staff.name.empty()) line += "  " + staff.name;
+        if (measures > 0) line += "  layers " + layerNames(staff) + "  " + keyNames(staff, document);
     }
     return lines;
 }

@@ -14,6 +14,10 @@ namespace {
 
 using engine::Problem;
 using engine::Result;
+using run::MeasurePoint;
+using run::MeasureRange;
+using run::MeasureRanges;
+using run::NumberRuns;
 
 Problem badMeasures(const std::string& text, const std::string& why) {
     return problemWith("--measures \"" + text + "\": " + why,

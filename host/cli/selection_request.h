@@ -1,51 +1,18 @@
-// Which music the user asked for, as written on the command line and not yet looked up in a score.
+// Which music the user asked for, as written on the command line.
 #pragma once
 
-#include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "engine/model/problem.h"
+#include "run/selection_request.h"
 
 namespace rovescio::cli {
 
-// One end of a range of measures.
-struct MeasurePoint {
-    bool counted = false;        // "#5": the fifth measure from the start; else a printed number
-    std::string number;          // the digits after '#', or the printed number
-    std::optional<double> beat;  // from 1; none for the whole measure
-
-    friend bool operator==(const MeasurePoint&, const MeasurePoint&) = default;
-};
-
-// A missing end is the start or the end of the score.
-struct MeasureRange {
-    std::optional<MeasurePoint> first;
-    std::optional<MeasurePoint> last;
-
-    friend bool operator==(const MeasureRange&, const MeasureRange&) = default;
-};
-
-// Empty means the whole score.
-using MeasureRanges = std::vector<MeasureRange>;
-
-// Runs of numbers, ascending and apart: {{1, 2}, {4, 4}}. Empty means all.
-using NumberRuns = std::vector<std::pair<int, int>>;
-
-struct SelectionRequest {
-    MeasureRanges measures;
-    NumberRuns staves;
-    NumberRuns layers;
-
-    [[nodiscard]] bool isGiven() const { return !measures.empty() || !staves.empty() || !layers.empty(); }
-};
-
 // "3-10", "7", "3:2-10:1.5", "3-", "-10", "#5-#8", and several such with commas between them. Here and in
 // lists of numbers a range may also be written "3..10" or with a dash.
-engine::Result<MeasureRanges> parseMeasures(const std::string& text);
+engine::Result<run::MeasureRanges> parseMeasures(const std::string& text);
 
 // "1-2" or "1,3-4"; overlapping and touching runs become one. `what` names the things for messages.
-engine::Result<NumberRuns> parseNumberRuns(const std::string& text, const std::string& what);
+engine::Result<run::NumberRuns> parseNumberRuns(const std::string& text, const std::string& what);
 
 }  // namespace rovescio::cli

@@ -7,84 +7,11 @@
 #include <iterator>
 #include <utility>
 
+#include "dialogs/dialog_numbers.h"
+
 namespace rovescio::dialogs {
 
 namespace {
-
-namespace main_dialog {
-constexpr short kNumber = 20130;
-constexpr short kApply = 1;
-constexpr short kClose = 2;
-constexpr short kPlay = 3;
-constexpr short kInversion = 4;
-constexpr short kAxisSettings = 5;
-constexpr short kTransposition = 6;
-constexpr short kTranspositionSettings = 7;
-constexpr short kAccidentals = 8;
-constexpr short kRetrograde = 9;
-constexpr short kRetrogradeSettings = 10;
-constexpr short kRemoveTies = 11;
-constexpr short kCheck = 12;
-
-// The first entry of the pop-ups chooses nothing.
-constexpr int kNone = 1;
-constexpr int kFirstChoice = 2;
-}  // namespace main_dialog
-
-namespace axis_dialog {
-constexpr short kNumber = 20140;
-constexpr short kOk = 1;
-constexpr short kPitch = 3;
-constexpr short kListen = 4;
-constexpr short kOctave = 5;
-constexpr short kSimplify = 6;
-
-// The pop-up lists each letter flat, natural and sharp.
-constexpr int kCNatural = 2;
-constexpr int kEntriesOfLetter = 3;
-// Octave numbers count as in "C4", the host's name of middle C.
-constexpr int kMiddleOctave = 4;
-}  // namespace axis_dialog
-
-namespace transposition_dialog {
-constexpr short kNumber = 20150;
-constexpr short kOk = 1;
-constexpr short kKind = 3;
-constexpr short kSemitones = 4;
-constexpr short kDiatonicInterval = 5;
-constexpr short kChromaticInterval = 6;
-constexpr short kDirection = 7;
-constexpr short kSpelling = 8;
-constexpr short kOctaves = 9;
-
-constexpr int kKindDiatonic = 2;
-constexpr int kKindChromatic = 3;
-constexpr int kKindSemitones = 4;
-constexpr int kDiatonicOther = 9;
-constexpr int kChromaticOther = 27;
-}  // namespace transposition_dialog
-
-namespace other_interval_dialog {
-constexpr short kNumber = 20180;
-constexpr short kOk = 1;
-constexpr short kSteps = 4;
-constexpr short kAlteration = 6;
-}  // namespace other_interval_dialog
-
-namespace retrograde_dialog {
-constexpr short kNumber = 20190;
-constexpr short kOk = 1;
-constexpr short kMirrorKeys = 3;
-constexpr short kMirrorSpacing = 4;
-}  // namespace retrograde_dialog
-
-namespace report_dialog {
-constexpr short kNumber = 20230;
-constexpr short kClose = 1;
-constexpr short kMeasures = 2;
-constexpr short kReport = 3;
-constexpr short kRepair = 7;
-}  // namespace report_dialog
 
 // The intervals of the chromatic pop-up in its order, as steps and alteration.
 constexpr std::array<std::pair<int, int>, 26> kChromaticEntries = {

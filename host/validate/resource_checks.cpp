@@ -5,6 +5,7 @@
 #include <limits>
 #include <set>
 
+#include "dialogs/dialog_numbers.h"
 #include "engine/model/problem.h"
 #include "validate/checks.h"
 #include "validate/stage.h"
@@ -61,9 +62,11 @@ Verdict compareKeys(const TablesByLanguage& tables, const Keys& expected) {
 }
 
 Verdict describesDialogs(const std::string& bundle) {
-    const auto resources = dialogsOf(bundle);
-    if (!resources) return failed(resources.problem().message);
-    return resources.value().find(kMainDialog) ? passed() : failed("the main dialog is not described");
+    const auto plugIn = run::PlugIn::load(bundle);
+    if (!plugIn) return failed(plugIn.problem().message);
+    return plugIn.value().dialogs.find(dialogs::main_dialog::kNumber)
+               ? passed()
+               : failed("the main dialog is not described");
 }
 
 Verdict hasTextsInEveryLanguage(const std::string& bundle) {
@@ -78,13 +81,13 @@ Verdict hasTextsInEveryLanguage(const std::string& bundle) {
 
 // Titles are named by the dialog, items by "dialog.item", menu entries by "dialog.item.entry".
 Verdict hasDialogTextsInEveryLanguage(const std::string& bundle) {
-    const auto resources = dialogsOf(bundle);
-    if (!resources) return failed(resources.problem().message);
+    const auto plugIn = run::PlugIn::load(bundle);
+    if (!plugIn) return failed(plugIn.problem().message);
     const auto tables = readTables(bundle, kDialogTable);
     if (!tables) return failed(tables.problem().message);
     Keys keys;
     for (int number = 1; number <= std::numeric_limits<short>::max(); ++number) {
-        const auto* dialog = resources.value().find(static_cast<short>(number));
+        const auto* dialog = plugIn.value().dialogs.find(static_cast<short>(number));
         if (!dialog) continue;
         const std::string title = std::to_string(number);
         keys.insert(title);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "dialogs/dialog_numbers.h"
 #include "dialogs/transformation_script.h"
 #include "engine/interface/gate.h"
 #include "validate/checks.h"
@@ -18,12 +19,9 @@ using dialogs::Press;
 using dialogs::Script;
 using dialogs::Scripts;
 using dialogs::Transposition;
+namespace main_dialog = dialogs::main_dialog;
 using engine::HostFunction;
 using engine::SpelledPitch;
-
-constexpr short kApply = 1;
-constexpr short kClose = 2;
-constexpr short kPlay = 3;
 
 // Seconds: the smallest interval in which the steps of a scale differ in size.
 constexpr Transposition kSecondInKey = {.kind = Transposition::Kind::diatonic, .steps = 1};
@@ -33,7 +31,7 @@ constexpr Transposition kMajorSecond = {.kind = Transposition::Kind::chromatic, 
 constexpr const char* kNotReached = "not reached";
 
 Scripts mainDialog(Script script) {
-    return {{kMainDialog, std::move(script)}};
+    return {{main_dialog::kNumber, std::move(script)}};
 }
 
 Scripts transpositionScripts(const Transposition& transposition) {
@@ -45,8 +43,8 @@ Scripts transpositionScripts(const Transposition& transposition) {
 // A transposition, and before the dialog is closed, playback.
 Scripts everything() {
     Scripts scripts = transpositionScripts(kMajorSecond);
-    Script& main = scripts.find(kMainDialog)->second;
-    main.insert(main.end() - 1, Press{kPlay});
+    Script& main = scripts.find(main_dialog::kNumber)->second;
+    main.insert(main.end() - 1, Press{main_dialog::kPlay});
     return scripts;
 }
 
@@ -55,9 +53,9 @@ Scripts everything() {
 Verdict perform(const std::string& bundle, Scripts scripts, const std::function<void(Stage&)>& prepare,
                 const std::function<Verdict(Stage&)>& judge) {
     return onStage(bundle, std::move(scripts), [&](Stage& stage) {
-        if (const auto started = stage.start(); !started) return failed(started.problem().message);
+        if (const auto started = stage.engagement.start(); !started) return failed(started.problem().message);
         if (prepare) prepare(stage);
-        stage.runCommand();
+        stage.engagement.runCommand();
         return judge(stage);
     });
 }
@@ -65,7 +63,7 @@ Verdict perform(const std::string& bundle, Scripts scripts, const std::function<
 // What is wrong however the dialogs were used.
 std::string wrongInDialogs(const Stage& stage) {
     const auto& opened = stage.user.opened();
-    if (opened.empty() || opened.front() != kMainDialog) return "the main dialog was not opened";
+    if (opened.empty() || opened.front() != main_dialog::kNumber) return "the main dialog was not opened";
     return stage.user.problem() ? stage.user.problem()->message : "";
 }
 
@@ -74,7 +72,7 @@ Verdict expectUntouched(const Stage& stage) {
 }
 
 Verdict opensAndCloses(const std::string& bundle) {
-    return perform(bundle, mainDialog({Press{kClose}}), nullptr, [](const Stage& stage) {
+    return perform(bundle, mainDialog({Press{main_dialog::kClose}}), nullptr, [](const Stage& stage) {
         const std::string wrong = wrongInDialogs(stage);
         return wrong.empty() ? expectUntouched(stage) : failed(wrong);
     });
@@ -89,7 +87,8 @@ Verdict expectAlert(const Stage& stage) {
 }
 
 Verdict reportsNothingChosen(const std::string& bundle) {
-    return perform(bundle, mainDialog({Press{kApply}, Press{kClose}}), nullptr, expectAlert);
+    return perform(bundle, mainDialog({Press{main_dialog::kApply}, Press{main_dialog::kClose}}), nullptr,
+                   expectAlert);
 }
 
 Verdict reportsNoSelection(const std::string& bundle) {
@@ -202,13 +201,15 @@ Verdict survivesFailingCalls(const Subject& subject) {
 }
 
 Verdict plays(const std::string& bundle) {
-    return perform(bundle, mainDialog({Press{kPlay}, Press{kClose}}), nullptr, [](const Stage& stage) {
-        if (const std::string wrong = wrongInDialogs(stage); !wrong.empty()) return failed(wrong);
-        const EREGION region = smallSelection();
-        const std::vector<User::Played> expected = {{region.start.measure, region.end.measure, {1, 2}}};
-        return stage.user.played() == expected ? expectUntouched(stage)
-                                               : failed("it did not play exactly the selection");
-    });
+    return perform(
+        bundle, mainDialog({Press{main_dialog::kPlay}, Press{main_dialog::kClose}}), nullptr,
+        [](const Stage& stage) {
+            if (const std::string wrong = wrongInDialogs(stage); !wrong.empty()) return failed(wrong);
+            const EREGION region = smallSelection();
+            const std::vector<User::Played> expected = {{region.start.measure, region.end.measure, {1, 2}}};
+            return stage.user.played() == expected ? expectUntouched(stage)
+                                                   : failed("it did not play exactly the selection");
+        });
 }
 
 }  // namespace

@@ -13,34 +13,20 @@ void User::play(short startMeasure, short endMeasure, const std::vector<short>& 
     played_.push_back({startMeasure, endMeasure, staves});
 }
 
-Stage::Stage(const engine::PluginBundle& pluginBundle, const dialogs::DialogResources& resources,
-             dialogs::Scripts scripts)
-    : plugin(pluginBundle),
-      score(smallScore()),
-      user(resources, std::move(scripts), [this](const engine::Progress&) { return ++polls != cancelAt; }),
-      session(score, user) {
+Stage::Stage(const run::PlugIn& plugIn, dialogs::Scripts scripts)
+    : score(smallScore()),
+      user(plugIn.dialogs, std::move(scripts),
+           [this](const engine::Progress&) { return ++polls != cancelAt; }),
+      session(score),
+      engagement(session, plugIn.bundle, user) {
     session.selection = smallSelection();
-    session.pluginString = [this](std::uint32_t id) { return plugin.string(id); };
-}
-
-void Stage::runCommand() {
-    plugin.invoke(0, nullptr);
-    session.checkBalanced();
-}
-
-engine::Result<dialogs::DialogResources> dialogsOf(const std::string& bundle) {
-    const auto plugin = engine::PluginBundle::load(bundle);
-    if (!plugin) return plugin.problem();
-    return dialogs::DialogResources::load(bundle);
 }
 
 Verdict onStage(const std::string& bundle, dialogs::Scripts scripts,
                 const std::function<Verdict(Stage&)>& action) {
-    const auto resources = dialogsOf(bundle);
-    if (!resources) return failed(resources.problem().message);
-    const auto plugin = engine::PluginBundle::load(bundle);
-    if (!plugin) return failed(plugin.problem().message);
-    Stage stage(plugin.value(), resources.value(), std::move(scripts));
+    const auto plugIn = run::PlugIn::load(bundle);
+    if (!plugIn) return failed(plugIn.problem().message);
+    Stage stage(plugIn.value(), std::move(scripts));
     return action(stage);
 }
 

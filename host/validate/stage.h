@@ -7,15 +7,13 @@
 #include <vector>
 
 #include "dialogs/scripted_user_interface.h"
-#include "engine/interface/plugin_bundle.h"
 #include "engine/interface/session.h"
+#include "run/engagement.h"
+#include "run/plug_in.h"
 #include "validate/small_score.h"
 #include "validate/verdict.h"
 
 namespace rovescio::validate {
-
-// The dialog that the command opens.
-inline constexpr short kMainDialog = 20130;
 
 // The scripted user with a memory.
 class User : public dialogs::ScriptedUserInterface {
@@ -43,24 +41,15 @@ class User : public dialogs::ScriptedUserInterface {
 
 class Stage {
   public:
-    Stage(const engine::PluginBundle& plugin, const dialogs::DialogResources& resources,
-          dialogs::Scripts scripts);
+    Stage(const run::PlugIn& plugIn, dialogs::Scripts scripts);
 
-    // Starts the plug-in, once; then runs its command to the end and lets the engine look for what was left
-    // open.
-    engine::Result<engine::Done> start() { return plugin.start(); }
-    void runCommand();
-
-    const engine::PluginBundle& plugin;
     engine::Document score;
     int polls = 0;     // for a cancel, so far
     int cancelAt = 0;  // the poll at which the user cancels, counted from 1; 0 never
     User user;
     engine::Session session;
+    run::Engagement engagement;
 };
-
-// The dialogs that a bundle describes.
-engine::Result<dialogs::DialogResources> dialogsOf(const std::string& bundle);
 
 // Loads a bundle and lets something happen with it on a stage. The plug-in is not started yet.
 Verdict onStage(const std::string& bundle, dialogs::Scripts scripts,

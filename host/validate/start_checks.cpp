@@ -100,10 +100,10 @@ Verdict stopsAndStartsAgain(const std::string& bundle) {
     return onStage(bundle, {}, [&](Stage& stage) {
         const PluginImage image(bundle);
         for (const Naming naming : {Naming::full, Naming::alias}) {
-            if (const auto start = stage.start(); !start) return failed(start.problem().message);
+            if (const auto start = stage.engagement.start(); !start) return failed(start.problem().message);
             image.terminate(naming);
         }
-        const auto start = stage.start();
+        const auto start = stage.engagement.start();
         return start ? passed() : failed(start.problem().message);
     });
 }

@@ -1,9 +1,4 @@
 // Whole runs of the program that play music or write it as a MIDI file.
-#include <array>
-#include <cstdint>
-#include <optional>
-
-#include "cli/transformation_run.h"
 #include "cli/workplace.h"
 #include "musicxml/score_builder.h"
 #include "playback/heard.h"
@@ -95,32 +90,6 @@ TEST_F(Playing, RefusesWhatCannotBeDone) {
     install("");
     expectRefused(kInstalled + "ROVESCIO_SOUND_FONT=none.sf2 rovescio score.musicxml --play", 4,
                   "no sound font");
-}
-
-// The note that the dialog hears becomes the axis; a user who plays none cancels.
-TEST_F(Playing, TakesTheAxisFromMidi) {
-    using namespace rovescio::cli;
-    using rovescio::dialogs::Inversion;
-    const std::string home = PROGRAM_FOLDER;
-    for (const bool plays : {true, false}) {
-        auto score = open(scoreOf({note("f4:q")}));
-        rovescio::dialogs::Transformation transformation;
-        transformation.inversion = Inversion{.kind = Inversion::Kind::chromatic, .axisIsPlayed = true};
-        const RunOptions options{.engineBundle = home + "/NotationEngine.bundle",
-                                 .pluginBundle = home + "/Rovescio.bundle",
-                                 .quiet = true,
-                                 .faults = {},
-                                 .midiInput = [&]() -> std::optional<std::array<std::uint8_t, 3>> {
-                                     if (!plays) return std::nullopt;
-                                     return std::array<std::uint8_t, 3>{0x93, 66, 80};
-                                 }};
-        const auto selection = select(score.document, {});
-        const TransformationOutcome outcome =
-            transform(score.document, selection.value(), transformation, options);
-        EXPECT_EQ(outcome.code, plays ? ExitCode::ok : ExitCode::cancelled);
-        EXPECT_EQ(pitches(score.written()), plays ? "| F##4" : "| F4")
-            << "mirrored at F sharp, or not at all";
-    }
 }
 
 }  // namespace

@@ -81,7 +81,7 @@ TEST_F(RetrogradeRun, ChecksRefusesAndRepairs) {
          false},
         {"rovescio overlapping.musicxml --retrograde -o out.musicxml", 1, "Correct the durations", false},
         {"rovescio slurred.musicxml --retrograde -o out.musicxml", 1,
-         "slurs or other lines; nothing was written", false},
+         "slurs or other lines; nothing was written. See where with --check; --repair deletes", false},
         {"rovescio slurred.musicxml --check --transpose m3", 2, "--check looks at one score", false},
         {"rovescio slurred.musicxml --mirror-keys -o out.musicxml", 2, "--retrograde", false},
         {"rovescio slurred.musicxml --retrograde --repair -o out.musicxml", 0, "changed", true},

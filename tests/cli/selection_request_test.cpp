@@ -16,7 +16,7 @@ TEST(MeasureRanges, ThatMakeNoSenseAreRefused) {
 }
 
 TEST(NumberLists, BecomeAscendingRuns) {
-    const std::pair<const char*, NumberRuns> cases[] = {
+    const std::pair<const char*, run::NumberRuns> cases[] = {
         {"1", {{1, 1}}},
         {"1-2", {{1, 2}}},
         {"1,3-4", {{1, 1}, {3, 4}}},

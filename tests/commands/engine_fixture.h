@@ -5,6 +5,7 @@
 
 #include <sstream>
 
+#include "dialogs/dialog_numbers.h"
 #include "engine/interface/session.h"
 #include "engine/interface/strictness.h"
 #include "kit/engine_bundle.h"
@@ -66,7 +67,7 @@ class EngineFixture {
     }
     // Opens the plug-in's main dialog for a user.
     void workMainDialog(const std::function<void(MemoryDialog&)>& user) {
-        front.users[20130] = user;
+        front.users[dialogs::main_dialog::kNumber] = user;
         EXPECT_EQ(SUDialog(nullptr, nullptr, nullptr), 0);
     }
 

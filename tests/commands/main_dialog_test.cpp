@@ -15,7 +15,7 @@ class MainDialogTest : public testing::Test {
     MainDialogTest() { SUItems = {}; }
     // Up a major second, by the transposition dialog.
     void chooseTransposition(MemoryDialog& dialog) {
-        engine.front.users[20150] = [](MemoryDialog& sub) {
+        engine.front.users[dialogs::transposition_dialog::kNumber] = [](MemoryDialog& sub) {
             sub.choose(3, 3);
             sub.choose(6, 5);
             sub.press(1);
@@ -92,13 +92,13 @@ TEST(MirrorDialog, ShowsAndTakesTheAxis) {
     };
     for (const auto& c : cases) {
         MirrorAxis axis = c.axis;
-        engine.front.users[20140] = [&](MemoryDialog& dialog) {
+        engine.front.users[dialogs::axis_dialog::kNumber] = [&](MemoryDialog& dialog) {
             EXPECT_EQ(dialog.values, (Values{{3, c.entry}, {5, c.octave}, {6, axis.simplifySpelling}}));
             for (const auto& [item, value] : c.chosen) dialog.values[item] = value;
             EXPECT_EQ(dialog.press(c.button), 1);
         };
         // The octave number of middle C is the host's, so set it behind its back.
-        SX_Dialog(20140, MirrorInversionDialogProc, nullptr, 0x3001, &axis);
+        SX_Dialog(dialogs::axis_dialog::kNumber, MirrorInversionDialogProc, nullptr, 0x3001, &axis);
         EXPECT_EQ((std::vector<int>{axis.axis, axis.axisAlteration, axis.simplifySpelling}), c.after);
     }
 }
@@ -106,7 +106,7 @@ TEST(MirrorDialog, ShowsAndTakesTheAxis) {
 TEST(MirrorDialog, ListeningTakesNoteOns) {
     EngineFixture engine({"C 4/4 c4:w"});
     MirrorAxis axis;
-    engine.front.users[20140] = [&](MemoryDialog& dialog) {
+    engine.front.users[dialogs::axis_dialog::kNumber] = [&](MemoryDialog& dialog) {
         const short entries[12] = {2, 3, 5, 6, 8, 11, 12, 14, 15, 17, 18, 20};
         for (std::uint8_t note = 48; note < 72; ++note) {
             engine.front.midi = {0x93, note, 64};

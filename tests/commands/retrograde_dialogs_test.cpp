@@ -30,7 +30,8 @@ TEST_F(RetrogradeDialogsTest, OptionsComeBackFromTheCheckBoxes) {
     };
     int parent = 0;
     for (const auto& [options, boxes, button, after] : cases) {
-        engine.front.users[20190] = [&, boxes = boxes, button = button](MemoryDialog& dialog) {
+        engine.front.users[dialogs::retrograde_dialog::kNumber] = [&, boxes = boxes,
+                                                                   button = button](MemoryDialog& dialog) {
             EXPECT_EQ(dialog.values, (std::map<short, std::intptr_t>{{3, boxes[0]}, {4, boxes[1]}}));
             EXPECT_EQ(std::pair(dialog.flags, dialog.parent), std::pair(short{0x3001}, SXWindow{&parent}));
             EXPECT_TRUE(dialog.set(3, boxes[2]) + dialog.set(4, boxes[3]) == 0 && dialog.open);
@@ -38,7 +39,7 @@ TEST_F(RetrogradeDialogsTest, OptionsComeBackFromTheCheckBoxes) {
         };
         EXPECT_EQ(RetrogradeOptionsDialog(&parent, options), after) << options;
     }
-    engine.front.users[20190] = [](MemoryDialog& dialog) {
+    engine.front.users[dialogs::retrograde_dialog::kNumber] = [](MemoryDialog& dialog) {
         dialog.values[3] = 0;
         dialog.press(1);
     };
@@ -57,8 +58,8 @@ TEST_F(RetrogradeDialogsTest, ReportNamesEveryProblemAndOffersRepairWhereItHelps
     };
     for (const auto& [problems, repairable, report] : cases) {
         for (const short button : {short{1}, short{2}}) {
-            engine.front.users[20230] = [=, &repairable = repairable,
-                                         &report = report](MemoryDialog& dialog) {
+            engine.front.users[dialogs::report_dialog::kNumber] = [=, &repairable = repairable,
+                                                                   &report = report](MemoryDialog& dialog) {
                 EXPECT_EQ(dialog.texts, (std::map<short, std::string>{{2, "1 to 2"}, {3, report}}));
                 EXPECT_EQ(dialog.enabled, (std::map<short, bool>{{7, repairable}}));
                 EXPECT_TRUE(dialog.press(button) == 1 && !dialog.open);
@@ -92,7 +93,7 @@ TEST_F(RetrogradeDialogsTest, ApplyReversesFirstAndStopsWhereItCannot) {
         {twoVoices, {"20134,12"}, 1, 20, 0, 6},
         {"g4:h. | f4:q e4:q d4:q", {"20134,12"}, 2, -1, 0, 6},
     };
-    engine.front.users[20230] = [](MemoryDialog& dialog) {
+    engine.front.users[dialogs::report_dialog::kNumber] = [](MemoryDialog& dialog) {
         EXPECT_EQ(dialog.press(7), 1);
         if (dialog.open) dialog.press(1);
     };

@@ -15,7 +15,7 @@ class TransposeDialogTest : public testing::Test {
   protected:
     // Opens the dialog and lets a user operate it.
     Result work(const std::function<void(MemoryDialog&)>& user) {
-        engine.front.users[20150] = user;
+        engine.front.users[dialogs::transposition_dialog::kNumber] = user;
         TransposeDialog(&parent, &settings);
         return {settings.steps, settings.alteration, settings.octaves};
     }
@@ -90,7 +90,7 @@ TEST_F(TransposeDialogTest, SemitonesAreSpelledWithSharpsOrFlats) {
 
 TEST_F(TransposeDialogTest, OtherIntervalsAreAskedFor) {
     short button = 1;
-    engine.front.users[20180] = [&](MemoryDialog& dialog) {
+    engine.front.users[dialogs::other_interval_dialog::kNumber] = [&](MemoryDialog& dialog) {
         dialog.set(4, button == 1 ? 9 : 1);
         if (!dialog.hidden.contains(6)) dialog.set(6, -3);
         EXPECT_EQ(dialog.hidden.size(), settings.kind == kDiatonicTransposition ? 2U : 0U);

@@ -92,7 +92,7 @@ TEST(Rebar, PoursReversedEntriesIntoTheirMeasures) {
                 run.session.massEdits.end(edit, false);
                 EXPECT_EQ(textOf(run.document), before) << "where nothing has moved";
             }
-            ASSERT_TRUE(run.reverse()) << run.session.refusal->text();
+            ASSERT_TRUE(run.reverse()) << run.session.refusal()->text();
             EXPECT_EQ(textOf(run.document), c.reversed);
             run.expectPositions();
             ASSERT_TRUE(run.reverse());
@@ -150,8 +150,8 @@ TEST(Rebar, RefusesLayersThatDoNotFillTheirMeasures) {
         Rebarred run(score, true);
         const std::string before = textOf(run.document);
         EXPECT_FALSE(run.reverse()) << score;
-        ASSERT_TRUE(run.session.refusal);
-        EXPECT_NE(run.session.refusal->text().find("staff 1, layer 1"), std::string::npos);
+        ASSERT_TRUE(run.session.refusal());
+        EXPECT_NE(run.session.refusal()->text().find("staff 1, layer 1"), std::string::npos);
         EXPECT_EQ(textOf(run.document), before);
     }
 }

@@ -17,7 +17,7 @@ std::string retrogradeOf(const std::string& score) {
     OpenScore file = open(score);
     MemoryUserInterface front;
     engine::Session session(file.document, front);
-    EXPECT_TRUE(reverseStaff(session, 1)) << (session.refusal ? session.refusal->text() : "");
+    EXPECT_TRUE(reverseStaff(session, 1)) << (session.refusal() ? session.refusal()->text() : "");
     return file.written();
 }
 

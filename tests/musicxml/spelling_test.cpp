@@ -104,7 +104,7 @@ std::string reversedMusic(const std::string& bytes) {
     MemoryUserInterface front;
     engine::Session session(score.document, front);
     const bool isReversed = reverseStaff(session, 1);
-    RC_LOG() << (session.refusal ? session.refusal->text() : "");
+    RC_LOG() << (session.refusal() ? session.refusal()->text() : "");
     RC_ASSERT(isReversed);
     auto written = score.file.write(score.document, musicxml::Container::plain);
     RC_ASSERT(written.ok());

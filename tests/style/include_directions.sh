@@ -16,8 +16,9 @@ host/xml xml
 host/musicxml musicxml xml engine contract
 host/dialogs dialogs engine contract
 host/playback playback engine contract
-host/validate validate dialogs engine contract
-host/cli cli validate dialogs musicxml playback engine contract
+host/run run dialogs musicxml playback engine contract
+host/validate validate run dialogs engine contract
+host/cli cli validate run dialogs musicxml playback engine contract
 '
 
 # Inside a room with rooms of its own, each knows itself and those behind it. What lies beside them may know all.

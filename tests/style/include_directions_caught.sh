@@ -4,7 +4,7 @@ set -u
 check=$1
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-mkdir -p "$folder"/plugin/{kit,util} "$folder"/host/engine/{model,edit}
+mkdir -p "$folder"/plugin/{kit,util} "$folder"/host/{run,engine/{model,edit}}
 
 # Writes one source, and expects the check's verdict on the tree with it.
 expect() {
@@ -28,5 +28,7 @@ expect refused plugin/kit/a.cpp '<zip.h>'
 expect refused plugin/util/a.h '"kit/frames.h"'
 expect refused host/engine/a.cpp '"kit/frames.h"'
 expect refused host/engine/a.h '"musicxml/score_file.h"'
+expect allowed host/run/a.cpp '"musicxml/score_file.h"'
+expect refused host/run/a.cpp '"cli/messages.h"'
 mkdir "$folder/host/extra"
 expect refused host/extra/a.h '<string>'

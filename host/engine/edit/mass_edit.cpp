@@ -2,6 +2,8 @@
 #include "engine/edit/mass_edit.h"
 
 #include <algorithm>
+#include <cassert>
+#include <iterator>
 #include <utility>
 
 namespace rovescio::engine {
@@ -113,8 +115,53 @@ void MassEdits::exchange(Step& step) {
     for (auto& [measure, state] : step.measures) document_.exchangeMeasure(measure, state);
 }
 
+void MassEdits::openStep() {
+    assert(!isOpen());
+    stepsBefore_ = undo_.size();
+    redoBefore_ = std::exchange(redo_, {});
+}
+
+void MassEdits::closeStep(bool cancelled) {
+    assert(!isOpen());
+    const auto first = undo_.begin() + static_cast<std::ptrdiff_t>(stepsBefore_);
+    std::deque<Step> made(std::make_move_iterator(first), std::make_move_iterator(undo_.end()));
+    undo_.erase(first, undo_.end());
+    if (cancelled) {
+        for (auto step = made.rbegin(); step != made.rend(); ++step) exchange(*step);
+    } else if (!made.empty()) {
+        undo_.push_back(joined(std::move(made)));
+        redoBefore_.clear();
+    }
+    redo_ = std::exchange(redoBefore_, {});
+}
+
+MassEdits::Step MassEdits::joined(std::deque<Step> steps) const {
+    Step all = std::move(steps.front());
+    steps.pop_front();
+    if (steps.empty()) return all;
+    // What an earlier step changed is older, and stays.
+    std::vector<bool> known(document_.frameCount());
+    for (const Change& change : all.frames) known[document_.frameIndex(change.address)] = true;
+    for (Step& step : steps) {
+        for (Change& change : step.frames) {
+            const std::size_t frame = document_.frameIndex(change.address);
+            if (known[frame]) continue;
+            known[frame] = true;
+            all.frames.push_back(std::move(change));
+        }
+        all.records.merge(step.records);
+        all.measures.merge(step.measures);
+    }
+    return all;
+}
+
+void MassEdits::forgetSteps() {
+    undo_.clear();
+    redo_.clear();
+}
+
 bool MassEdits::undo() {
-    if (undo_.empty() || isOpen()) return false;
+    if (!canUndo()) return false;
     exchange(undo_.back());
     redo_.push_back(std::move(undo_.back()));
     undo_.pop_back();
@@ -122,7 +169,7 @@ bool MassEdits::undo() {
 }
 
 bool MassEdits::redo() {
-    if (redo_.empty() || isOpen()) return false;
+    if (!canRedo()) return false;
     exchange(redo_.back());
     undo_.push_back(std::move(redo_.back()));
     redo_.pop_back();

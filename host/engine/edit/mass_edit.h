@@ -56,9 +56,19 @@ class MassEdits {
     // The key of a measure before the innermost open edit.
     [[nodiscard]] const KeySignature& keyBefore(short staff, short measure) const;
 
-    // Exact undo and redo of whole outermost edits; false when there is nothing to undo or redo.
+    // Several outermost edits as one step: those from here on until closeStep(), which takes all of them back
+    // if the step is cancelled. A step that is cancelled or changes nothing leaves what can be redone.
+    void openStep();
+    void closeStep(bool cancelled);
+
+    // Exact undo and redo of whole outermost edits, or steps of several; false when there is nothing to undo
+    // or redo.
     bool undo();
     bool redo();
+    [[nodiscard]] bool canUndo() const { return !undo_.empty() && !isOpen(); }
+    [[nodiscard]] bool canRedo() const { return !redo_.empty() && !isOpen(); }
+    // Keeps the document as it is now and gives back the memory of what it was.
+    void forgetSteps();
 
     // Puts back what the edits still open changed; how many they were.
     std::size_t cancelAll();
@@ -87,12 +97,16 @@ class MassEdits {
     bool isFirstChange(Edit& edit, const FrameAddress& address) const;
     void remember(Edit& edit, const FrameAddress& address, PackedEntries old) const;
     void exchange(Step& step);
+    [[nodiscard]] Step joined(std::deque<Step> steps) const;
 
     Document& document_;
     Follower* follower_ = nullptr;
     std::vector<std::unique_ptr<Edit>> open_;
     std::deque<Step> undo_;
     std::deque<Step> redo_;
+    // Of the step that is open: how many there were before it, and what could be redone then.
+    std::size_t stepsBefore_ = 0;
+    std::deque<Step> redoBefore_;
 };
 
 }  // namespace rovescio::engine

@@ -13,7 +13,7 @@ namespace rovescio::engine::functions {
 namespace {
 
 UserInterface& front() {
-    return Session::current().userInterface;
+    return Session::current().userInterface();
 }
 
 // The text of an alert: a string resource of the plug-in when an id is given.

@@ -47,7 +47,7 @@ short SX_MassEditProgress(SXMassEdit massEdit, short, short, short, short) {
         ruleBroken(Rule::progressOutsideMassEdit, "SX_MassEditProgress was called without an open mass edit");
         return 0;
     }
-    return session.userInterface.progress({session.frames.loads(), session.expectedLoads});
+    return session.userInterface().progress(session.progress());
 }
 
 }  // namespace rovescio::engine::functions

@@ -26,7 +26,7 @@ short SX_GetCurERegions(std::uint64_t* slot, EREGION* region, EREGION* secondReg
 }
 
 void SX_RedrawMusic(const EREGION*) {
-    Session::current().userInterface.redraw();
+    Session::current().userInterface().redraw();
 }
 
 short SX_GetMaxLayers() {
@@ -79,11 +79,11 @@ void SX_Playback(short startMeasure, short endMeasure, short, std::uint16_t staf
         if (staff == 0) break;
         staves.push_back(staff);
     }
-    Session::current().userInterface.play(startMeasure, endMeasure, staves);
+    Session::current().userInterface().play(startMeasure, endMeasure, staves);
 }
 
 short SX_ListenToMidi(SXWindow, void* buffer) {
-    return Session::current().userInterface.listenToMidi(static_cast<std::uint8_t*>(buffer));
+    return Session::current().userInterface().listenToMidi(static_cast<std::uint8_t*>(buffer));
 }
 
 // Letter, accidentals (# or b, repeated), octave number; "C4" is 60. -1 for anything else.

@@ -15,15 +15,18 @@ Session* currentSession = nullptr;
 
 }  // namespace
 
-Session::Session(Document& documentToEdit, UserInterface& front)
+Session::Session(Document& documentToEdit)
     : document(documentToEdit),
-      userInterface(front),
       massEdits(documentToEdit),
       consequences(documentToEdit, massEdits),
       frames(documentToEdit, consequences),
       dataRecords(documentToEdit, massEdits, records) {
     assert(!currentSession);
     currentSession = this;
+}
+
+Session::Session(Document& documentToEdit, UserInterface& front) : Session(documentToEdit) {
+    begin(front);
 }
 
 Session::~Session() {
@@ -35,12 +38,34 @@ Session& Session::current() {
     return *currentSession;
 }
 
+void Session::begin(UserInterface& front) {
+    userInterface_ = &front;
+    loadsBefore_ = frames.loads();
+    selection.reset();
+    layerShown.fill(true);
+    fractions = {};
+    expectedLoads = 0;
+    refusal_.reset();
+    rebars_ = 0;
+    pluginString = nullptr;
+}
+
+void Session::end() {
+    userInterface_ = nullptr;
+    pluginString = nullptr;
+}
+
+UserInterface& Session::userInterface() const {
+    assert(userInterface_);
+    return *userInterface_;
+}
+
 bool Session::rebar(const EREGION& region) {
     const Result<Done> done = engine::rebar(document, consequences, layerShown, region);
     if (done) {
-        ++rebars;
+        ++rebars_;
     } else {
-        refusal = done.problem();
+        refusal_ = done.problem();
     }
     return done.ok();
 }

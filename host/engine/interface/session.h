@@ -24,6 +24,8 @@ namespace rovescio::engine {
 
 class Session {
   public:
+    explicit Session(Document& document);
+    // The same for one invocation only, which begins with it.
     Session(Document& document, UserInterface& userInterface);
     ~Session();
     Session(const Session&) = delete;
@@ -32,7 +34,6 @@ class Session {
     static Session& current();
 
     Document& document;
-    UserInterface& userInterface;
     MassEdits massEdits;
     Consequences consequences;
     LoadedFrames frames;
@@ -46,18 +47,33 @@ class Session {
     FractionChange fractions = {};
     // How many frames the transformations chosen will load, for the progress display.
     std::int64_t expectedLoads = 0;
-    // Why what a transformation asked for could not be done; the document must not be written then.
-    std::optional<Problem> refusal;
-    // Regions whose music was laid out again.
-    int rebars = 0;
     // Text of a string resource of the plug-in, UTF-8; empty when it has none.
     std::function<std::string(std::uint32_t stringId)> pluginString;
 
-    // Distributes the music of a region over its measures again; false, with the reason in `refusal`, when it
+    // A plug-in is about to be invoked: who works its dialogs. What was chosen for the invocation before, and
+    // what that one came to, is forgotten; its undo steps stay.
+    void begin(UserInterface& userInterface);
+    // It has come back; until the next one nobody works dialogs.
+    void end();
+    [[nodiscard]] UserInterface& userInterface() const;
+    // How far the invocation has come.
+    [[nodiscard]] Progress progress() const { return {frames.loads() - loadsBefore_, expectedLoads}; }
+
+    // Distributes the music of a region over its measures again; false, with the reason in refusal(), when it
     // does not fill them.
     bool rebar(const EREGION& region);
+    // Why what the invocation asked for could not be done; the document must not be written then.
+    [[nodiscard]] const std::optional<Problem>& refusal() const { return refusal_; }
+    // Regions whose music it had laid out again.
+    [[nodiscard]] int rebars() const { return rebars_; }
     // Reports what the plug-in left open; call after each invocation.
     void checkBalanced();
+
+  private:
+    UserInterface* userInterface_ = nullptr;
+    std::int64_t loadsBefore_ = 0;
+    std::optional<Problem> refusal_;
+    int rebars_ = 0;
 };
 
 }  // namespace rovescio::engine

@@ -17,4 +17,8 @@ std::string Problem::text() const {
     return result;
 }
 
+Problem problemWith(std::string message, std::string remedy) {
+    return {.message = std::move(message), .file = {}, .measure = {}, .remedy = std::move(remedy)};
+}
+
 }  // namespace rovescio::engine

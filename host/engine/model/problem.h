@@ -40,6 +40,9 @@ class [[nodiscard]] Result {
     std::variant<T, Problem> state_;
 };
 
+// A problem that concerns no file.
+Problem problemWith(std::string message, std::string remedy);
+
 // Nothing but success; for operations that only can fail.
 struct Done {};
 

@@ -1,5 +1,5 @@
 // A walk over the frames of the selection for what the check of a retrograde looks for.
-#include "cli/retrograde_check.h"
+#include "run/retrograde_check.h"
 
 #include <array>
 #include <map>
@@ -11,7 +11,7 @@
 #include "engine/edit/pour.h"
 #include "engine/model/fraction.h"
 
-namespace rovescio::cli {
+namespace rovescio::run {
 
 namespace {
 
@@ -76,4 +76,4 @@ std::vector<std::string> retrogradeObstacles(engine::Session& session, const Sel
     return lines;
 }
 
-}  // namespace rovescio::cli
+}  // namespace rovescio::run

@@ -1,12 +1,10 @@
 // Keys that are neither major nor minor.
-#include "cli/key_limits.h"
+#include "run/key_limits.h"
 
 #include <map>
 #include <set>
 
-#include "cli/messages.h"
-
-namespace rovescio::cli {
+namespace rovescio::run {
 
 namespace {
 
@@ -63,11 +61,11 @@ std::vector<std::string> notesLeft(const engine::Document& document, const Selec
 }
 
 engine::Problem nothingReached(const Transformation& transformation) {
-    return problemWith(
+    return engine::problemWith(
         "nothing in the selection can be " + limitedSteps(transformation) + ", nothing was written",
         std::string("Staves without pitches and keys that are neither major nor minor stay as they "
                     "are") +
-            (movesByInterval(transformation) ? "; --steps moves the notes in such keys" : ""));
+            (movesByInterval(transformation) ? "; {steps} moves the notes in such keys" : ""));
 }
 
-}  // namespace rovescio::cli
+}  // namespace rovescio::run

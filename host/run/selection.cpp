@@ -1,5 +1,5 @@
 // Lookup of measures, beats, staves and layers.
-#include "cli/selection.h"
+#include "run/selection.h"
 
 #include <algorithm>
 #include <charconv>
@@ -10,14 +10,13 @@
 #include <optional>
 #include <utility>
 
-#include "cli/messages.h"
-
-namespace rovescio::cli {
+namespace rovescio::run {
 
 namespace {
 
 using engine::Document;
 using engine::FrameAddress;
+using engine::problemWith;
 using engine::Result;
 
 // The position of an end that takes in the whole measure.
@@ -49,7 +48,7 @@ Result<short> findMeasure(const Document& document, const MeasurePoint& point) {
         if (found != 0) {
             return problemWith("several measures have the number " + point.number + ", among them #" +
                                    std::to_string(found) + " and #" + std::to_string(measure),
-                               "Say which you mean by counting from the start: --measures \"#" +
+                               "Say which you mean by counting from the start: {measures} \"#" +
                                    std::to_string(found) + "\"");
         }
         found = measure;
@@ -254,7 +253,7 @@ Result<Selection> select(const Document& document, const SelectionRequest& reque
                            document.staffCount() == 1
                                ? "The score has one staff"
                                : "The score has staves 1 to " + std::to_string(document.staffCount()) +
-                                     "; --info lists them");
+                                     "; {info} lists them");
     }
     const Result<std::vector<FoundRange>> found =
         findRanges(document, request.measures, static_cast<short>(staves.front().first));
@@ -280,9 +279,9 @@ Result<Selection> select(const Document& document, const SelectionRequest& reque
     selection.description = describe(document, request, found.value());
     if (!hasNote(document, selection)) {
         return problemWith("there is no note in the selection (" + selection.description + ")",
-                           "Choose other measures, staves or layers; --info shows what the score has");
+                           "Choose other measures, staves or layers; {info} shows what the score has");
     }
     return selection;
 }
 
-}  // namespace rovescio::cli
+}  // namespace rovescio::run

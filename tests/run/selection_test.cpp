@@ -1,14 +1,15 @@
 // Selections looked up in a score.
-#include "cli/selection.h"
+#include "run/selection.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>
 
+#include "cli/selection_request.h"
 #include "support/score_text.h"
 
-namespace rovescio::cli {
+namespace rovescio::run {
 namespace {
 
 using engine::Document;
@@ -17,7 +18,7 @@ using test::scoreFromText;
 engine::Result<Selection> selectIn(const Document& document, const std::string& measures,
                                    NumberRuns staves = {}, NumberRuns layers = {}) {
     SelectionRequest request{.measures = {}, .staves = std::move(staves), .layers = std::move(layers)};
-    if (!measures.empty()) request.measures = parseMeasures(measures).value();
+    if (!measures.empty()) request.measures = cli::parseMeasures(measures).value();
     return select(document, request);
 }
 
@@ -96,4 +97,4 @@ TEST(Selections, AreRefusedWithWhatExists) {
 }
 
 }  // namespace
-}  // namespace rovescio::cli
+}  // namespace rovescio::run

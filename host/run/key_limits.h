@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "cli/selection.h"
 #include "dialogs/transformation_script.h"
 #include "engine/model/document.h"
 #include "engine/model/problem.h"
+#include "run/selection.h"
 
-namespace rovescio::cli {
+namespace rovescio::run {
 
 // Whether a transformation does anything to notes in a key.
 bool reaches(const dialogs::Transformation& transformation, const engine::KeySignature& key);
@@ -23,4 +23,4 @@ std::vector<std::string> notesLeft(const engine::Document& document, const Selec
 // The problem of a selection that has no other notes.
 engine::Problem nothingReached(const dialogs::Transformation& transformation);
 
-}  // namespace rovescio::cli
+}  // namespace rovescio::run

@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "cli/selection_request.h"
 #include "contract/records.h"
 #include "engine/model/document.h"
 #include "engine/model/problem.h"
+#include "run/selection_request.h"
 
-namespace rovescio::cli {
+namespace rovescio::run {
 
 struct Selection {
     std::vector<EREGION> regions;  // one for each run of neighbouring staves
@@ -35,4 +35,4 @@ bool contains(const EREGION& region, const engine::FrameAddress& address, std::i
 // "3-5, 8" in the measures' printed numbers.
 std::string measureRuns(const engine::Document& document, const std::set<short>& measures);
 
-}  // namespace rovescio::cli
+}  // namespace rovescio::run
