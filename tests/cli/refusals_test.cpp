@@ -156,6 +156,25 @@ TEST_F(Refusals, OfRunsInWhichHostFunctionsFail) {
     )");
 }
 
+// The trace is longer than a pipe holds, so that the run waits until the score has been changed.
+TEST_F(Refusals, OfScoresThatChangeWhileTheyAreWorkedOn) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"printf ' ' >> long.musicxml", "another program changed the score while it was being worked on"},
+        {"truncate -s 5000 long.musicxml", "another program cut the score short while it was being read"},
+    };
+    for (const auto& [change, message] : cases) {
+        write("long.musicxml", longScore(2000));
+        ASSERT_EQ(
+            run("(rovescio long.musicxml -t M2 --trace -o new.xml 2>&1; echo $? > code) | (read -r line; " +
+                std::string(change) + "; cat > trace)")
+                .code,
+            0);
+        EXPECT_EQ(read("code"), "3\n") << change;
+        EXPECT_NE(read("trace").find(message), std::string::npos) << change;
+        EXPECT_FALSE(std::filesystem::exists(path("new.xml")));
+    }
+}
+
 #ifndef __SANITIZE_ADDRESS__  // which takes more address space than any limit leaves
 TEST_F(Refusals, OfScoresForWhichMemoryLacks) {
     write("long.musicxml", longScore(8000));
