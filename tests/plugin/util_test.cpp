@@ -125,8 +125,8 @@ TEST(Comparison, IsOfUnsignedNumbersUpToTheTerminatorOrTheCount) {
     const auto compare = [](const std::string& a, const std::string& b, int whole, int two, int withoutCase) {
         SCOPED_TRACE(a + " and " + b);
         std::u16string wide[2];
-        for (const unsigned char byte : a) wide[0] += static_cast<char16_t>(byte * 257);
-        for (const unsigned char byte : b) wide[1] += static_cast<char16_t>(byte * 257);
+        for (const char c : a) wide[0] += static_cast<char16_t>(static_cast<unsigned char>(c) * 257);
+        for (const char c : b) wide[1] += static_cast<char16_t>(static_cast<unsigned char>(c) * 257);
         EXPECT_EQ(sx_strcmp(wide[0].c_str(), wide[1].c_str()), whole);
         EXPECT_EQ(sx_strncmp(wide[0].c_str(), wide[1].c_str(), 99), whole);
         EXPECT_EQ(sx_strncmp(wide[0].c_str(), wide[1].c_str(), 2), two);

@@ -40,7 +40,7 @@ std::string readPieces(std::string_view text, std::size_t size, std::size_t wort
 
 TEST(PieceReader, ReadsTheSameHoweverTheTextIsCut) {
     for (std::size_t size = 1; size <= kScore.size(); ++size) {
-        for (const std::size_t worthALook : {1, 40, 1000}) {
+        for (const std::size_t worthALook : {1U, 40U, 1000U}) {
             ParseFault fault;
             EXPECT_EQ(
                 readPieces(kScore, size, worthALook, fault),
