@@ -270,17 +270,21 @@ TEST(Shapes, enterTheText) {
              note("e4:h", "<notations><slur type=\"stop\"/><slur type=\"stop\" number=\"3\"/></notations>") +
                  note("f4:h", slur("stop", "2")) + chordNote("a4:h", lyric) + wedge("stop")}));
     EXPECT_EQ(test::open(score.open.written()).document.shapes().asRead().size(), 4U);
+}
 
+TEST(Shapes, enterTheTextOfALowerStaff) {
     const auto lower = [](const std::string& before, const std::string& behind) {
         return scoreOfParts({{note("c4:w")},
                              {attributes("", "<staves>2</staves>") + inVoice(note("c5:w"), "1") + backup(4) +
                               before + inVoice(note("c3:w"), "5", 2) + behind}});
     };
-    Records staves(lower("", ""));
-    staves.edit([&] { staves.make(SHAPE_CRESCENDO, 3, 3, 1, 3); });
-    EXPECT_EQ(staves.open.written(),
-              lower(wedge("crescendo", "<staff>2</staff>"), wedge("stop", "<staff>2</staff>")));
-    EXPECT_EQ(Records(staves.open.written()).shapes(), "2 3-3@3-3; ");
+    const auto written = [&] {
+        Records staves(lower("", ""));
+        staves.edit([&] { staves.make(SHAPE_CRESCENDO, 3, 3, 1, 3); });
+        return staves.open.written();
+    }();
+    EXPECT_EQ(written, lower(wedge("crescendo", "<staff>2</staff>"), wedge("stop", "<staff>2</staff>")));
+    EXPECT_EQ(Records(written).shapes(), "2 3-3@3-3; ");
 }
 
 std::string keyed(int fifths, const std::string& more = "") {
