@@ -33,6 +33,8 @@ bool Proof::writeTo(const musicxml::ByteSink& sink) {
         return sink(piece);
     });
     end();
+    // Of a text that could not be written whole, the end is missing: that is not the text's fault.
+    if (!taken) found_.reset();
     return taken;
 }
 

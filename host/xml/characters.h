@@ -56,6 +56,12 @@ inline const char* skipSpace(const char* p, const char* end) {
     return p;
 }
 
+inline std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+    return text;
+}
+
 // The end of what name characters follow in legal text; p itself where none does.
 inline const char* tokenEnd(const char* p, const char* end) {
     while (p != end && isOf(*p, kNameRest)) ++p;

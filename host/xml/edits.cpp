@@ -4,25 +4,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "xml/characters.h"
 #include "xml/decoding.h"
 
 namespace rovescio::xml {
-
-namespace {
-
-constexpr std::string_view kSpace = " \t\r\n";
-
-bool isSpace(char c) {
-    return kSpace.find(c) != std::string_view::npos;
-}
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t begin = text.find_first_not_of(kSpace);
-    if (begin == std::string_view::npos) return {};
-    return text.substr(begin, text.find_last_not_of(kSpace) + 1 - begin);
-}
-
-}  // namespace
 
 Edits::Edits(const Tree& tree) : tree_(&tree), changeOf_(tree.size()), changes_(1) {}
 
@@ -233,7 +218,7 @@ Slice Edits::leadOf(Node node) const {
 }
 
 bool Edits::saysSomething(const Slice& lead) const {
-    return slice(lead).find_first_not_of(kSpace) != std::string_view::npos;
+    return !trimmed(slice(lead)).empty();
 }
 
 void Edits::insertAfter(Node sibling, Node added) {

@@ -17,12 +17,6 @@ constexpr std::size_t kMostBytes = std::numeric_limits<std::int32_t>::max();
 // Scores have an element for so many bytes or more.
 constexpr std::size_t kBytesOfElement = 24;
 
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
-    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
-    return text;
-}
-
 // Parses what stands before the first illegal character, and finds fault with that when nothing comes before
 // it.
 ParseFault parseDocument(std::string_view text, const Limits& limits, Names& names,

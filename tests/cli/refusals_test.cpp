@@ -86,7 +86,7 @@ TEST_F(Refusals, OfFilesOfOtherKindsNamesTheKindAndTheWay) {
 
 TEST_F(Refusals, OfPlacesThatCannotBeWritten) {
     fs::create_directory(path("folder"));
-    write("long.musicxml", longScore(500));
+    write("long.musicxml", longScore(8000));
     expectRefusals(R"(
         4 | -t M2 -o none/new.xml | none/new.xml: cannot be written: No such file
         4 | -t M2 -o folder | use --out-dir for a folder
@@ -96,6 +96,7 @@ TEST_F(Refusals, OfPlacesThatCannotBeWritten) {
         4 | -t M2 -o - > /dev/full | standard output: cannot be written: No space
         4 | ulimit -f 4; rovescio long.musicxml -t M2 -o new.xml | new.xml: cannot be written: File too large
         4 | ulimit -f 4; rovescio long.musicxml -t M2 -o greensleeves.musicxml | File too large
+        4 | ulimit -f 3000; rovescio long.musicxml -t M2 -o new.xml | new.xml: cannot be written: File too large
         4 | set -o pipefail; rovescio long.musicxml -t M2 -o - | true | standard output: cannot be written: Broken pipe
     )");
 }
